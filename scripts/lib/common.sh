@@ -1,0 +1,73 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+#
+# What the scripts beside this folder share. To be sourced by bash.
+
+project_directory=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+log_directory=$project_directory/build/logs
+
+# What the library, the tools and their tests are built with and run on.
+build_packages=(
+    cmake g++ ninja-build pkg-config
+    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
+)
+session_packages=(
+    dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
+)
+
+fail() {
+    echo "${0##*/}: $*" >&2
+    exit 1
+}
+
+# run_logged NAME COMMAND...: runs the command with its output in a log, which is shown if it fails.
+run_logged() {
+    local log=$log_directory/$1.log
+    shift
+    mkdir -p "$log_directory"
+    if ! "$@" > "$log" 2>&1 < /dev/null; then
+        tail -n 60 "$log" >&2
+        fail "failed: $* (whole output in $log)"
+    fi
+}
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo > /dev/null; then
+        sudo "$@"
+    else
+        fail "needs root, or sudo, for: $*"
+    fi
+}
+
+# ensure_packages NAME...: installs those that are missing; says nothing where none is.
+ensure_packages() {
+    local package missing=()
+    for package; do
+        [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2> /dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing ${missing[*]}"
+    run_logged apt-update as_root apt-get update -qq
+    run_logged apt-install as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+
+# build_preset NAME [OPTION...]: configures and builds a preset into build/NAME; says nothing where nothing is to be
+# done. The options are cmake's, for the configuration.
+build_preset() {
+    local preset=$1 directory=$project_directory/build/$1
+    shift
+    cd "$project_directory"
+    if [ ! -f "$directory/build.ninja" ] || [ $# -gt 0 ]; then
+        run_logged "configure-$preset" cmake --preset "$preset" "$@"
+    fi
+    if ! ninja -C "$directory" -n | grep -q 'no work to do'; then
+        echo "Building in build/$preset"
+        run_logged "build-$preset" cmake --build "$directory"
+    fi
+    # The desk's manifest where the build looks for the device's.
+    cmp -s compositor/data/device-manifest.json "$directory/device-manifest.json" \
+        || cp compositor/data/device-manifest.json "$directory/device-manifest.json"
+}

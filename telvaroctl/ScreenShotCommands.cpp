@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "Command.h"
+#include "Console.h"
+
+#include <TelvaroScreenShotDBusConnector.h>
+
+#include <QDir>
+#include <QString>
+
+namespace {
+
+ExitStatus captureScreenShot(const QStringList& arguments)
+{
+    if (arguments.size() != 1) {
+        return wrongArgumentCount("screenshot");
+    }
+    if (!isOnCompositorDevice()) {
+        return Failed;
+    }
+    // The service has another current directory.
+    const std::optional<QString> answer =
+        TelvaroScreenShotDBusConnector().captureScreenShot(QDir(arguments.constFirst()).absolutePath());
+    if (!answer) {
+        return Failed;
+    }
+    printLine(*answer);
+    return Done;
+}
+
+} // namespace
+
+QList<Command> screenShotCommands()
+{
+    return {
+        {"screenshot", "Stores a screenshot in a directory and prints what the service answers.", "DIR", "", noOptions,
+         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
+             return captureScreenShot(arguments);
+         }},
+    };
+}
