@@ -15,6 +15,14 @@ session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
 )
 
+# What the tests are built with, and what else they run.
+test_build_packages=(
+    libdbus-1-dev libglib2.0-dev libwayland-dev wayland-protocols
+)
+test_packages=(
+    binutils libglib2.0-bin libnotify-bin systemd xdotool xvfb
+)
+
 fail() {
     echo "${0##*/}: $*" >&2
     exit 1

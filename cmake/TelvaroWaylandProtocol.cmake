@@ -1,0 +1,34 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+
+# What wayland-scanner makes is C.
+enable_language(C)
+find_package(PkgConfig REQUIRED)
+pkg_get_variable(telvaro_wayland_protocols wayland-protocols pkgdatadir)
+pkg_get_variable(telvaro_wayland_scanner wayland-scanner wayland_scanner)
+if(NOT telvaro_wayland_protocols OR NOT telvaro_wayland_scanner)
+    message(FATAL_ERROR "wayland-protocols and wayland-scanner are needed")
+endif()
+
+# Makes the target speak a protocol of the package wayland-protocols, given by its file's path there. The side is server
+# or client; the header is named after the file, <name>-<side>-protocol.h.
+function(telvaro_wayland_protocol target side file)
+    set(xml "${telvaro_wayland_protocols}/${file}")
+    get_filename_component(name "${file}" NAME_WE)
+    set(library "${target}-${name}")
+    set(directory "${CMAKE_CURRENT_BINARY_DIR}/${library}-generated")
+    set(header "${directory}/${name}-${side}-protocol.h")
+    set(code "${directory}/${name}-protocol.c")
+    file(MAKE_DIRECTORY "${directory}")
+    add_custom_command(
+        OUTPUT "${header}" "${code}"
+        COMMAND "${telvaro_wayland_scanner}" ${side}-header "${xml}" "${header}"
+        COMMAND "${telvaro_wayland_scanner}" private-code "${xml}" "${code}"
+        DEPENDS "${xml}"
+        VERBATIM)
+    add_library(${library} STATIC "${header}" "${code}")
+    set_target_properties(${library} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_include_directories(${library} SYSTEM INTERFACE "${directory}")
+    target_link_libraries(${target} PRIVATE ${library})
+    add_dependencies(${target} ${library})
+endfunction()

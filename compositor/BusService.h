@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+
+/// The connection to the bus under whose names the compositor's objects are found.
+class BusService : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit BusService(QObject* parent = nullptr);
+    ~BusService() override;
+
+    bool publish(const QString& path, QObject* object);
+    /// To be called when all objects are published: from then on the service is there for its clients.
+    bool takeName();
+    /// Takes the name under which applications of any desktop look for the notification server, if it is free.
+    void takeNotificationName();
+
+    QString error() const
+    {
+        return mError;
+    }
+
+Q_SIGNALS:
+    void disconnected();
+
+private:
+    QDBusConnection mConnection;
+    QString mError;
+};

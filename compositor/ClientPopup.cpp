@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "ClientPopup.h"
+
+#include "PopupPlacement.h"
+
+#include <QWaylandSurface>
+
+ClientPopup::ClientPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface, QObject* parent)
+    : QObject(parent)
+    , mPopup(popup)
+    , mXdgSurface(xdgSurface)
+    , mParentXdgSurface(popup->parentXdgSurface())
+    , mSurface(ClientSurface::of(xdgSurface->surface()))
+    , mGeometry(popup->unconstrainedPosition(), popup->positionerSize())
+{
+    connect(mSurface, &ClientSurface::committed, this, &ClientPopup::committed);
+    connect(xdgSurface, &QObject::destroyed, this, &QObject::deleteLater);
+    connect(xdgSurface->surface(), &QWaylandSurface::surfaceDestroyed, this, &QObject::deleteLater);
+}
+
+void ClientPopup::place(const QRect& bounds)
+{
+    const QRect geometry = PopupPlacement::place(*mPopup, bounds);
+    if (geometry != mGeometry) {
+        mGeometry = geometry;
+        mPopup->sendConfigure(geometry);
+    }
+}
+
+void ClientPopup::dismiss()
+{
+    if (mPopup != nullptr) {
+        mPopup->sendPopupDone();
+    }
+}

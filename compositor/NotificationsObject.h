@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <QDBusContext>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+class NotificationCenter;
+
+/// The notification server on the bus, as the Desktop Notifications Specification wants it. The slots and signals bear
+/// the names of the interface's methods and signals.
+class NotificationsObject : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+
+public:
+    explicit NotificationsObject(NotificationCenter& center, QObject* parent = nullptr);
+
+public Q_SLOTS:
+    uint Notify(const QString& appName, uint replacesId, const QString& appIcon, const QString& summary,
+                const QString& body, const QStringList& actions, const QVariantMap& hints, int expireTimeout);
+    /// Answers with an error without a text when there is no such notification.
+    void CloseNotification(uint id);
+    QStringList GetCapabilities() const;
+    QString GetServerInformation(QString& vendor, QString& version, QString& specificationVersion) const;
+
+Q_SIGNALS:
+    void NotificationClosed(uint id, uint reason);
+    void ActionInvoked(uint id, const QString& actionKey);
+
+private:
+    NotificationCenter& mCenter;
+};

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "SeatInput.h"
+
+#include "ClientWindow.h"
+#include "NotificationCards.h"
+#include "ScreenSaver.h"
+#include "WindowStack.h"
+
+#include <QKeyEvent>
+#include <QWaylandDrag>
+#include <QWaylandSeat>
+#include <QWaylandSurface>
+
+SeatInput::SeatInput(QWaylandSeat* seat, WindowStack& stack, NotificationCards& cards, ScreenSaver& screenSaver,
+                     QWindow& window)
+    : mSeat(seat)
+    , mStack(stack)
+    , mCards(cards)
+    , mScreenSaver(screenSaver)
+    , mCursor(window)
+{
+    connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
+    connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
+        mCursor.set(surface, QPoint(x, y));
+    });
+    connect(seat, &QWaylandSeat::mouseFocusChanged, this, [this](const QWaylandView* newFocus) {
+        if (newFocus == nullptr) {
+            mCursor.reset();
+        }
+    });
+}
+
+bool SeatInput::wakesScreen()
+{
+    const bool wasAsleep = mScreenSaver.isActive();
+    mScreenSaver.noteInput();
+    return wasAsleep;
+}
+
+void SeatInput::pointerMotion(const QPointF& position)
+{
+    mPosition = position;
+    mIsInside = true;
+    if (!wakesScreen()) {
+        updatePointerFocus();
+    }
+}
+
+void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
+{
+    mPosition = position;
+    mIsInside = true;
+    if (wakesScreen()) {
+        return;
+    }
+    if (mCards.press(position.toPoint())) {
+        return;
+    }
+    updatePointerFocus();
+    if (!mPressedButtons) {
+        const WindowStack::Hit hit = mStack.surfaceAt(position);
+        if (hit.surface == nullptr) {
+            mStack.dismissPopups();
+        }
+        mGrabbingWindow = hit.window;
+        mGrabbingSurface = hit.surface;
+        mGrabOrigin = position - hit.position;
+    }
+    if (mSeat->mouseFocus() == nullptr) {
+        return;
+    }
+    mPressedButtons |= button;
+    mSeat->sendMousePressEvent(button);
+}
+
+void SeatInput::pointerRelease(const QPointF& position, Qt::MouseButton button)
+{
+    mPosition = position;
+    mScreenSaver.noteInput();
+    mCards.release(position.toPoint());
+    if (!mPressedButtons.testFlag(button)) {
+        return;
+    }
+    mPressedButtons.setFlag(button, false);
+    if (mSeat->drag()->origin() != nullptr) {
+        mSeat->drag()->drop();
+    }
+    mSeat->sendMouseReleaseEvent(button);
+    updatePointerFocus();
+}
+
+void SeatInput::pointerLeft()
+{
+    mIsInside = false;
+    if (!mPressedButtons) {
+        mSeat->setMouseFocus(nullptr);
+    }
+}
+
+void SeatInput::wheel(const QPointF& position, const QPoint& angleDelta)
+{
+    pointerMotion(position);
+    if (mSeat->mouseFocus() == nullptr) {
+        return;
+    }
+    if (angleDelta.x() != 0) {
+        mSeat->sendMouseWheelEvent(Qt::Horizontal, angleDelta.x());
+    }
+    if (angleDelta.y() != 0) {
+        mSeat->sendMouseWheelEvent(Qt::Vertical, angleDelta.y());
+    }
+}
+
+void SeatInput::key(QKeyEvent* event)
+{
+    const quint32 code = event->nativeScanCode();
+    if (event->type() == QEvent::KeyRelease) {
+        mScreenSaver.noteInput();
+        if (!event->isAutoRepeat() && mPressedKeys.remove(code) && mSeat->keyboardFocus() != nullptr) {
+            mSeat->sendFullKeyEvent(event);
+        }
+        return;
+    }
+    ClientWindow* const window = mStack.current();
+    if (wakesScreen() || event->isAutoRepeat() || window == nullptr || mSeat->keyboardFocus() == nullptr) {
+        return;
+    }
+    window->ping();
+    if (window->isResponding()) {
+        mPressedKeys.insert(code);
+        mSeat->sendFullKeyEvent(event);
+    }
+}
+
+void SeatInput::releaseKeys()
+{
+    for (const quint32 code : std::exchange(mPressedKeys, QSet<quint32>())) {
+        if (mSeat->keyboardFocus() != nullptr) {
+            mSeat->sendKeyReleaseEvent(code);
+        }
+    }
+}
+
+void SeatInput::updatePointerFocus()
+{
+    if (!mIsInside) {
+        return;
+    }
+    if (mSeat->drag()->origin() != nullptr) {
+        const WindowStack::Hit hit = mStack.surfaceAt(mPosition);
+        mSeat->drag()->dragMove(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
+        return;
+    }
+    if (mPressedButtons) {
+        if (mGrabbingWindow != nullptr && mGrabbingSurface != nullptr && mGrabbingSurface->surface() != nullptr) {
+            setPointerFocus(mGrabbingWindow->isResponding() ? mGrabbingSurface : nullptr, mPosition - mGrabOrigin);
+            return;
+        }
+        mPressedButtons = Qt::NoButton;
+    }
+    const WindowStack::Hit hit =
+        mCards.contains(mPosition.toPoint()) ? WindowStack::Hit() : mStack.surfaceAt(mPosition);
+    if (hit.window != nullptr) {
+        hit.window->ping();
+    }
+    // A client that does not read must not be written to: its connection would fill and be cut.
+    const bool isListening = hit.window != nullptr && hit.window->isResponding();
+    setPointerFocus(isListening ? hit.surface : nullptr, hit.position);
+}
+
+void SeatInput::setPointerFocus(ClientSurface* surface, const QPointF& position)
+{
+    if (surface != nullptr || mSeat->mouseFocus() != nullptr) {
+        mSeat->sendMouseMoveEvent(surface, position, mPosition);
+    }
+}

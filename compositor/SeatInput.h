@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "ClientCursor.h"
+#include "ClientSurface.h"
+#include "ClientWindow.h"
+
+#include <QObject>
+#include <QPoint>
+#include <QPointF>
+#include <QPointer>
+#include <QSet>
+
+class NotificationCards;
+class QKeyEvent;
+class QWaylandSeat;
+class ScreenSaver;
+class WindowStack;
+
+/// Leads the input to where it belongs: first it ends the screen saver, then it is for the notification cards, then
+/// for the current view. Positions are in the output's coordinates.
+class SeatInput : public QObject
+{
+    Q_OBJECT
+
+public:
+    SeatInput(QWaylandSeat* seat, WindowStack& stack, NotificationCards& cards, ScreenSaver& screenSaver,
+              QWindow& window);
+
+    void pointerMotion(const QPointF& position);
+    void pointerPress(const QPointF& position, Qt::MouseButton button);
+    void pointerRelease(const QPointF& position, Qt::MouseButton button);
+    void pointerLeft();
+    void wheel(const QPointF& position, const QPoint& angleDelta);
+    void key(QKeyEvent* event);
+    /// To be called when the releases will not come any more.
+    void releaseKeys();
+
+private:
+    /// True when the input has only ended the screen saver.
+    bool wakesScreen();
+    void updatePointerFocus();
+    void setPointerFocus(ClientSurface* surface, const QPointF& position);
+
+    QWaylandSeat* mSeat;
+    WindowStack& mStack;
+    NotificationCards& mCards;
+    ScreenSaver& mScreenSaver;
+    ClientCursor mCursor;
+
+    QPointF mPosition;
+    bool mIsInside = false;
+    /// The buttons that the client has been told of; while there are any, its surface keeps the pointer.
+    Qt::MouseButtons mPressedButtons;
+    QPointer<ClientWindow> mGrabbingWindow;
+    QPointer<ClientSurface> mGrabbingSurface;
+    QPointF mGrabOrigin;
+    /// The scan codes that the client has been told of.
+    QSet<quint32> mPressedKeys;
+};

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <QHash>
+#include <QWaylandCompositor>
+#include <QWaylandOutput>
+#include <QWaylandViewporter>
+
+#include <QWaylandXdgDecorationManagerV1>
+#include <QWaylandXdgShell>
+#include <memory>
+
+class ClientWatch;
+class LogicalOutput;
+class Output;
+class ViewList;
+class WindowStack;
+
+/// The Wayland side: speaks the protocols and turns the clients' surfaces into windows and popups of the stack.
+class WaylandServer : public QWaylandCompositor
+{
+    Q_OBJECT
+
+public:
+    WaylandServer(const Output& output, QWindow& window, ViewList& views, WindowStack& stack);
+    ~WaylandServer() override;
+
+    /// Opens the socket.
+    void start(const QByteArray& socketName);
+
+protected:
+    QWaylandSeat* createSeat() override;
+
+private:
+    void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
+    void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
+    ClientWatch* watchOf(QWaylandClient* client);
+    void describeOutput();
+    void focusCurrent();
+
+    const Output& mGeometry;
+    ViewList& mViews;
+    WindowStack& mStack;
+    QWaylandOutput mOutput;
+    QWaylandXdgShell mShell;
+    QWaylandXdgDecorationManagerV1 mDecorations;
+    QWaylandViewporter mViewporter;
+    std::unique_ptr<LogicalOutput> mLogicalOutput;
+    QHash<QWaylandClient*, ClientWatch*> mWatches;
+};

@@ -1,0 +1,29 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+#
+# The Debian packages and the systems that they are made and tried in. To be sourced by bash, after common.sh and
+# debian.sh.
+
+package_directory=$project_directory/build/packages
+
+# for_architecture NAME COMMAND...: runs the command as root where programs of that architecture run.
+for_architecture() {
+    local architecture=$1
+    shift
+    if [ "$architecture" = "$(dpkg --print-architecture)" ]; then
+        as_root "$@"
+    else
+        as_root "$project_directory/scripts/lib/with-arm-programs" "$@"
+    fi
+}
+
+# in_root ARCHITECTURE FOLDER COMMAND...: runs the command in the system that stands in the folder.
+in_root() {
+    local architecture=$1 root=$2
+    shift 2
+    for_architecture "$architecture" unshare --mount --fork --kill-child sh -ec '
+        mount --rbind /proc "$0/proc"
+        mount --rbind /dev "$0/dev"
+        exec chroot "$0" "$@"
+    ' "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 QEMU_CPU=cortex-a9,neon=off "$@"
+}

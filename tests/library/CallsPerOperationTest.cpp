@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "BusMonitorProcess.h"
+#include "EveryOperation.h"
+#include "PrivateBus.h"
+#include "TaskSwitcherTest.h"
+#include "TestMain.h"
+
+#include <QDBusVariant>
+#include <QDir>
+
+#include <functional>
+
+namespace {
+
+const QString cApplication = QStringLiteral("app");
+const QString cPresenceQuery = QStringLiteral("/org/freedesktop/DBus org.freedesktop.DBus.NameHasOwner "
+                                              "s('" TELVARO_SERVICE_NAME "')");
+
+} // namespace
+
+using Operation = std::function<void(Connectors&)>;
+Q_DECLARE_METATYPE(Operation)
+
+// Nothing is cached and nothing is asked twice: every operation makes exactly the calls that it needs.
+class CallsPerOperationTest : public TaskSwitcherTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void anOperationMakesTheCallsThatItNeeds_data();
+    void anOperationMakesTheCallsThatItNeeds();
+    void nothingIsSentToAnAbsentService();
+    void notificationsMakeTheCallsThatTheyNeed_data();
+    void notificationsMakeTheCallsThatTheyNeed();
+
+private:
+    void countCalls(int& toService, int& toBusDaemon);
+
+    BusMonitorProcess mMonitor;
+};
+
+void CallsPerOperationTest::initTestCase()
+{
+    TaskSwitcherTest::initTestCase();
+    mMonitor.start();
+}
+
+void CallsPerOperationTest::countCalls(int& toService, int& toBusDaemon)
+{
+    toService = 0;
+    toBusDaemon = 0;
+    for (const RecordedCall& call : mMonitor.takeCalls()) {
+        if (call.destination == QLatin1String(TELVARO_SERVICE_NAME)) {
+            ++toService;
+        } else {
+            QCOMPARE(call.destination, QStringLiteral("org.freedesktop.DBus"));
+            QCOMPARE(call.description(), cPresenceQuery);
+            ++toBusDaemon;
+        }
+    }
+}
+
+void CallsPerOperationTest::anOperationMakesTheCallsThatItNeeds_data()
+{
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<int>("toService");
+    QTest::addColumn<int>("toBusDaemon");
+    const auto addRow = [](const char* name, const Operation& operation, int toService, int toBusDaemon) {
+        QTest::newRow(name) << operation << toService << toBusDaemon;
+    };
+    addRow("isInterfaceValid", [](Connectors& c) { QVERIFY(c.overlay.isInterfaceValid()); }, 0, 1);
+    addRow("getViews", [](Connectors& c) { QCOMPARE(c.taskSwitcher.getViews().size(), 4); }, 1, 0);
+    addRow("getCurrentView",
+           [](Connectors& c) { QCOMPARE(c.taskSwitcher.getCurrentView().uuid, QStringLiteral("a")); }, 2, 1);
+    addRow("setCurrentView",
+           [](Connectors& c) { QVERIFY(!c.taskSwitcher.setCurrentView(makeView(QStringLiteral("b"), {})).isValid()); },
+           1, 1);
+    addRow("setCurrentView without uuid",
+           [](Connectors& c) { QVERIFY(c.taskSwitcher.setCurrentView({}).isValid()); }, 0, 1);
+    addRow("pidToTaskSwitcherEntry",
+           [](Connectors& c) { QCOMPARE(c.taskSwitcher.pidToTaskSwitcherEntry(2).uuid, QStringLiteral("b")); }, 1, 0);
+    addRow("idsToTaskSwitcherEntry",
+           [](Connectors& c) {
+               QCOMPARE(c.taskSwitcher.idsToTaskSwitcherEntry(cApplication, 1).uuid, QStringLiteral("b"));
+           },
+           1, 0);
+    addRow("switchToView", [](Connectors& c) { QVERIFY(c.taskSwitcher.switchToView(cApplication, 1)); }, 2, 1);
+    addRow("iterateViews to the next", [](Connectors& c) { QVERIFY(c.taskSwitcher.iterateViews(false)); }, 4, 2);
+    addRow("iterateViews to the previous", [](Connectors& c) { QVERIFY(c.taskSwitcher.iterateViews(true)); }, 4, 2);
+    addRow("processNameToPid",
+           [](Connectors& c) {
+               QVERIFY(c.taskSwitcher.processNameToPid(QStringLiteral("no-such-process")) == 4294967295);
+           },
+           0, 0);
+    addRow("surfaceToTop", [](Connectors& c) { c.taskSwitcher.surfaceToTop(QStringLiteral("no-such-process")); }, 2, 1);
+    addRow("isCurrentView",
+           [](Connectors& c) { QVERIFY(!c.taskSwitcher.isCurrentView(QStringLiteral("no-such-process"))); }, 2, 1);
+    addRow("enableScreenSaver", [](Connectors& c) { c.screen.enableScreenSaver(); }, 1, 1);
+    addRow("disableScreenSaver", [](Connectors& c) { c.screen.disableScreenSaver(); }, 1, 1);
+    addRow("setScreenSaverTimeout", [](Connectors& c) { c.screen.setScreenSaverTimeout(1); }, 1, 1);
+    addRow("isScreenSaverActive", [](Connectors& c) { QVERIFY(!c.screen.isScreenSaverActive()); }, 1, 1);
+    addRow("getOrientation", [](Connectors& c) { QCOMPARE(c.screen.getOrientation(), QStringLiteral("0")); }, 1, 1);
+    addRow("setOrientation", [](Connectors& c) { c.screen.setOrientation(QStringLiteral("90")); }, 1, 1);
+    addRow("getFullScreen", [](Connectors& c) { QVERIFY(!c.screen.getFullScreen()); }, 1, 1);
+    addRow("setFullScreen", [](Connectors& c) { c.screen.setFullScreen(true); }, 1, 1);
+    addRow("getProperty", [](Connectors& c) { c.screen.getProperty(QStringLiteral("orientation")); }, 1, 1);
+    addRow("setProperty",
+           [](Connectors& c) { c.screen.setProperty(QStringLiteral("orientation"), QDBusVariant(1)); }, 1, 1);
+    addRow("getOrientationPortrait", [](Connectors& c) { c.screen.getOrientationPortrait(); }, 0, 0);
+    addRow("showGlobalOverlay", [](Connectors& c) { c.overlay.showGlobalOverlay(QStringLiteral("a")); }, 1, 1);
+    addRow("hideGlobalOverlay", [](Connectors& c) { c.overlay.hideGlobalOverlay(); }, 1, 1);
+    addRow("notify", [](Connectors& c) { c.notification.notify({}, {}, {}, {}); }, 1, 1);
+    addRow("captureScreenShot",
+           [](Connectors& c) { QVERIFY(c.screenShot.captureScreenShot(QDir::tempPath()).has_value()); }, 1, 1);
+    addRow("captureScreenShot into no directory",
+           [](Connectors& c) { QVERIFY(!c.screenShot.captureScreenShot(QStringLiteral("/no/such")).has_value()); }, 0,
+           1);
+}
+
+void CallsPerOperationTest::anOperationMakesTheCallsThatItNeeds()
+{
+    QFETCH(const Operation, operation);
+    QFETCH(const int, toService);
+    QFETCH(const int, toBusDaemon);
+    // An unknown process is that of a view, so that all of surfaceToTop() is done.
+    setViews({makeView(QStringLiteral("a"), cApplication, 0, 1), makeView(QStringLiteral("b"), cApplication, 1, 2),
+              makeView(QStringLiteral("c"), cApplication, 2, 3),
+              makeView(QStringLiteral("d"), QStringLiteral("other"), 0, 4294967295)},
+             QStringLiteral("a"));
+    Connectors connectors;
+    mMonitor.takeCalls();
+    operation(connectors);
+    int actuallyToService = 0;
+    int actuallyToBusDaemon = 0;
+    countCalls(actuallyToService, actuallyToBusDaemon);
+    QCOMPARE(actuallyToService, toService);
+    QCOMPARE(actuallyToBusDaemon, toBusDaemon);
+    // Other tests look at what is logged.
+    mLog->take();
+}
+
+void CallsPerOperationTest::nothingIsSentToAnAbsentService()
+{
+    Connectors connectors;
+    mService.release();
+    PrivateBus::deliver();
+    mMonitor.takeCalls();
+    for (const NamedOperation& operation : everyOperation()) {
+        operation.call(connectors);
+    }
+    int toService = 0;
+    int toBusDaemon = 0;
+    countCalls(toService, toBusDaemon);
+    QCOMPARE(toService, 0);
+    QVERIFY(toBusDaemon > 0);
+    mLog->take();
+}
+
+void CallsPerOperationTest::notificationsMakeTheCallsThatTheyNeed_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("changed");
+    QTest::addColumn<int>("toService");
+    QTest::addColumn<int>("toBusDaemon");
+    QTest::newRow("current view") << "/taskswitcher" << "{'currentView': <'a'>}" << 2 << 1;
+    QTest::newRow("views") << "/taskswitcher" << "{'views': <1>}" << 0 << 0;
+    QTest::newRow("current view and views") << "/taskswitcher" << "{'currentView': <'a'>, 'views': <1>}" << 2 << 1;
+    QTest::newRow("unusable current view") << "/taskswitcher" << "{'currentView': <[1]>}" << 0 << 0;
+    QTest::newRow("screen saver") << "/screen" << "{'screenSaverActive': <true>}" << 1 << 1;
+    QTest::newRow("all of the screen") << "/screen" << "{'screenSaverActive': <1>, 'orientation': <1>, 'fullScreen': <1>}"
+                                       << 3 << 3;
+    QTest::newRow("rest of the screen") << "/screen" << "{'screenSaverEnabled': <true>}" << 0 << 0;
+}
+
+void CallsPerOperationTest::notificationsMakeTheCallsThatTheyNeed()
+{
+    QFETCH(const QString, path);
+    QFETCH(const QString, changed);
+    QFETCH(const int, toService);
+    QFETCH(const int, toBusDaemon);
+    setViews({makeView(QStringLiteral("a"), {})}, QStringLiteral("a"));
+    const Connectors connectors;
+    PrivateBus::synchronise();
+    mService.emitSignal(ServiceSignal::propertiesChanged(path, {}, changed));
+    PrivateBus::synchronise();
+    mMonitor.takeCalls();
+    QCoreApplication::processEvents();
+    int actuallyToService = 0;
+    int actuallyToBusDaemon = 0;
+    countCalls(actuallyToService, actuallyToBusDaemon);
+    QCOMPARE(actuallyToService, toService);
+    QCOMPARE(actuallyToBusDaemon, toBusDaemon);
+    mLog->take();
+}
+
+TELVARO_TEST_MAIN(CallsPerOperationTest)
+#include "CallsPerOperationTest.moc"

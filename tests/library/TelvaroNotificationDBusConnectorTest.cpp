@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "TelvaroNotificationDBusConnector.h"
+
+#include "ConnectorTest.h"
+#include "PrivateBus.h"
+#include "TestMain.h"
+#include "WithProxy.h"
+
+namespace {
+
+const QString cPath = QStringLiteral("/org/freedesktop/Notifications");
+const QString cInterface = QStringLiteral("org.freedesktop.Notifications");
+
+const QString cNotRegistered =
+    QStringLiteral("warning default TelvaroDBusConnectorBase.cpp TelvaroDBusConnectorBase::isInterfaceValid()const "
+                   "DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered");
+
+QString notifyCall(const QString& texts, const QString& actions)
+{
+    return QStringLiteral("/org/freedesktop/Notifications org.freedesktop.Notifications.Notify "
+                          "susssasa{sv}i('', uint32 0, %1, %2, {'action-icons': <true>}, 0)")
+        .arg(texts, actions);
+}
+
+} // namespace
+
+class TelvaroNotificationDBusConnectorTest : public ConnectorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theMetaObjectIsTheBases();
+    void theProxyIsThatOfTheNotifications();
+    void theParentIsTaken();
+    void constructionAsksForTheDescriptionOnly();
+    void everyArgumentIsSent_data();
+    void everyArgumentIsSent();
+    void theDestinationIsTheService();
+    void everyNotificationIsANewOne();
+    void aForeignNotificationServerIsNotAddressed();
+    void anErrorReplyIsIgnored();
+    void noReplyInTimeIsIgnored();
+    void aReplyOfAnotherTypeIsIgnored();
+    void anAbsentServiceIsLoggedAndNothingIsSent();
+};
+
+void TelvaroNotificationDBusConnectorTest::theMetaObjectIsTheBases()
+{
+    TelvaroNotificationDBusConnector connector;
+    QCOMPARE(connector.metaObject(), &TelvaroDBusConnectorBase::staticMetaObject);
+    QCOMPARE(&TelvaroNotificationDBusConnector::staticMetaObject, &TelvaroDBusConnectorBase::staticMetaObject);
+    QVERIFY(connector.qt_metacast("TelvaroNotificationDBusConnector") == nullptr);
+}
+
+void TelvaroNotificationDBusConnectorTest::theProxyIsThatOfTheNotifications()
+{
+    const WithProxy<TelvaroNotificationDBusConnector> connector;
+    QCOMPARE(connector.mInterface.service(), QStringLiteral(TELVARO_SERVICE_NAME));
+    QCOMPARE(connector.mInterface.path(), cPath);
+    QCOMPARE(connector.mInterface.interface(), cInterface);
+}
+
+void TelvaroNotificationDBusConnectorTest::theParentIsTaken()
+{
+    QObject parent;
+    const auto* const connector = new TelvaroNotificationDBusConnector(&parent);
+    QCOMPARE(connector->parent(), &parent);
+}
+
+void TelvaroNotificationDBusConnectorTest::constructionAsksForTheDescriptionOnly()
+{
+    mService.takeCalls();
+    const TelvaroNotificationDBusConnector connector;
+    for (const RecordedCall& call : mService.takeCalls()) {
+        QCOMPARE(call.member, QStringLiteral("Introspect"));
+    }
+}
+
+void TelvaroNotificationDBusConnectorTest::everyArgumentIsSent_data()
+{
+    QTest::addColumn<QString>("appIcon");
+    QTest::addColumn<QString>("summary");
+    QTest::addColumn<QString>("body");
+    QTest::addColumn<QStringList>("actions");
+    QTest::addColumn<QString>("texts");
+    QTest::addColumn<QString>("actionTexts");
+    QTest::newRow("all given") << "icon" << "summary" << "body"
+                               << QStringList{QStringLiteral("z"), QStringLiteral("Last"), QStringLiteral("a"),
+                                              QStringLiteral("First")}
+                               << "'icon', 'summary', 'body'" << "['z', 'Last', 'a', 'First']";
+    QTest::newRow("all empty") << QString() << QString() << QStringLiteral("") << QStringList()
+                               << "'', '', ''" << "@as []";
+    QTest::newRow("odd actions") << "/path/icon.png" << "s" << "b" << QStringList{QStringLiteral("only")}
+                                 << "'/path/icon.png', 's', 'b'" << "['only']";
+    QTest::newRow("empty and equal actions")
+        << "i" << "s" << "b" << QStringList{QString(), QStringLiteral("a"), QStringLiteral("a")}
+        << "'i', 's', 'b'" << "['', 'a', 'a']";
+    QTest::newRow("untouched texts") << " i " << "<b>s</b>" << "a &amp; b\n%1" << QStringList{QStringLiteral(" ")}
+                                     << "' i ', '<b>s</b>', 'a &amp; b\\n%1'" << "[' ']";
+}
+
+void TelvaroNotificationDBusConnectorTest::everyArgumentIsSent()
+{
+    QFETCH(const QString, appIcon);
+    QFETCH(const QString, summary);
+    QFETCH(const QString, body);
+    QFETCH(const QStringList, actions);
+    QFETCH(const QString, texts);
+    QFETCH(const QString, actionTexts);
+    TelvaroNotificationDBusConnector connector;
+    mService.takeCalls();
+    connector.notify(appIcon, summary, body, actions);
+    QCOMPARE(mService.takeDescriptions(), QStringList{notifyCall(texts, actionTexts)});
+}
+
+void TelvaroNotificationDBusConnectorTest::theDestinationIsTheService()
+{
+    TelvaroNotificationDBusConnector connector;
+    mService.takeCalls();
+    connector.notify({}, {}, {}, {});
+    const QList<RecordedCall> calls = mService.takeCalls();
+    QCOMPARE(calls.size(), 1);
+    QCOMPARE(calls.first().destination, QStringLiteral(TELVARO_SERVICE_NAME));
+    QVERIFY(!calls.first().noReply);
+}
+
+void TelvaroNotificationDBusConnectorTest::everyNotificationIsANewOne()
+{
+    TelvaroNotificationDBusConnector connector;
+    mService.takeCalls();
+    const QString call = notifyCall(QStringLiteral("'i', 's', 'b'"), QStringLiteral("@as []"));
+    for (int round = 0; round < 2; ++round) {
+        connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+        QCOMPARE(mService.takeDescriptions(), QStringList{call});
+    }
+}
+
+void TelvaroNotificationDBusConnectorTest::aForeignNotificationServerIsNotAddressed()
+{
+    ScriptedServiceProcess foreign;
+    foreign.start();
+    foreign.own(cInterface);
+    mService.release();
+    PrivateBus::deliver();
+    TelvaroNotificationDBusConnector connector;
+    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QVERIFY(foreign.takeCalls().isEmpty());
+}
+
+void TelvaroNotificationDBusConnectorTest::anErrorReplyIsIgnored()
+{
+    mService.script(cPath, cInterface, QStringLiteral("Notify"),
+                    {Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no"))});
+    TelvaroNotificationDBusConnector connector;
+    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+    QVERIFY(mLog->take().isEmpty());
+}
+
+void TelvaroNotificationDBusConnectorTest::noReplyInTimeIsIgnored()
+{
+    mService.script(cPath, cInterface, QStringLiteral("Notify"), {Behaviour::silence()});
+    WithProxy<TelvaroNotificationDBusConnector> connector;
+    connector.mInterface.setTimeout(50);
+    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+    QVERIFY(mLog->take().isEmpty());
+}
+
+void TelvaroNotificationDBusConnectorTest::aReplyOfAnotherTypeIsIgnored()
+{
+    mService.script(cPath, cInterface, QStringLiteral("Notify"),
+                    {Behaviour::reply(), Behaviour::reply({QStringLiteral("'one'")}),
+                     Behaviour::reply({QStringLiteral("[(1, <2>)]"), QStringLiteral("uint32 1")})});
+    TelvaroNotificationDBusConnector connector;
+    for (int round = 0; round < 3; ++round) {
+        connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+    }
+    QVERIFY(mLog->take().isEmpty());
+}
+
+void TelvaroNotificationDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsSent()
+{
+    TelvaroNotificationDBusConnector connector;
+    mService.takeCalls();
+    mService.release();
+    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QVERIFY(mService.takeCalls().isEmpty());
+}
+
+TELVARO_TEST_MAIN(TelvaroNotificationDBusConnectorTest)
+#include "TelvaroNotificationDBusConnectorTest.moc"

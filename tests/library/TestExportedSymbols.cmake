@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+
+# What leaves the shared library against the list of what is meant to.
+execute_process(
+    COMMAND "${NM}" --dynamic --defined-only --demangle "${LIBRARY}"
+    OUTPUT_VARIABLE output
+    RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${NM} cannot read ${LIBRARY}")
+endif()
+string(REGEX MATCHALL "[^\n]+" lines "${output}")
+set(symbols "")
+foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^[0-9a-f]+ . " "" symbol "${line}")
+    # The address sanitizer marks exported variables with symbols of its own.
+    if(NOT symbol MATCHES "^__odr_asan")
+        list(APPEND symbols "${symbol}")
+    endif()
+endforeach()
+list(REMOVE_DUPLICATES symbols)
+
+file(STRINGS "${LIST}" expected)
+set(surplus ${symbols})
+list(REMOVE_ITEM surplus ${expected})
+set(missing ${expected})
+list(REMOVE_ITEM missing ${symbols})
+if(surplus OR missing)
+    list(JOIN surplus "\n  " surplus)
+    list(JOIN missing "\n  " missing)
+    message(FATAL_ERROR
+        "The exported interface differs from ${LIST}.\n"
+        "Exported, but not in the list:\n  ${surplus}\n"
+        "In the list, but not exported:\n  ${missing}")
+endif()

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include <TelvaroDBusDefinitions.h>
+#include <TelvaroDeviceDistinction.h>
+#include <TelvaroGlobalOverlayDBusConnector.h>
+#include <TelvaroNotificationDBusConnector.h>
+#include <TelvaroScreenDBusConnector.h>
+#include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroTaskSwitcherDBusConnector.h>
+
+#include <QCoreApplication>
+#include <QtGlobal>
+
+#include <cstring>
+#include <iostream>
+
+namespace {
+
+// Of the last warning.
+const char* file = nullptr;
+
+void keepFile(QtMsgType, const QMessageLogContext& context, const QString&)
+{
+    file = context.file;
+}
+
+} // namespace
+
+// Runs without a bus: the library is there, its classes can be made and their warnings say where they come from.
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    qInstallMessageHandler(keepFile);
+    TelvaroTaskSwitcherDBusConnector taskSwitcher;
+    TelvaroScreenDBusConnector screen;
+    TelvaroGlobalOverlayDBusConnector overlay;
+    TelvaroNotificationDBusConnector notification;
+    TelvaroScreenShotDBusConnector screenShot;
+    TelvaroDeviceDistinction::isCompositorDevice();
+    const bool isEmpty = taskSwitcher.getViews().isEmpty();
+    if (!isEmpty || file == nullptr || std::strcmp(file, "TelvaroTaskSwitcherDBusConnector.cpp") != 0) {
+        std::cerr << "the last warning came from " << (file != nullptr ? file : "nowhere") << '\n';
+        return 1;
+    }
+    std::cout << TelvaroDBusDefinitions::getScreenInterface().toStdString() << '\n';
+    return 0;
+}

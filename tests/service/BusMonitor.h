@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "GObjectPointer.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QString>
+
+/// Sees every message on the bus, those to the bus daemon included, and keeps the method calls.
+class BusMonitor
+{
+public:
+    /// Becomes a monitor of the bus at the address. Throws std::runtime_error where it cannot.
+    explicit BusMonitor(const QString& address);
+    ~BusMonitor();
+    BusMonitor(const BusMonitor&) = delete;
+    BusMonitor& operator=(const BusMonitor&) = delete;
+
+    /// The command "calls" hands over all method calls from one sender up to the signal that the sender has marked the
+    /// end with, once that signal has been seen.
+    QJsonObject handle(const QJsonObject& command);
+
+private:
+    struct Event;
+
+    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
+                                gpointer monitor);
+    static gboolean onMessage(gpointer event);
+    void receive(const QJsonObject& message);
+
+    GObjectPointer<GDBusConnection> mConnection;
+    guint mFilter = 0;
+    QJsonArray mCalls;
+    QString mLastMarker;
+    QString mAwaitedMarker;
+};

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+
+#include <glib.h>
+
+#include <functional>
+
+/// Commands on standard input, answers on standard output: one JSON object per line. The bus under observation carries
+/// none of it. The command "ping" is answered with itself.
+class CommandChannel
+{
+public:
+    using Handler = std::function<QJsonObject(const QJsonObject& command)>;
+
+    /// Reads commands on the loop's context and quits the loop when standard input ends.
+    CommandChannel(GMainLoop* loop, Handler handler);
+    ~CommandChannel();
+    CommandChannel(const CommandChannel&) = delete;
+    CommandChannel& operator=(const CommandChannel&) = delete;
+
+    static void answer(const QJsonObject& answer);
+
+private:
+    static gboolean onReadable(gint descriptor, GIOCondition condition, gpointer channel);
+    bool read();
+
+    GMainLoop* mLoop;
+    Handler mHandler;
+    QByteArray mBuffer;
+    guint mSource;
+};

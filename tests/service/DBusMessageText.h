@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "GObjectPointer.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+/// D-Bus messages and their arguments as JSON: values are texts in GVariant's text format, with type annotations;
+/// strings above 64 KiB are their lengths and digests.
+namespace DBusMessageText {
+
+/// Type, sender, destination, path, interface, member, signature, arguments, whether a reply is expected, and for
+/// errors the name.
+QJsonObject describe(GDBusMessage* message);
+
+/// The body of a message made of the given arguments; null for none. Throws std::invalid_argument on a text that is no
+/// value.
+GVariantPointer parseArguments(const QJsonArray& arguments);
+
+/// One value; a string of one repeated character may be written as 'x' * 1000. Throws std::invalid_argument on a text that is none.
+GVariantPointer parseValue(const QString& text);
+
+/// Sets the body and, where it mentions descriptors, gives the message one to be found at index 0.
+void setBody(GDBusMessage* message, GVariantPointer body);
+
+} // namespace DBusMessageText

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "ChildProcess.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QDir>
+#include <QTest>
+
+#include <csignal>
+
+#include <sys/types.h>
+
+namespace {
+
+struct Result
+{
+    int status;
+    QString output;
+    QString errors;
+};
+
+void start(ChildProcess& process, const QStringList& arguments)
+{
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.run(QStringLiteral(TELVARO_PROGRAMS "/telvaro-session"), arguments);
+}
+
+Result finish(ChildProcess& process)
+{
+    process.waitForFinished(ChildProcess::cDeadline);
+    const bool ended = process.state() == QProcess::NotRunning && process.exitStatus() == QProcess::NormalExit;
+    return {ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+Result session(const QStringList& arguments)
+{
+    ChildProcess process;
+    start(process, arguments);
+    return finish(process);
+}
+
+Result inSession(const QStringList& command)
+{
+    return session(QStringList{QStringLiteral("--headless"), QStringLiteral("--")} + command);
+}
+
+QStringList shell(const char* script)
+{
+    return {QStringLiteral("sh"), QStringLiteral("-c"), QString::fromUtf8(script)};
+}
+
+/// The bus of a session that is running, seen from outside.
+class SessionBus
+{
+public:
+    explicit SessionBus(const QString& address)
+        : mConnection(QDBusConnection::connectToBus(address, mName))
+    {
+    }
+
+    ~SessionBus()
+    {
+        QDBusConnection::disconnectFromBus(mName);
+    }
+
+    Q_DISABLE_COPY(SessionBus)
+
+    bool isConnected() const
+    {
+        return mConnection.isConnected();
+    }
+
+    pid_t compositor() const
+    {
+        return static_cast<pid_t>(mConnection.interface()->servicePid(QStringLiteral(TELVARO_SERVICE_NAME)).value());
+    }
+
+private:
+    QString mName = QStringLiteral("session");
+    QDBusConnection mConnection;
+};
+
+} // namespace
+
+class SessionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theCommandIsPartOfTheSession()
+    {
+        const Result views = inSession(
+            {QStringLiteral(TELVARO_PROGRAMS "/telvaroctl"), QStringLiteral("views"), QStringLiteral("--json")});
+        QCOMPARE(views.status, 0);
+        QCOMPARE(views.output, QStringLiteral("[\n]\n"));
+
+        const Result environment = inSession(
+            shell("echo $QT_QPA_PLATFORM $XDG_SESSION_TYPE \"[$DISPLAY]\"; test -S $XDG_RUNTIME_DIR/$WAYLAND_DISPLAY"));
+        QCOMPARE(environment.status, 0);
+        QCOMPARE(environment.output, QStringLiteral("wayland wayland []\n"));
+    }
+
+    void theCommandHasTheSessionsInputAndOutput()
+    {
+        ChildProcess process;
+        start(process, {QStringLiteral("--headless"), QStringLiteral("cat")});
+        process.write("a line\n");
+        process.closeWriteChannel();
+        const Result result = finish(process);
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("a line\n"));
+        QCOMPARE(result.errors, QString());
+    }
+
+    void theExitStatusIsTheCommands()
+    {
+        QCOMPARE(inSession(shell("exit 3")).status, 3);
+        QCOMPARE(inSession(shell("kill -KILL $$")).status, 128 + SIGKILL);
+    }
+
+    void aCommandThatCannotBeStartedIsSaid()
+    {
+        const Result result = inSession({QStringLiteral("/no/such/program")});
+        QCOMPARE(result.status, 127);
+        QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-session: cannot start /no/such/program: ")),
+                 qPrintable(result.errors));
+    }
+
+    void optionsAfterTheCommandAreTheCommands()
+    {
+        const Result result = session(QStringList{QStringLiteral("--headless")} + shell("echo $0")
+                                      + QStringList{QStringLiteral("--help")});
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("--help\n"));
+    }
+
+    void helpAndVersion()
+    {
+        const Result help = session({QStringLiteral("--help")});
+        QCOMPARE(help.status, 0);
+        QVERIFY(help.output.startsWith(QLatin1String("Usage: telvaro-session ")));
+        QCOMPARE(help.errors, QString());
+        const Result version = session({QStringLiteral("--version")});
+        QCOMPARE(version.status, 0);
+        QCOMPARE(version.output, QStringLiteral("telvaro-session " TELVARO_VERSION "\n"));
+    }
+
+    void wrongUsageIsSaid()
+    {
+        const Result result = session({QStringLiteral("--nonsense")});
+        QCOMPARE(result.status, 2);
+        QCOMPARE(result.output, QString());
+        QCOMPARE(result.errors,
+                 QStringLiteral("telvaro-session: Unknown option 'nonsense'.\n"
+                                "telvaro-session: see 'telvaro-session --help'\n"));
+    }
+
+    void aCompositorThatDoesNotStartIsAFailure()
+    {
+        const Result result = session(
+            {QStringLiteral("--headless"), QStringLiteral("--size"), QStringLiteral("huge"), QStringLiteral("true")});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.contains(QLatin1String("\"huge\" is not a size")), qPrintable(result.errors));
+        QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor did not start: it ended")),
+                 qPrintable(result.errors));
+    }
+
+    void theSizeIsTheOutputs()
+    {
+        const Result result =
+            session(QStringList{QStringLiteral("--headless"), QStringLiteral("--size"), QStringLiteral("320x200")}
+                    + shell("file=$(" TELVARO_PROGRAMS "/telvaroctl screenshot $XDG_RUNTIME_DIR) && "
+                            "od -An -tx1 -j16 -N8 $file"));
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output.simplified(), QStringLiteral("00 00 01 40 00 00 00 c8"));
+    }
+
+    void nothingIsLeftBehind()
+    {
+        const Result result = inSession(shell("echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS"));
+        const QStringList lines = result.output.split(QLatin1Char('\n'));
+        QVERIFY(!lines.at(0).isEmpty());
+        QVERIFY(!QDir(lines.at(0)).exists());
+        QVERIFY(!SessionBus(lines.at(1)).isConnected());
+    }
+
+    void aTerminatedSessionEndsItsCommand()
+    {
+        ChildProcess process;
+        start(process, QStringList{QStringLiteral("--headless")} + shell("echo $XDG_RUNTIME_DIR; exec sleep 1000"));
+        const QString directory = QString::fromUtf8(process.readOutputLine());
+        QVERIFY(QDir(directory).exists());
+        process.terminate();
+        QCOMPARE(finish(process).status, 128 + SIGTERM);
+        QVERIFY(!QDir(directory).exists());
+    }
+
+    void aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrupted()
+    {
+        ChildProcess process;
+        start(process, {QStringLiteral("--headless")});
+        const QByteArray prefix = "export DBUS_SESSION_BUS_ADDRESS=";
+        const QByteArray line = process.readOutputLine();
+        QVERIFY(line.startsWith(prefix));
+        {
+            const SessionBus bus(QString::fromUtf8(line.mid(prefix.size())));
+            QVERIFY(bus.isConnected());
+            QVERIFY(bus.compositor() > 0);
+        }
+        QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+        const Result result = finish(process);
+        QCOMPARE(result.status, 0);
+        QVERIFY(result.output.contains(QLatin1String("export WAYLAND_DISPLAY=")));
+        QCOMPARE(result.errors, QString());
+    }
+
+    void aCompositorThatDiesEndsTheSession()
+    {
+        ChildProcess process;
+        start(process,
+              QStringList{QStringLiteral("--headless")} + shell("echo $DBUS_SESSION_BUS_ADDRESS; exec sleep 1000"));
+        {
+            const SessionBus bus(QString::fromUtf8(process.readOutputLine()));
+            const pid_t compositor = bus.compositor();
+            QVERIFY(compositor > 0);
+            QCOMPARE(::kill(compositor, SIGKILL), 0);
+        }
+        const Result result = finish(process);
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor has ended")), qPrintable(result.errors));
+    }
+
+    void aKilledSessionTakesEverythingWithIt()
+    {
+        ChildProcess process;
+        start(process,
+              QStringList{QStringLiteral("--headless")}
+                  + shell("echo $$; echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS; exec sleep 1000"));
+        const auto command = static_cast<pid_t>(process.readOutputLine().toInt());
+        QDir directory(QString::fromUtf8(process.readOutputLine()));
+        const SessionBus bus(QString::fromUtf8(process.readOutputLine()));
+        const pid_t compositor = bus.compositor();
+        process.kill();
+        QVERIFY(process.waitForFinished(ChildProcess::cDeadline));
+        QTRY_VERIFY_WITH_TIMEOUT(::kill(command, 0) != 0, ChildProcess::cDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(::kill(compositor, 0) != 0, ChildProcess::cDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(!bus.isConnected(), ChildProcess::cDeadline);
+        QVERIFY(directory.removeRecursively());
+    }
+};
+
+QTEST_GUILESS_MAIN(SessionTest)
+
+#include "SessionTest.moc"

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "ConnectorTest.h"
+
+#include "PrivateBus.h"
+#include "TelvaroDeviceDistinction.h"
+
+#include <QDBusConnectionInterface>
+#include <QTest>
+
+void ConnectorTest::initTestCase()
+{
+    QVERIFY2(TelvaroDeviceDistinction::isCompositorDevice(),
+             "the device's manifest " TELVARO_MANIFEST_PATH " does not hold {\"productCode\": \"481936\"}");
+    // Qt holds back what the bus sends until the event loop has run once.
+    PrivateBus::deliver();
+    startService();
+}
+
+void ConnectorTest::init()
+{
+    if (!mService.isRunning()) {
+        startService();
+    } else if (!PrivateBus::connection().interface()->isServiceRegistered(QStringLiteral(TELVARO_SERVICE_NAME))) {
+        mService.own();
+        PrivateBus::deliver();
+    }
+    mService.reset();
+    mLog = std::make_unique<LogCapture>();
+}
+
+void ConnectorTest::cleanup()
+{
+    const QStringList unread = mLog->takeDescriptions();
+    mLog.reset();
+    QCOMPARE(unread, QStringList());
+}
+
+void ConnectorTest::startService()
+{
+    mService.start();
+    mService.own();
+    PrivateBus::deliver();
+}
