@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "Desk.h"
+#include "PrivateBus.h"
+#include "TestMain.h"
+
+#include <TelvaroDBusDefinitions.h>
+#include <TelvaroScreenDBusConnector.h>
+
+#include <QDBusMessage>
+#include <QDir>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+using Definitions = TelvaroDBusDefinitions;
+
+/// Each example runs in the compositor, is used with pointer and keyboard, and what comes of it is asked of the
+/// service.
+class ExamplesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void taskSwitcherBarSwitchesToTheViewThatIsClicked();
+    void taskSwitcherBarFollowsTheViews();
+    void screenSettingsWritesWhatTheUserSets();
+    void screenSettingsShowsWhatTheServiceHas();
+    void notifyAndCaptureSendsANotification();
+    void notifyAndCaptureStoresAPicture();
+    void notifyAndCaptureGoesOnAfterAFailure();
+    void viewLoggerWritesEveryChange();
+    void viewLoggerKeepsTheScreenSaverAway();
+    void viewLoggerFollowsARestartOfTheService();
+    void qmlTaskSwitcherSwitchesToTheViewThatIsClicked();
+    void qmlTaskSwitcherSwitchesByKeyboard();
+
+private:
+    using Program = std::unique_ptr<ChildProcess>;
+
+    Program startExample(const QString& name, const QStringList& arguments = {});
+    /// As above; returns once its view is current.
+    Program startView(const QString& name, const QStringList& arguments = {});
+    /// Presses the keys, again where nothing comes of them: a view is current a moment before its program knows that it
+    /// has the keyboard, and keys until then are lost.
+    bool pressUntil(const QString& keys, const std::function<bool()>& condition);
+    bool isScreenSaverEnabled();
+
+    std::unique_ptr<Desk> mDesk;
+    std::unique_ptr<TelvaroScreenDBusConnector> mScreen;
+};
+
+namespace {
+
+const QString cTaskSwitcherBar = QStringLiteral("task-switcher-bar");
+const QString cScreenSettings = QStringLiteral("screen-settings");
+const QString cNotifyAndCapture = QStringLiteral("notify-and-capture");
+const QString cViewLogger = QStringLiteral("view-logger");
+const QString cQmlTaskSwitcher = QStringLiteral("qml-task-switcher");
+
+// The rows and tiles of the task switchers are the only things of this colour that are that long.
+const QColor cEntryColor = Qt::white;
+constexpr int cEntryLength = 150;
+
+// The time in front of each line is left out.
+QString readEvent(ChildProcess& logger)
+{
+    return QString::fromUtf8(logger.readOutputLine()).section(QLatin1Char(' '), 1);
+}
+
+} // namespace
+
+void ExamplesTest::init()
+{
+    mDesk = std::make_unique<Desk>();
+    mScreen = std::make_unique<TelvaroScreenDBusConnector>();
+}
+
+void ExamplesTest::cleanup()
+{
+    mScreen.reset();
+    mDesk.reset();
+}
+
+ExamplesTest::Program ExamplesTest::startExample(const QString& name, const QStringList& arguments)
+{
+    return mDesk->start(QStringLiteral(TELVARO_EXAMPLES_DIRECTORY "/%1/%1").arg(name), arguments);
+}
+
+ExamplesTest::Program ExamplesTest::startView(const QString& name, const QStringList& arguments)
+{
+    Program program = startExample(name, arguments);
+    mDesk->waitForCurrent(name);
+    return program;
+}
+
+bool ExamplesTest::pressUntil(const QString& keys, const std::function<bool()>& condition)
+{
+    constexpr int cPatience = 3000;
+    return QTest::qWaitFor(
+        [this, &keys, &condition] {
+            mDesk->press(keys);
+            return QTest::qWaitFor(condition, cPatience);
+        },
+        ChildProcess::cDeadline);
+}
+
+bool ExamplesTest::isScreenSaverEnabled()
+{
+    return mScreen->getProperty(TelvaroScreenDBusConnector::cScreenSaverEnabledProperty).toBool();
+}
+
+void ExamplesTest::taskSwitcherBarSwitchesToTheViewThatIsClicked()
+{
+    const Program settings = startView(cScreenSettings);
+    const Program bar = startView(cTaskSwitcherBar);
+    mDesk->click(mDesk->waitForRow(cEntryColor, cEntryLength));
+    mDesk->waitForCurrent(cScreenSettings);
+}
+
+void ExamplesTest::taskSwitcherBarFollowsTheViews()
+{
+    const Program bar = startView(cTaskSwitcherBar);
+    Program settings = startView(cScreenSettings);
+    settings->end();
+    mDesk->waitForCurrent(cTaskSwitcherBar);
+    QTRY_VERIFY_WITH_TIMEOUT(!mDesk->findRow(cEntryColor, cEntryLength), ChildProcess::cDeadline);
+    settings = startView(cScreenSettings);
+    TelvaroTaskSwitcherDBusConnector taskSwitcher;
+    QVERIFY(taskSwitcher.switchToView(cTaskSwitcherBar, 0));
+    mDesk->click(mDesk->waitForRow(cEntryColor, cEntryLength));
+    QCOMPARE(mDesk->waitForCurrent(cScreenSettings).pid, static_cast<quint32>(settings->processId()));
+}
+
+void ExamplesTest::screenSettingsWritesWhatTheUserSets()
+{
+    const Program settings = startView(cScreenSettings);
+    QVERIFY(pressUntil(QStringLiteral("alt+s"), [this] {
+        return !isScreenSaverEnabled();
+    }));
+    mDesk->press(QStringLiteral("alt+s"));
+    QTRY_VERIFY_WITH_TIMEOUT(isScreenSaverEnabled(), ChildProcess::cDeadline);
+
+    mDesk->press(QStringLiteral("alt+a"));
+    mDesk->press(QStringLiteral("ctrl+a"));
+    mDesk->press(QStringLiteral("4"));
+    mDesk->press(QStringLiteral("5"));
+    mDesk->press(QStringLiteral("Return"));
+    QTRY_COMPARE_WITH_TIMEOUT(mScreen->getProperty(TelvaroScreenDBusConnector::cScreenSaverTimoutProperty).toInt(), 45,
+                              ChildProcess::cDeadline);
+
+    mDesk->press(QStringLiteral("alt+f"));
+    QTRY_VERIFY_WITH_TIMEOUT(mScreen->getFullScreen(), ChildProcess::cDeadline);
+
+    mDesk->press(QStringLiteral("alt+o"));
+    mDesk->press(QStringLiteral("Down"));
+    QTRY_COMPARE_WITH_TIMEOUT(mScreen->getOrientation(), TelvaroScreenDBusConnector::getOrientationPortrait(),
+                              ChildProcess::cDeadline);
+}
+
+void ExamplesTest::screenSettingsShowsWhatTheServiceHas()
+{
+    mScreen->disableScreenSaver();
+    mScreen->setFullScreen(true);
+    const Program settings = startView(cScreenSettings);
+    QVERIFY(pressUntil(QStringLiteral("alt+f"), [this] {
+        return !mScreen->getFullScreen();
+    }));
+    mDesk->press(QStringLiteral("alt+s"));
+    QTRY_VERIFY_WITH_TIMEOUT(isScreenSaverEnabled(), ChildProcess::cDeadline);
+}
+
+void ExamplesTest::notifyAndCaptureSendsANotification()
+{
+    QDBusMessage close =
+        QDBusMessage::createMethodCall(Definitions::getServiceName(), Definitions::getNotificationsPath(),
+                                       Definitions::getNotificationsInterface(), QStringLiteral("CloseNotification"));
+    close.setArguments({1U});
+    const QDBusConnection bus = PrivateBus::connection();
+    QCOMPARE(bus.call(close).type(), QDBusMessage::ErrorMessage);
+
+    const Program example = startView(cNotifyAndCapture);
+    // The first notification has the id 1; what is not there cannot be closed.
+    QVERIFY(pressUntil(QStringLiteral("alt+n"), [&bus, &close] {
+        return bus.call(close).type() == QDBusMessage::ReplyMessage;
+    }));
+}
+
+void ExamplesTest::notifyAndCaptureStoresAPicture()
+{
+    const QTemporaryDir pictures;
+    const Program example = startView(cNotifyAndCapture, {pictures.path()});
+    QVERIFY(pressUntil(QStringLiteral("alt+s"), [&pictures] {
+        return !QDir(pictures.path()).isEmpty();
+    }));
+    const QDir directory(pictures.path());
+    const QString picture = directory.filePath(directory.entryList(QDir::Files).first());
+    // The file is there before it is complete.
+    QTRY_COMPARE_WITH_TIMEOUT(QImage(picture).size(), QSize(1024, 600), ChildProcess::cDeadline);
+}
+
+void ExamplesTest::notifyAndCaptureGoesOnAfterAFailure()
+{
+    const QTemporaryDir pictures;
+    const QString directory = pictures.filePath(QStringLiteral("later"));
+    const Program example = startView(cNotifyAndCapture, {directory});
+    const QRect message(0, 540, 1024, 60);
+    const QImage before = mDesk->picture().copy(message);
+    QVERIFY(pressUntil(QStringLiteral("alt+s"), [this, &message, &before] {
+        return mDesk->picture().copy(message) != before;
+    }));
+
+    QVERIFY(QDir().mkdir(directory));
+    QVERIFY(pressUntil(QStringLiteral("alt+s"), [&directory] {
+        return !QDir(directory).isEmpty();
+    }));
+}
+
+void ExamplesTest::viewLoggerWritesEveryChange()
+{
+    const Program logger = startExample(cViewLogger);
+    Program settings = startExample(cScreenSettings);
+    const QString settingsView =
+        QStringLiteral("screen-settings/0 (process %1), Screen settings").arg(settings->processId());
+    QCOMPARE(readEvent(*logger), QStringLiteral("appeared ") + settingsView);
+    QCOMPARE(readEvent(*logger), QStringLiteral("current ") + settingsView);
+
+    const Program bar = startExample(cTaskSwitcherBar);
+    const QString barView = QStringLiteral("task-switcher-bar/0 (process %1), Views").arg(bar->processId());
+    QCOMPARE(readEvent(*logger), QStringLiteral("appeared ") + barView);
+    QCOMPARE(readEvent(*logger), QStringLiteral("current ") + barView);
+
+    settings->end();
+    QCOMPARE(readEvent(*logger), QStringLiteral("left ") + settingsView);
+}
+
+void ExamplesTest::viewLoggerKeepsTheScreenSaverAway()
+{
+    QVERIFY(isScreenSaverEnabled());
+    const Program logger = startExample(cViewLogger, {QStringLiteral("--keep-awake"), cScreenSettings});
+    const Program settings = startView(cScreenSettings);
+    QTRY_VERIFY_WITH_TIMEOUT(!isScreenSaverEnabled(), ChildProcess::cDeadline);
+    Program bar = startView(cTaskSwitcherBar);
+    QTRY_VERIFY_WITH_TIMEOUT(isScreenSaverEnabled(), ChildProcess::cDeadline);
+    bar->end();
+    mDesk->waitForCurrent(cScreenSettings);
+    QTRY_VERIFY_WITH_TIMEOUT(!isScreenSaverEnabled(), ChildProcess::cDeadline);
+
+    logger->terminate();
+    QVERIFY(logger->waitForFinished(ChildProcess::cDeadline));
+    QCOMPARE(logger->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(logger->exitCode(), 0);
+    QVERIFY(isScreenSaverEnabled());
+}
+
+void ExamplesTest::viewLoggerFollowsARestartOfTheService()
+{
+    const Program logger = startExample(cViewLogger);
+    const Program settings = startView(cScreenSettings);
+    const QString view = QStringLiteral("screen-settings/0 (process %1), Screen settings").arg(settings->processId());
+    QCOMPARE(readEvent(*logger), QStringLiteral("appeared ") + view);
+    QCOMPARE(readEvent(*logger), QStringLiteral("current ") + view);
+
+    mScreen.reset();
+    mDesk.reset();
+    QCOMPARE(readEvent(*logger), QStringLiteral("left ") + view);
+
+    mDesk = std::make_unique<Desk>();
+    const Program bar = startView(cTaskSwitcherBar);
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared task-switcher-bar/0")));
+}
+
+void ExamplesTest::qmlTaskSwitcherSwitchesToTheViewThatIsClicked()
+{
+    const Program settings = startView(cScreenSettings);
+    const Program switcher = startView(cQmlTaskSwitcher);
+    mDesk->click(mDesk->waitForRow(cEntryColor, cEntryLength));
+    mDesk->waitForCurrent(cScreenSettings);
+}
+
+void ExamplesTest::qmlTaskSwitcherSwitchesByKeyboard()
+{
+    const Program settings = startView(cScreenSettings);
+    const Program bar = startView(cTaskSwitcherBar);
+    const Program switcher = startView(cQmlTaskSwitcher);
+    // The border of the tile that has the focus, and of the current view's, which is the last one.
+    const auto firstMarkedColumn = [this] {
+        const QColor borderColor(0x3d, 0x7a, 0xb5);
+        constexpr int cTileDistance = 232;
+        return mDesk->waitForRow(borderColor, cEntryLength).x() / cTileDistance;
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(firstMarkedColumn(), 0, ChildProcess::cDeadline);
+    mDesk->press(QStringLiteral("Right"));
+    QTRY_COMPARE_WITH_TIMEOUT(firstMarkedColumn(), 1, ChildProcess::cDeadline);
+    mDesk->press(QStringLiteral("Return"));
+    mDesk->waitForCurrent(cTaskSwitcherBar);
+}
+
+TELVARO_TEST_MAIN(ExamplesTest)
+
+#include "ExamplesTest.moc"
