@@ -35,6 +35,9 @@ BusService::BusService(QObject* parent)
 
 BusService::~BusService()
 {
+    for (const QString& path : qAsConst(mPaths)) {
+        mConnection.unregisterObject(path);
+    }
     if (mConnection.isConnected()) {
         mConnection.unregisterService(cNotificationName);
         mConnection.unregisterService(cServiceName);
@@ -51,6 +54,7 @@ bool BusService::publish(const QString& path, QObject* object)
         mError = QStringLiteral("cannot publish the object %1").arg(path);
         return false;
     }
+    mPaths.append(path);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <QDBusConnection>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 /// The connection to the bus under whose names the compositor's objects are found.
 class BusService : public QObject
@@ -13,6 +14,7 @@ class BusService : public QObject
 
 public:
     explicit BusService(QObject* parent = nullptr);
+    /// Takes the objects and the names back: what ends after that is not told to anybody.
     ~BusService() override;
 
     bool publish(const QString& path, QObject* object);
@@ -31,5 +33,6 @@ Q_SIGNALS:
 
 private:
     QDBusConnection mConnection;
+    QStringList mPaths;
     QString mError;
 };

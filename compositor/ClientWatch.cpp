@@ -5,10 +5,14 @@
 #include <wayland-server-core.h>
 
 #include <cstring>
+#include <utility>
 
 namespace {
 constexpr int cPatienceMilliseconds = 3000;
 constexpr int cIntervalMilliseconds = 1000;
+constexpr int cEventsPerPing = 32;
+/// A connection takes some 250 small messages.
+constexpr int cMostUnconfirmed = 128;
 
 /// A client that has broken the protocol may have lost its shell object and still be there for a moment.
 bool hasShell(wl_client* client)
@@ -45,10 +49,34 @@ ClientWatch::ClientWatch(QWaylandXdgShell* shell, QWaylandClient* client, QObjec
 void ClientWatch::ping()
 {
     const bool isEarly = mSincePing.isValid() && mSincePing.elapsed() < cIntervalMilliseconds;
-    if (mWaiting || isEarly || mClient.isNull() || !hasShell(mClient->client())) {
+    if (!isEarly) {
+        sendPing();
+    }
+}
+
+bool ClientWatch::admitEvent()
+{
+    if (mClient.isNull() || !mResponding || mUnconfirmed >= cMostUnconfirmed) {
+        mHeldBack = true;
+        return false;
+    }
+    ++mUnconfirmed;
+    ++mSincePingCount;
+    if (mUnconfirmed % cEventsPerPing == 0) {
+        sendPing();
+    } else {
+        ping();
+    }
+    return true;
+}
+
+void ClientWatch::sendPing()
+{
+    if (mWaiting || mClient.isNull() || !hasShell(mClient->client())) {
         return;
     }
     mSincePing.start();
+    mSincePingCount = 0;
     mWaiting = true;
     mSerial = mShell->ping(mClient);
     mDeadline.start();
@@ -56,10 +84,15 @@ void ClientWatch::ping()
 
 void ClientWatch::handlePong(uint serial)
 {
-    if (mWaiting && serial == mSerial) {
-        mWaiting = false;
-        mDeadline.stop();
-        setResponding(true);
+    if (!mWaiting || serial != mSerial) {
+        return;
+    }
+    mWaiting = false;
+    mDeadline.stop();
+    mUnconfirmed = mSincePingCount;
+    setResponding(true);
+    if (std::exchange(mHeldBack, false)) {
+        Q_EMIT caughtUp();
     }
 }
 

@@ -22,14 +22,25 @@ public:
     {
         return mResponding;
     }
+    /// False while what is left of the client is torn down: nothing may be sent to it any more.
+    bool isConnected() const
+    {
+        return !mClient.isNull();
+    }
 
     /// Asks the client for a sign of life, unless it was asked just before.
     void ping();
+    /// To be called before an event that may come in any number. False when the client has left so many unread that
+    /// it must not be sent: its connection would fill, and the compositor's end of it would cut it.
+    bool admitEvent();
 
 Q_SIGNALS:
     void respondingChanged();
+    /// The client has read again after events were held back from it.
+    void caughtUp();
 
 private:
+    void sendPing();
     void handlePong(uint serial);
     void setResponding(bool responding);
 
@@ -38,6 +49,10 @@ private:
     bool mWaiting = false;
     bool mResponding = true;
     uint mSerial = 0;
+    /// Events that the client has not shown to have read, and those of them that came after the last ping.
+    int mUnconfirmed = 0;
+    int mSincePingCount = 0;
+    bool mHeldBack = false;
     QElapsedTimer mSincePing;
     QTimer mDeadline;
 };

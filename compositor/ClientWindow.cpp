@@ -59,7 +59,10 @@ ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xd
     connect(toplevel, &QWaylandXdgToplevel::unsetMaximized, this, answerRequest);
     connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, answerRequest);
     connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, answerRequest);
-    connect(watch, &ClientWatch::respondingChanged, this, &ClientWindow::handleRespondingChanged);
+    connect(watch, &ClientWatch::respondingChanged, this, [this] {
+        mViews.setResponding(mUuid, isResponding());
+    });
+    connect(watch, &ClientWatch::caughtUp, this, &ClientWindow::handleCaughtUp);
 }
 
 ClientWindow::~ClientWindow()
@@ -82,11 +85,21 @@ bool ClientWindow::isResponding() const
     return mWatch != nullptr && mWatch->isResponding();
 }
 
+bool ClientWindow::isConnected() const
+{
+    return mWatch != nullptr && mWatch->isConnected();
+}
+
 void ClientWindow::ping()
 {
     if (mWatch != nullptr) {
         mWatch->ping();
     }
+}
+
+bool ClientWindow::admitEvent()
+{
+    return mWatch != nullptr && mWatch->admitEvent();
 }
 
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)
@@ -109,16 +122,16 @@ void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActiva
 
 void ClientWindow::sendConfigure()
 {
-    if (mConfigureIsDue && mToplevel != nullptr && isResponding()) {
+    if (mConfigureIsDue && mToplevel != nullptr && admitEvent()) {
         mConfigureIsDue = false;
         mToplevel->sendConfigure(mSize, mStates);
     }
 }
 
-void ClientWindow::handleRespondingChanged()
+void ClientWindow::handleCaughtUp()
 {
-    mViews.setResponding(mUuid, isResponding());
     sendConfigure();
+    Q_EMIT caughtUp();
 }
 
 void ClientWindow::handleContentChanged()
@@ -135,8 +148,9 @@ void ClientWindow::handleCommit()
 {
     if (isMapped()) {
         mViews.setSize(mUuid, windowGeometry().size());
-    } else if (mConfigureIsDue) {
-        // The first commit of a window that is about to be mapped again: it waits for a size.
+    } else {
+        // A commit without contents is the wish to be mapped, and the client waits for an answer.
+        mConfigureIsDue = true;
         sendConfigure();
     }
 }
@@ -163,9 +177,13 @@ void ClientWindow::map()
 void ClientWindow::unmap()
 {
     if (isMapped()) {
-        mConfigureIsDue = true;
-        mViews.remove(std::exchange(mUuid, QString()));
+        mViews.remove({takeUuid()});
     }
+}
+
+QString ClientWindow::takeUuid()
+{
+    return std::exchange(mUuid, QString());
 }
 
 QString ClientWindow::appId() const

@@ -33,6 +33,8 @@ public:
     {
         return !mUuid.isEmpty();
     }
+    /// Ends the mapping without a word to the list of views; answers the uuid that the view had.
+    QString takeUuid();
     /// Null when the client has destroyed it.
     ClientSurface* surface() const
     {
@@ -51,22 +53,28 @@ public:
     QRect windowGeometry() const;
 
     bool isResponding() const;
+    /// As ClientWatch::isConnected().
+    bool isConnected() const;
     /// To be called when there is an occasion to ask the client whether it is still there.
     void ping();
+    /// As ClientWatch::admitEvent().
+    bool admitEvent();
 
     /// Tells the client its size and states, if they are new to it. A client that does not respond is told later: what
-    /// it does not read would fill its connection until it is cut.
+    /// it does not read would fill its connection.
     void configure(const QSize& size, bool isFullScreen, bool isActivated);
 
 Q_SIGNALS:
     void committed();
+    /// The client has read again after events were held back from it.
+    void caughtUp();
     /// The client has asked for another state or has got another parent.
     void configureRequested();
 
 private:
     void handleContentChanged();
     void handleCommit();
-    void handleRespondingChanged();
+    void handleCaughtUp();
     void map();
     void unmap();
     QString appId() const;

@@ -41,8 +41,25 @@ NotificationCards::NotificationCards(const Output& output, NotificationCenter& c
     , mCenter(center)
     , mScene(scene)
 {
-    connect(&center, &NotificationCenter::changed, this, &NotificationCards::layOut);
-    connect(&output, &Output::geometryChanged, this, &NotificationCards::layOut);
+    connect(&center, &NotificationCenter::changed, this, &NotificationCards::invalidate);
+    connect(&output, &Output::geometryChanged, this, &NotificationCards::invalidate);
+    connect(&scene, &Scene::aboutToPaint, this, &NotificationCards::layOutIfNeeded);
+}
+
+void NotificationCards::invalidate()
+{
+    if (mIsValid) {
+        mIsValid = false;
+        mScene.damage(QRegion());
+    }
+}
+
+void NotificationCards::layOutIfNeeded()
+{
+    if (!mIsValid) {
+        mIsValid = true;
+        layOut();
+    }
 }
 
 void NotificationCards::layOut()
@@ -131,9 +148,10 @@ QRect NotificationCards::paintedArea() const
     return area;
 }
 
-NotificationCards::Target NotificationCards::targetAt(const QPoint& position) const
+NotificationCards::Target NotificationCards::targetAt(const QPoint& position)
 {
-    for (const Card& card : mCards) {
+    layOutIfNeeded();
+    for (const Card& card : qAsConst(mCards)) {
         if (!card.rect.contains(position)) {
             continue;
         }
@@ -147,7 +165,7 @@ NotificationCards::Target NotificationCards::targetAt(const QPoint& position) co
     return {};
 }
 
-bool NotificationCards::contains(const QPoint& position) const
+bool NotificationCards::contains(const QPoint& position)
 {
     return targetAt(position).id != 0;
 }

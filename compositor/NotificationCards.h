@@ -21,7 +21,7 @@ class NotificationCards : public QObject, public SceneLayer
 public:
     NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent = nullptr);
 
-    bool contains(const QPoint& position) const;
+    bool contains(const QPoint& position);
     /// True when \a position is on a card: then the press is meant for it.
     bool press(const QPoint& position);
     /// Does what was pressed, if the pointer is still there.
@@ -56,9 +56,12 @@ private:
         }
     };
 
+    /// Changes may come faster than anybody can look: the layout waits until it is needed.
+    void invalidate();
+    void layOutIfNeeded();
     void layOut();
     Card layOutCard(const Notification& notification, const QPoint& topLeft, int width) const;
-    Target targetAt(const QPoint& position) const;
+    Target targetAt(const QPoint& position);
     QRect paintedArea() const;
     void paintCard(QPainter* painter, const Card& card) const;
     void paintButton(QPainter* painter, const Button& button) const;
@@ -67,6 +70,7 @@ private:
     const Output& mOutput;
     NotificationCenter& mCenter;
     Scene& mScene;
+    bool mIsValid = true;
     QVector<Card> mCards;
     QRect mRemainingRect;
     int mRemainingCount = 0;

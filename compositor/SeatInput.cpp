@@ -2,10 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "SeatInput.h"
 
-#include "ClientWindow.h"
 #include "NotificationCards.h"
 #include "ScreenSaver.h"
-#include "WindowStack.h"
 
 #include <QKeyEvent>
 #include <QWaylandDrag>
@@ -67,11 +65,10 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
         mGrabbingSurface = hit.surface;
         mGrabOrigin = position - hit.position;
     }
-    if (mSeat->mouseFocus() == nullptr) {
-        return;
+    if (admitPointerEvent()) {
+        mPressedButtons |= button;
+        mSeat->sendMousePressEvent(button);
     }
-    mPressedButtons |= button;
-    mSeat->sendMousePressEvent(button);
 }
 
 void SeatInput::pointerRelease(const QPointF& position, Qt::MouseButton button)
@@ -94,14 +91,14 @@ void SeatInput::pointerLeft()
 {
     mIsInside = false;
     if (!mPressedButtons) {
-        mSeat->setMouseFocus(nullptr);
+        setPointerFocus({});
     }
 }
 
 void SeatInput::wheel(const QPointF& position, const QPoint& angleDelta)
 {
     pointerMotion(position);
-    if (mSeat->mouseFocus() == nullptr) {
+    if (!admitPointerEvent()) {
         return;
     }
     if (angleDelta.x() != 0) {
@@ -126,8 +123,7 @@ void SeatInput::key(QKeyEvent* event)
     if (wakesScreen() || event->isAutoRepeat() || window == nullptr || mSeat->keyboardFocus() == nullptr) {
         return;
     }
-    window->ping();
-    if (window->isResponding()) {
+    if (window->admitEvent()) {
         mPressedKeys.insert(code);
         mSeat->sendFullKeyEvent(event);
     }
@@ -149,29 +145,36 @@ void SeatInput::updatePointerFocus()
     }
     if (mSeat->drag()->origin() != nullptr) {
         const WindowStack::Hit hit = mStack.surfaceAt(mPosition);
-        mSeat->drag()->dragMove(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
+        if (hit.window == nullptr || hit.window->admitEvent()) {
+            mSeat->drag()->dragMove(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
+        }
         return;
     }
     if (mPressedButtons) {
         if (mGrabbingWindow != nullptr && mGrabbingSurface != nullptr && mGrabbingSurface->surface() != nullptr) {
-            setPointerFocus(mGrabbingWindow->isResponding() ? mGrabbingSurface : nullptr, mPosition - mGrabOrigin);
+            setPointerFocus({mGrabbingWindow, mGrabbingSurface, mPosition - mGrabOrigin});
             return;
         }
         mPressedButtons = Qt::NoButton;
     }
-    const WindowStack::Hit hit =
-        mCards.contains(mPosition.toPoint()) ? WindowStack::Hit() : mStack.surfaceAt(mPosition);
-    if (hit.window != nullptr) {
-        hit.window->ping();
-    }
-    // A client that does not read must not be written to: its connection would fill and be cut.
-    const bool isListening = hit.window != nullptr && hit.window->isResponding();
-    setPointerFocus(isListening ? hit.surface : nullptr, hit.position);
+    const bool isOverCard = mCards.contains(mPosition.toPoint());
+    setPointerFocus(isOverCard ? WindowStack::Hit() : mStack.surfaceAt(mPosition));
 }
 
-void SeatInput::setPointerFocus(ClientSurface* surface, const QPointF& position)
+void SeatInput::setPointerFocus(const WindowStack::Hit& target)
 {
-    if (surface != nullptr || mSeat->mouseFocus() != nullptr) {
-        mSeat->sendMouseMoveEvent(surface, position, mPosition);
+    const bool hasMoved = target.window != mPointerWindow;
+    const bool isAdmitted = target.window != nullptr && target.window->admitEvent();
+    if (isAdmitted) {
+        mPointerWindow = target.window;
+        mSeat->sendMouseMoveEvent(target.surface, target.position, mPosition);
+    } else if (hasMoved) {
+        mPointerWindow = nullptr;
+        mSeat->setMouseFocus(nullptr);
     }
+}
+
+bool SeatInput::admitPointerEvent()
+{
+    return mPointerWindow != nullptr && mSeat->mouseFocus() != nullptr && mPointerWindow->admitEvent();
 }

@@ -5,6 +5,7 @@
 #include "ClientCursor.h"
 #include "ClientSurface.h"
 #include "ClientWindow.h"
+#include "WindowStack.h"
 
 #include <QObject>
 #include <QPoint>
@@ -16,7 +17,6 @@ class NotificationCards;
 class QKeyEvent;
 class QWaylandSeat;
 class ScreenSaver;
-class WindowStack;
 
 /// Leads the input to where it belongs: first it ends the screen saver, then it is for the notification cards, then
 /// for the current view. Positions are in the output's coordinates.
@@ -41,7 +41,9 @@ private:
     /// True when the input has only ended the screen saver.
     bool wakesScreen();
     void updatePointerFocus();
-    void setPointerFocus(ClientSurface* surface, const QPointF& position);
+    void setPointerFocus(const WindowStack::Hit& target);
+    /// Whether a press or a turn of the wheel may be sent to what has the pointer.
+    bool admitPointerEvent();
 
     QWaylandSeat* mSeat;
     WindowStack& mStack;
@@ -53,6 +55,8 @@ private:
     bool mIsInside = false;
     /// The buttons that the client has been told of; while there are any, its surface keeps the pointer.
     Qt::MouseButtons mPressedButtons;
+    /// Whose surface has the pointer.
+    QPointer<ClientWindow> mPointerWindow;
     QPointer<ClientWindow> mGrabbingWindow;
     QPointer<ClientSurface> mGrabbingSurface;
     QPointF mGrabOrigin;

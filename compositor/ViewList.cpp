@@ -43,17 +43,22 @@ void ViewList::add(View view)
     Q_EMIT currentChanged();
 }
 
-void ViewList::remove(const QString& uuid)
+void ViewList::remove(const QStringList& uuids)
 {
-    const View* view = std::as_const(*this).find(uuid);
-    if (view == nullptr) {
+    const QString oldCurrent = current();
+    const auto isRemoved = [&uuids](const View& view) {
+        return uuids.contains(view.uuid);
+    };
+    const auto end = std::remove_if(mViews.begin(), mViews.end(), isRemoved);
+    if (end == mViews.end()) {
         return;
     }
-    const bool wasCurrent = uuid == current();
-    mViews.removeAt(static_cast<int>(view - mViews.constData()));
-    mRecent.removeOne(uuid);
+    mViews.erase(end, mViews.end());
+    for (const QString& uuid : uuids) {
+        mRecent.removeOne(uuid);
+    }
     Q_EMIT viewsChanged();
-    if (wasCurrent) {
+    if (current() != oldCurrent) {
         Q_EMIT currentChanged();
     }
 }

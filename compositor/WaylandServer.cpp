@@ -83,9 +83,10 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
 
 WaylandServer::~WaylandServer()
 {
-    // What the clients own is torn down after this object's own members: nobody has to hear of it.
-    disconnect(&mViews, nullptr, this, nullptr);
-    disconnect(&mGeometry, nullptr, this, nullptr);
+    // While everything that hears of it is still there.
+    for (QWaylandClient* client : clients()) {
+        destroyClient(client);
+    }
 }
 
 void WaylandServer::start(const QByteArray& socketName)

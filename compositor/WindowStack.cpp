@@ -37,6 +37,7 @@ void WindowStack::addWindow(ClientWindow* window)
         handleCommit(window);
     });
     connect(window, &ClientWindow::configureRequested, this, &WindowStack::configureAll);
+    connect(window, &ClientWindow::caughtUp, this, &WindowStack::arrangementChanged);
     configureAll();
 }
 
@@ -163,6 +164,17 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
         hit.window = hit.surface == nullptr ? nullptr : window;
     }
     return hit;
+}
+
+void WindowStack::removeDisconnected()
+{
+    QStringList uuids;
+    for (ClientWindow* window : qAsConst(mWindows)) {
+        if (window->isMapped() && !window->isConnected()) {
+            uuids.append(window->takeUuid());
+        }
+    }
+    mViews.remove(uuids);
 }
 
 void WindowStack::dismissPopups()

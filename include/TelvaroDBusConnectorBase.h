@@ -19,8 +19,10 @@ class DBusConnectionParameter;
 /// Constructing a connector blocks while Qt introspects the service's object, once per interface and process, up to
 /// 25 seconds with a service that does not answer; without a service it does not wait.
 ///
-/// The proxy sends method names unchecked: a derived connector must call valid D-Bus member names only, since libdbus
-/// ends the process on others.
+/// The proxy sends method names unchecked: a derived connector must call valid D-Bus member names only, and give a
+/// valid object path, since libdbus ends the process on others. A message above 128 MiB costs the connection. Run the
+/// event loop once after the process has connected to the bus: if the bus dies in a call before that, the call does not
+/// return.
 class TELVARO_EXPORT TelvaroDBusConnectorBase : public QObject
 {
     Q_OBJECT

@@ -22,6 +22,7 @@ class TELVARO_EXPORT TelvaroGlobalOverlayDBusConnector : public TelvaroDBusConne
     Q_OBJECT
 
 public:
+    /// Makes the proxy; calls nothing.
     explicit TelvaroGlobalOverlayDBusConnector(QObject* parent = nullptr);
     ~TelvaroGlobalOverlayDBusConnector() override;
 

@@ -18,6 +18,7 @@ class QString;
 class TELVARO_EXPORT TelvaroNotificationDBusConnector : public TelvaroDBusConnectorBase
 {
 public:
+    /// Makes the proxy; calls nothing.
     explicit TelvaroNotificationDBusConnector(QObject* parent = nullptr);
 
     /// Posts a new notification that never expires.

@@ -39,11 +39,17 @@ class TELVARO_EXPORT TelvaroScreenDBusConnector : public TelvaroDBusConnectorBas
     Q_OBJECT
 
 public:
+    /// "screenSaverActive"
     static const QString cScreenSaverActiveProperty;
+    /// "screenSaverEnabled"
     static const QString cScreenSaverEnabledProperty;
+    /// "screenSaverTimeoutSeconds"
     static const QString cScreenSaverTimoutProperty;
+    /// "PropertiesChanged", the signal that is followed.
     static const QString cPropertiesChanged;
+    /// "orientation"
     static const QString cScreenOrientationProperty;
+    /// "fullScreen"
     static const QString cFullScreenProperty;
 
     /// Reads the screen saver's state once, with the warnings of isScreenSaverActive(), and subscribes to the
@@ -63,7 +69,8 @@ public:
     /// first of the warnings above.
     QVariant getProperty(const QString& name);
 
-    /// Writes any property of the screen. Hides QObject::setProperty(), which stays reachable by its full name.
+    /// Writes any property of the screen. Hides QObject::setProperty(), which stays reachable by its full name. A value
+    /// that holds an invalid QVariant in a map or a list ends the process, since D-Bus has no such value.
     void setProperty(const QString& name, const QDBusVariant& value);
 
 Q_SIGNALS:
@@ -74,6 +81,7 @@ Q_SIGNALS:
     /// The rotation of the screen's contents changed; degrees.
     void screenOrientationChanged(QString orientation);
 
+    /// The current view got the whole screen or gave it back.
     void fullScreenChanged(bool fullScreen);
 
 public Q_SLOTS:
@@ -96,7 +104,7 @@ public Q_SLOTS:
     /// Turns the screen's contents; degrees as the service understands them. Property "orientation", s.
     void setOrientation(const QString& orientation);
 
-    /// Property "fullScreen", b.
+    /// Gives the current view the whole screen or takes it back. Property "fullScreen", b.
     void setFullScreen(bool fullScreen);
 
     /// Whether the current view has the whole screen. Property "fullScreen", b.

@@ -17,6 +17,7 @@ class QObject;
 class TELVARO_EXPORT TelvaroScreenShotDBusConnector : public TelvaroDBusConnectorBase
 {
 public:
+    /// Makes the proxy; calls nothing.
     explicit TelvaroScreenShotDBusConnector(QObject* parent = nullptr);
 
     /// Has the service store a screenshot in the directory and returns the string that it answers, unchanged, an empty

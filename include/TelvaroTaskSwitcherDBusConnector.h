@@ -39,10 +39,13 @@ public:
         QString uuid;
         /// Id of the application that owns the view.
         QString appId;
-        /// Texts of the service, carried unchanged.
+        /// Text of the service, carried unchanged.
         QString info1;
+        /// As info1.
         QString info2;
+        /// As info1.
         QString info3;
+        /// As info1.
         QString info4;
         /// Process that shows the view.
         uint32_t pid = 0;
@@ -52,8 +55,11 @@ public:
         QVariantMap attributes;
     };
 
+    /// "currentView"
     static const QString cCurrentViewProperty;
+    /// "views"
     static const QString cViewsProperty;
+    /// "PropertiesChanged", the signal that is followed.
     static const QString cPropertiesChanged;
 
     /// Registers TaskSwitcherEntry with Qt's meta-type system and D-Bus marshalling, and subscribes to the service's

@@ -4,15 +4,15 @@
 
 #include "DBusConnection.h"
 #include "DBusConnectionParameter.h"
+#include "PropertyReply.h"
 #include "TelvaroDBusDefinitions.h"
 #include "VariantConversionTools.h"
 
-#include <QDBusReply>
 #include <QDBusVariant>
 #include <QDebug>
 #include <QPointer>
 
-#include <utility>
+#include <optional>
 
 const QString TelvaroScreenDBusConnector::cScreenSaverActiveProperty = QStringLiteral("screenSaverActive");
 const QString TelvaroScreenDBusConnector::cScreenSaverEnabledProperty = QStringLiteral("screenSaverEnabled");
@@ -66,14 +66,14 @@ QVariant TelvaroScreenDBusConnector::getProperty(const QString& name)
     if (!isInterfaceValid()) {
         return {};
     }
-    const QDBusReply<QDBusVariant> reply =
-        mInterface.call(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(),
-                        TelvaroDBusDefinitions::getScreenInterface(), name);
-    if (!reply.isValid()) {
+    const std::optional<QVariant> value =
+        PropertyReply::getValue(mInterface.call(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(),
+                                                TelvaroDBusDefinitions::getScreenInterface(), name));
+    if (!value) {
         qWarning() << "Unable to read property: " << name;
         return {};
     }
-    return reply.value().variant();
+    return *value;
 }
 
 void TelvaroScreenDBusConnector::setProperty(const QString& name, const QDBusVariant& value)

@@ -4,15 +4,16 @@
 
 #include "DBusConnection.h"
 #include "DBusConnectionParameter.h"
+#include "PropertyReply.h"
 #include "QProcessHandler.h"
 #include "TelvaroDBusDefinitions.h"
 
 #include <QDBusMetaType>
-#include <QDBusReply>
 #include <QDBusVariant>
 #include <QDebug>
 
 #include <algorithm>
+#include <optional>
 
 using TaskSwitcherEntry = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
@@ -62,7 +63,26 @@ bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
 bool isReadable(const QDBusArgument& argument)
 {
     const QString signature = argument.currentSignature();
-    return isSignatureOfEntries(signature) || isEmptyArray(argument, signature);
+    // What the service sends is told at once, so that the other cases cost it nothing.
+    return signature == QLatin1String("a(ssssssuua{sv})") || isSignatureOfEntries(signature)
+        || isEmptyArray(argument, signature);
+}
+
+// What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
+void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
+{
+    QString key;
+    QDBusVariant value;
+    argument.beginMap();
+    attributes.clear();
+    while (!argument.atEnd()) {
+        argument.beginMapEntry();
+        argument >> key >> value;
+        argument.endMapEntry();
+        // Every value of a key that comes twice is kept.
+        static_cast<QMultiMap<QString, QVariant>&>(attributes).insert(key, value.variant());
+    }
+    argument.endMap();
 }
 
 } // namespace
@@ -97,16 +117,15 @@ QList<TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
         qWarning() << "Invalid DBus interface!";
         return views;
     }
-    const QDBusReply<QDBusVariant> reply =
-        mInterface.call(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(),
-                        TelvaroDBusDefinitions::getTaskSwitcherInterface(), cViewsProperty);
-    if (!reply.isValid()) {
+    static const QVariantList cArguments = {TelvaroDBusDefinitions::getTaskSwitcherInterface(), cViewsProperty};
+    const std::optional<QVariant> value = PropertyReply::getValue(
+        mInterface.callWithArgumentList(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(), cArguments));
+    if (!value) {
         qWarning() << "Unable to read views!";
         return views;
     }
-    const QVariant value = reply.value().variant();
-    const auto argument = value.value<QDBusArgument>();
-    if (!value.canConvert<QDBusArgument>() || !isReadable(argument)) {
+    const auto argument = value->value<QDBusArgument>();
+    if (!value->canConvert<QDBusArgument>() || !isReadable(argument)) {
         qWarning() << "Unable to parse dbus-reply to dbus-argument";
         return views;
     }
@@ -120,19 +139,18 @@ TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::getCurrentView()
     if (!isInterfaceValid()) {
         return {};
     }
-    const QDBusReply<QDBusVariant> reply =
-        mInterface.call(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(),
-                        TelvaroDBusDefinitions::getTaskSwitcherInterface(), cCurrentViewProperty);
-    if (!reply.isValid()) {
+    static const QVariantList cArguments = {TelvaroDBusDefinitions::getTaskSwitcherInterface(), cCurrentViewProperty};
+    const std::optional<QVariant> value = PropertyReply::getValue(
+        mInterface.callWithArgumentList(QDBus::AutoDetect, TelvaroDBusDefinitions::getPropertyMehodGet(), cArguments));
+    if (!value) {
         qWarning() << "Unable to read current view!";
         return {};
     }
-    const QVariant value = reply.value().variant();
-    if (!value.canConvert<QString>()) {
+    if (!value->canConvert<QString>()) {
         qWarning() << "Unable to parse dbus-reply to dbus-argument";
         return {};
     }
-    const QString uuid = value.toString();
+    const QString uuid = value->toString();
     const auto current = std::find_if(views.begin(), views.end(), [&uuid](const TaskSwitcherEntry& view) {
         return view.uuid == uuid;
     });
@@ -286,8 +304,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, TaskSwitcherEntry
 {
     argument.beginStructure();
     argument >> entry.uuid >> entry.appId >> entry.info1 >> entry.info2 >> entry.info3 >> entry.info4;
-    // Clears the map first and keeps every value of a key that comes twice.
-    argument >> entry.pid >> entry.sortIndex >> entry.attributes;
+    argument >> entry.pid >> entry.sortIndex;
+    readAttributes(argument, entry.attributes);
     argument.endStructure();
     return argument;
 }
@@ -297,9 +315,9 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, QList<TaskSwitche
     argument.beginArray();
     entries.clear();
     while (!argument.atEnd()) {
-        TaskSwitcherEntry entry;
-        argument >> entry;
-        entries.append(entry);
+        // Read in place, since a copy of all its strings costs more than the list's node.
+        entries.append(TaskSwitcherEntry());
+        argument >> entries.last();
     }
     argument.endArray();
     return argument;

@@ -14,6 +14,12 @@ QDBusConnection DBusConnection::getQDBusConnection()
 bool DBusConnection::isServiceRegistered(const QString& serviceName)
 {
     const QDBusConnection connection = getQDBusConnection();
-    const QDBusConnectionInterface* const busDaemon = connection.interface();
-    return busDaemon != nullptr && busDaemon->isServiceRegistered(serviceName);
+    QDBusConnectionInterface* const busDaemon = connection.interface();
+    if (busDaemon == nullptr) {
+        return false;
+    }
+    // As isServiceRegistered() of the bus daemon's proxy, which first compares the name of every method that it knows.
+    const QDBusReply<bool> reply =
+        busDaemon->callWithArgumentList(QDBus::Block, QStringLiteral("NameHasOwner"), {serviceName});
+    return reply.value();
 }

@@ -18,10 +18,17 @@ QString decode(const QByteArray& output)
 
 int QProcessHandler::startProcess(const QString& program, const QStringList& arguments)
 {
+    mStandardOutput.clear();
+    mStandardError.clear();
+
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
     process.start(program, arguments, QIODevice::ReadOnly);
     process.waitForFinished(-1);
+    // Qt warns of reading channels that were never opened.
+    if (process.error() == QProcess::FailedToStart) {
+        return -1;
+    }
 
     mStandardOutput = decode(process.readAllStandardOutput());
     mStandardError = decode(process.readAllStandardError());

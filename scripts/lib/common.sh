@@ -9,7 +9,7 @@ log_directory=$project_directory/build/logs
 # What the library, the tools and their tests are built with and run on.
 build_packages=(
     cmake g++ ninja-build pkg-config
-    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
+    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools libwayland-dev wayland-protocols
 )
 session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
@@ -17,10 +17,11 @@ session_packages=(
 
 # What the tests are built with, and what else they run.
 test_build_packages=(
-    libdbus-1-dev libglib2.0-dev libwayland-dev wayland-protocols
+    libglib2.0-dev python3
 )
 test_packages=(
-    binutils libglib2.0-bin libnotify-bin systemd xdotool xvfb
+    binutils bsdextrautils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc qml-module-qtquick-window2
+    qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
 )
 
 fail() {

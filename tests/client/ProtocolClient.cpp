@@ -135,7 +135,8 @@ bool ProtocolClient::runCommand(const std::string& line)
     } else if (command == "create") {
         addWindow();
     } else if (command == "sync") {
-        if (wl_display_roundtrip(mDisplay) < 0) {
+        // What the answers to the first round trip made the windows send is done by the second.
+        if (wl_display_roundtrip(mDisplay) < 0 || wl_display_roundtrip(mDisplay) < 0) {
             std::puts("disconnected");
             std::fflush(stdout);
             return false;
@@ -177,7 +178,10 @@ bool ProtocolClient::runCommand(const std::string& line)
     } else if (command == "titles") {
         for (int i = 1; i <= count; ++i) {
             mWindows[number]->setTitle("Title " + std::to_string(i));
-            wl_display_flush(mDisplay);
+            // More than fits into the connection would end it.
+            if (i % 50 == 0) {
+                wl_display_roundtrip(mDisplay);
+            }
         }
     } else {
         throw std::runtime_error("unknown command \"" + line + '"');

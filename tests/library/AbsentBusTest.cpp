@@ -30,10 +30,10 @@ void AbsentBusTest::everyOperationReturnsItsEmptyResult()
     Connectors connectors;
     const QString notRegistered =
         QStringLiteral("DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered");
-    QCOMPARE(log.takeTexts(), (QStringList{QStringLiteral("Failed to connect to PropertiesChanged signal"),
-                                           notRegistered,
-                                           QStringLiteral("Unable to convert property  \"screenSaverActive\" to bool!"),
-                                           QStringLiteral("Failed to connect to PropertiesChanged siganl")}));
+    QCOMPARE(log.takeTexts(),
+             (QStringList{QStringLiteral("Failed to connect to PropertiesChanged signal"), notRegistered,
+                          QStringLiteral("Unable to convert property  \"screenSaverActive\" to bool!"),
+                          QStringLiteral("Failed to connect to PropertiesChanged siganl")}));
     const QMap<QString, Outcome> expected =
         outcomesWithoutService({notRegistered}, {QStringLiteral("Invalid DBus interface!")});
     for (const NamedOperation& operation : everyOperation()) {

@@ -59,8 +59,8 @@ void DBusConnectionTest::namesThatNobodyCanOwnAreNotRegistered()
 
 void DBusConnectionTest::theParameterKeepsItsNamesInOrder()
 {
-    const DBusConnectionParameter parameter = DBusConnectionParameter::create(
-        QStringLiteral("service"), QStringLiteral("path"), QStringLiteral("interface"));
+    const DBusConnectionParameter parameter =
+        DBusConnectionParameter::create(QStringLiteral("service"), QStringLiteral("path"), QStringLiteral("interface"));
     QCOMPARE(parameter.getServiceName(), QStringLiteral("service"));
     QCOMPARE(parameter.getPath(), QStringLiteral("path"));
     QCOMPARE(parameter.getInterfaceName(), QStringLiteral("interface"));
@@ -68,8 +68,8 @@ void DBusConnectionTest::theParameterKeepsItsNamesInOrder()
 
 void DBusConnectionTest::theParameterReturnsItsOwnStrings()
 {
-    const DBusConnectionParameter parameter = DBusConnectionParameter::create(
-        QStringLiteral("service"), QStringLiteral("path"), QStringLiteral("interface"));
+    const DBusConnectionParameter parameter =
+        DBusConnectionParameter::create(QStringLiteral("service"), QStringLiteral("path"), QStringLiteral("interface"));
     QCOMPARE(&parameter.getServiceName(), &parameter.getServiceName());
     QCOMPARE(&parameter.getPath(), &parameter.getPath());
     QCOMPARE(&parameter.getInterfaceName(), &parameter.getInterfaceName());

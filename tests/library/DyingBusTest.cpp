@@ -53,7 +53,11 @@ void DyingBusTest::aBusThatDiesDuringACallEndsTheCall()
     QCOMPARE(mLog->takeTexts(), QStringList{QStringLiteral("Unable to read views!")});
     mBus.kill();
     // Lets Qt notice the end as a running application would.
-    QVERIFY(QTest::qWaitFor([] { return !PrivateBus::connection().isConnected(); }, ChildProcess::cDeadline));
+    QVERIFY(QTest::qWaitFor(
+        [] {
+            return !PrivateBus::connection().isConnected();
+        },
+        ChildProcess::cDeadline));
 }
 
 void DyingBusTest::everyOperationReturnsItsEmptyResultAfterwards()

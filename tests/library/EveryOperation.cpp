@@ -34,44 +34,90 @@ std::vector<NamedOperation> makeOperations()
         });
     };
 
-    add("isInterfaceValid", [](Connectors& c) { return text(c.overlay.isInterfaceValid()); });
-    add("getViews", [](Connectors& c) { return QString::number(c.taskSwitcher.getViews().size()); });
-    add("getCurrentView", [](Connectors& c) { return text(c.taskSwitcher.getCurrentView()); });
+    add("isInterfaceValid", [](Connectors& c) {
+        return text(c.overlay.isInterfaceValid());
+    });
+    add("getViews", [](Connectors& c) {
+        return QString::number(c.taskSwitcher.getViews().size());
+    });
+    add("getCurrentView", [](Connectors& c) {
+        return text(c.taskSwitcher.getCurrentView());
+    });
     add("setCurrentView", [](Connectors& c) {
         TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry entry;
         entry.uuid = QStringLiteral("a");
         return c.taskSwitcher.setCurrentView(entry).name();
     });
-    add("setCurrentView without uuid", [](Connectors& c) { return c.taskSwitcher.setCurrentView({}).name(); });
-    add("pidToTaskSwitcherEntry", [](Connectors& c) { return text(c.taskSwitcher.pidToTaskSwitcherEntry(1)); });
-    add("idsToTaskSwitcherEntry",
-        [=](Connectors& c) { return text(c.taskSwitcher.idsToTaskSwitcherEntry(application, 0)); });
-    add("switchToView", [=](Connectors& c) { return text(c.taskSwitcher.switchToView(application, 0)); });
-    add("iterateViews to the next", [](Connectors& c) { return text(c.taskSwitcher.iterateViews(false)); });
-    add("iterateViews to the previous", [](Connectors& c) { return text(c.taskSwitcher.iterateViews(true)); });
-    add("processNameToPid", [=](Connectors& c) { return QString::number(c.taskSwitcher.processNameToPid(process)); });
-    addSilent("surfaceToTop", [=](Connectors& c) { c.taskSwitcher.surfaceToTop(process); });
-    add("isCurrentView", [=](Connectors& c) { return text(c.taskSwitcher.isCurrentView(process)); });
-    addSilent("enableScreenSaver", [](Connectors& c) { c.screen.enableScreenSaver(); });
-    addSilent("disableScreenSaver", [](Connectors& c) { c.screen.disableScreenSaver(); });
-    addSilent("setScreenSaverTimeout", [](Connectors& c) { c.screen.setScreenSaverTimeout(1); });
-    add("isScreenSaverActive", [](Connectors& c) { return text(c.screen.isScreenSaverActive()); });
-    add("getOrientation", [](Connectors& c) { return c.screen.getOrientation(); });
-    addSilent("setOrientation", [](Connectors& c) { c.screen.setOrientation(QStringLiteral("90")); });
-    addSilent("setFullScreen", [](Connectors& c) { c.screen.setFullScreen(true); });
-    add("getFullScreen", [](Connectors& c) { return text(c.screen.getFullScreen()); });
-    add("getProperty", [](Connectors& c) { return c.screen.getProperty(QStringLiteral("orientation")).toString(); });
+    add("setCurrentView without uuid", [](Connectors& c) {
+        return c.taskSwitcher.setCurrentView({}).name();
+    });
+    add("pidToTaskSwitcherEntry", [](Connectors& c) {
+        return text(c.taskSwitcher.pidToTaskSwitcherEntry(1));
+    });
+    add("idsToTaskSwitcherEntry", [=](Connectors& c) {
+        return text(c.taskSwitcher.idsToTaskSwitcherEntry(application, 0));
+    });
+    add("switchToView", [=](Connectors& c) {
+        return text(c.taskSwitcher.switchToView(application, 0));
+    });
+    add("iterateViews to the next", [](Connectors& c) {
+        return text(c.taskSwitcher.iterateViews(false));
+    });
+    add("iterateViews to the previous", [](Connectors& c) {
+        return text(c.taskSwitcher.iterateViews(true));
+    });
+    add("processNameToPid", [=](Connectors& c) {
+        return QString::number(c.taskSwitcher.processNameToPid(process));
+    });
+    addSilent("surfaceToTop", [=](Connectors& c) {
+        c.taskSwitcher.surfaceToTop(process);
+    });
+    add("isCurrentView", [=](Connectors& c) {
+        return text(c.taskSwitcher.isCurrentView(process));
+    });
+    addSilent("enableScreenSaver", [](Connectors& c) {
+        c.screen.enableScreenSaver();
+    });
+    addSilent("disableScreenSaver", [](Connectors& c) {
+        c.screen.disableScreenSaver();
+    });
+    addSilent("setScreenSaverTimeout", [](Connectors& c) {
+        c.screen.setScreenSaverTimeout(1);
+    });
+    add("isScreenSaverActive", [](Connectors& c) {
+        return text(c.screen.isScreenSaverActive());
+    });
+    add("getOrientation", [](Connectors& c) {
+        return c.screen.getOrientation();
+    });
+    addSilent("setOrientation", [](Connectors& c) {
+        c.screen.setOrientation(QStringLiteral("90"));
+    });
+    addSilent("setFullScreen", [](Connectors& c) {
+        c.screen.setFullScreen(true);
+    });
+    add("getFullScreen", [](Connectors& c) {
+        return text(c.screen.getFullScreen());
+    });
+    add("getProperty", [](Connectors& c) {
+        return c.screen.getProperty(QStringLiteral("orientation")).toString();
+    });
     addSilent("setProperty", [](Connectors& c) {
         c.screen.setProperty(QStringLiteral("orientation"), QDBusVariant(QStringLiteral("90")));
     });
-    addSilent("showGlobalOverlay", [](Connectors& c) { c.overlay.showGlobalOverlay(QStringLiteral("message")); });
-    addSilent("hideGlobalOverlay", [](Connectors& c) { c.overlay.hideGlobalOverlay(); });
+    addSilent("showGlobalOverlay", [](Connectors& c) {
+        c.overlay.showGlobalOverlay(QStringLiteral("message"));
+    });
+    addSilent("hideGlobalOverlay", [](Connectors& c) {
+        c.overlay.hideGlobalOverlay();
+    });
     addSilent("notify", [](Connectors& c) {
         c.notification.notify(QStringLiteral("icon"), QStringLiteral("summary"), QStringLiteral("body"),
                               {QStringLiteral("id"), QStringLiteral("label")});
     });
-    add("captureScreenShot",
-        [](Connectors& c) { return c.screenShot.captureScreenShot(QDir::tempPath()).value_or(QString()); });
+    add("captureScreenShot", [](Connectors& c) {
+        return c.screenShot.captureScreenShot(QDir::tempPath()).value_or(QString());
+    });
     add("captureScreenShot into no directory", [](Connectors& c) {
         return c.screenShot.captureScreenShot(QStringLiteral("/no/such/folder")).value_or(QString());
     });
@@ -91,7 +137,8 @@ QMap<QString, Outcome> outcomesWithoutService(const QStringList& baseMessages, c
     const QStringList& base = baseMessages;
     const QStringList& views = viewsMessages;
     const QString noPid = QStringLiteral("pid not matched with a view, return empty TaskSwitcherEntry");
-    const QString noIds = QStringLiteral("app Id and sortIndex not matched with a view, return empty TaskSwitcherEntry");
+    const QString noIds =
+        QStringLiteral("app Id and sortIndex not matched with a view, return empty TaskSwitcherEntry");
     const QString noStep = QStringLiteral("iterate view failed: no view is in the view list with current appID");
     const QString noSwitch = QStringLiteral("switch view failed QDBusError(\"org.freedesktop.DBus.Error."
                                             "UnknownInterface\", \"Invalid QDBus Interface\")");
@@ -120,8 +167,7 @@ QMap<QString, Outcome> outcomesWithoutService(const QStringList& baseMessages, c
         {QStringLiteral("enableScreenSaver"), {QString(), base}},
         {QStringLiteral("disableScreenSaver"), {QString(), base}},
         {QStringLiteral("setScreenSaverTimeout"), {QString(), base}},
-        {QStringLiteral("isScreenSaverActive"),
-         {no, base + QStringList{unconverted("screenSaverActive", "bool")}}},
+        {QStringLiteral("isScreenSaverActive"), {no, base + QStringList{unconverted("screenSaverActive", "bool")}}},
         {QStringLiteral("getOrientation"), {QString(), base + QStringList{unconverted("orientation", "QString")}}},
         {QStringLiteral("setOrientation"), {QString(), base}},
         {QStringLiteral("setFullScreen"), {QString(), base}},

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "EveryOperation.h"
 #include "InterfaceFiles.h"
+#include "EveryOperation.h"
 #include "TaskSwitcherTest.h"
 #include "TestMain.h"
 
@@ -60,9 +60,10 @@ void InterfaceFilesTest::everyMemberOfTheFilesIsUsedByTheLibrary()
         }
     }
     // The rest of the notification interface is there for other clients.
-    QCOMPARE(unused, (QStringList{QStringLiteral("org.freedesktop.Notifications.CloseNotification"),
-                                  QStringLiteral("org.freedesktop.Notifications.GetCapabilities"),
-                                  QStringLiteral("org.freedesktop.Notifications.GetServerInformation")}));
+    QCOMPARE(unused,
+             (QStringList{QStringLiteral("org.freedesktop.Notifications.CloseNotification"),
+                          QStringLiteral("org.freedesktop.Notifications.GetCapabilities"),
+                          QStringLiteral("org.freedesktop.Notifications.GetServerInformation")}));
 }
 
 TELVARO_TEST_MAIN(InterfaceFilesTest)

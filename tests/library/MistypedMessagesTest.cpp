@@ -29,12 +29,13 @@ void MistypedMessagesTest::viewsOfALikeTypeAreRead_data()
 {
     QTest::addColumn<QString>("value");
     const QString pattern = QStringLiteral("[('u', 'a', '1', '2', '3', '4', %1, %2, {'k': <'v'>}%3)]");
-    const QStringList sevens{QStringLiteral("byte 7"),  QStringLiteral("int16 7"), QStringLiteral("uint16 7"),
+    const QStringList sevens{QStringLiteral("byte 7"),  QStringLiteral("int16 7"),  QStringLiteral("uint16 7"),
                              QStringLiteral("int32 7"), QStringLiteral("uint32 7"), QStringLiteral("int64 7"),
                              QStringLiteral("uint64 7")};
     for (const QString& pid : sevens) {
         for (const QString& sortIndex : sevens) {
-            QTest::addRow("%s and %s", qPrintable(pid), qPrintable(sortIndex)) << pattern.arg(pid, sortIndex, QString());
+            QTest::addRow("%s and %s", qPrintable(pid), qPrintable(sortIndex))
+                << pattern.arg(pid, sortIndex, QString());
         }
     }
     const QString seven = QStringLiteral("uint32 7");
@@ -78,21 +79,45 @@ void MistypedMessagesTest::viewsOfAnyOtherTypeAreRefused_data()
     QTest::addColumn<QString>("value");
     const char* const values[] = {
         // Basic values, strings above all.
-        "'text'", "''", "1", "uint32 1", "true", "0.5", "byte 0x01", "objectpath '/a'", "signature 's'", "handle 0",
+        "'text'",
+        "''",
+        "1",
+        "uint32 1",
+        "true",
+        "0.5",
+        "byte 0x01",
+        "objectpath '/a'",
+        "signature 's'",
+        "handle 0",
         // Other arrays.
-        "[1]", "[true]", "[0.5]", "['a', 'b']", "[byte 0x01]", "[objectpath '/a']", "[signature 's']", "[handle 0]",
-        "[<'a'>]", "[<('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})>]", "[[1]]", "{'a': <1>}",
-        "{'a': 'b'}", "{uint32 1: 'b'}", "{'a': ('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})}",
+        "[1]",
+        "[true]",
+        "[0.5]",
+        "['a', 'b']",
+        "[byte 0x01]",
+        "[objectpath '/a']",
+        "[signature 's']",
+        "[handle 0]",
+        "[<'a'>]",
+        "[<('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})>]",
+        "[[1]]",
+        "{'a': <1>}",
+        "{'a': 'b'}",
+        "{uint32 1: 'b'}",
+        "{'a': ('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})}",
         "[[('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})]]",
         "[{'u': <'a'>}]",
         // What Qt reads itself also where it is empty.
-        "@as []", "@ay []",
+        "@as []",
+        "@ay []",
         // No array.
         "('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})",
         "([('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})],)",
         "<[('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7, @a{sv} {})]>",
         // Other structures.
-        "[('u',)]", "[(1,)]", "[('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7)]",
+        "[('u',)]",
+        "[(1,)]",
+        "[('u', 'a', '1', '2', '3', '4', uint32 7, uint32 7)]",
         "[('u', 'a', '1', '2', '3', '4', uint32 7, @a{sv} {})]",
         "[('u', 'a', '1', '2', '3', uint32 7, uint32 7, @a{sv} {})]",
         "[('u', 'a', '1', '2', '3', '4', '5', uint32 7, uint32 7, @a{sv} {})]",
@@ -142,8 +167,8 @@ void MistypedMessagesTest::viewsOfAnyOtherTypeAreRefused()
     TelvaroTaskSwitcherDBusConnector connector;
     QVERIFY(connector.getViews().isEmpty());
     QCOMPARE(mLog->takeDescriptions(),
-             QStringList{warning(QStringLiteral("getViews()"),
-                                 QStringLiteral("Unable to parse dbus-reply to dbus-argument"))});
+             QStringList{
+                 warning(QStringLiteral("getViews()"), QStringLiteral("Unable to parse dbus-reply to dbus-argument"))});
     // Nothing of it stays behind.
     QCOMPARE(uuids(connector.getViews()), QStringList{QStringLiteral("good")});
 }
@@ -151,10 +176,27 @@ void MistypedMessagesTest::viewsOfAnyOtherTypeAreRefused()
 void MistypedMessagesTest::anyEmptyArrayIsNoViews_data()
 {
     QTest::addColumn<QString>("value");
-    for (const char* const value :
-         {"@a(ssssssuua{sv}) []", "@ai []", "@ab []", "@ad []", "@ax []", "@ao []", "@ag []", "@ah []", "@av []",
-          "@aai []", "@aas []", "@a{sv} {}", "@a{ss} {}", "@a{us} {}", "@aa{sv} []", "@a(s) []", "@a(i) []",
-          "@a(usssssuua{sv}) []", "@a(ssssssuua{ss}) []", "@a((ssssssuua{sv})) []", "@a(ssssssuu) []"}) {
+    for (const char* const value : {"@a(ssssssuua{sv}) []",
+                                    "@ai []",
+                                    "@ab []",
+                                    "@ad []",
+                                    "@ax []",
+                                    "@ao []",
+                                    "@ag []",
+                                    "@ah []",
+                                    "@av []",
+                                    "@aai []",
+                                    "@aas []",
+                                    "@a{sv} {}",
+                                    "@a{ss} {}",
+                                    "@a{us} {}",
+                                    "@aa{sv} []",
+                                    "@a(s) []",
+                                    "@a(i) []",
+                                    "@a(usssssuua{sv}) []",
+                                    "@a(ssssssuua{ss}) []",
+                                    "@a((ssssssuua{sv})) []",
+                                    "@a(ssssssuu) []"}) {
         QTest::newRow(value) << value;
     }
 }
@@ -223,8 +265,8 @@ void MistypedMessagesTest::notificationsOfAnotherSignatureAreDropped()
     QVERIFY(mService.takeCalls().isEmpty());
 
     emitPropertiesChanged(QStringLiteral("{'views': <1>}"));
-    mService.emitSignal(ServiceSignal::propertiesChanged(QStringLiteral("/screen"), {},
-                                                         QStringLiteral("{'fullScreen': <1>}")));
+    mService.emitSignal(
+        ServiceSignal::propertiesChanged(QStringLiteral("/screen"), {}, QStringLiteral("{'fullScreen': <1>}")));
     PrivateBus::deliver();
     QCOMPARE(viewsChanged.size(), 1);
     QCOMPARE(fullScreenChanged.size(), 1);

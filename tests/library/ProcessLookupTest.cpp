@@ -5,7 +5,6 @@
 #include "TaskSwitcherTest.h"
 #include "TestMain.h"
 
-#include <QDebug>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -18,14 +17,6 @@ namespace {
 const quint32 cNotFound = 4294967295;
 const QString cProcessNameToPid = QStringLiteral("processNameToPid(constQString&)const");
 const QString cPidNotMatched = QStringLiteral("pid not matched with a view, return empty TaskSwitcherEntry");
-
-// As QDebug writes a string.
-QString quoted(const QString& text)
-{
-    QString result;
-    QDebug(&result) << text;
-    return result.chopped(1);
-}
 
 } // namespace
 
@@ -134,8 +125,9 @@ void ProcessLookupTest::aNameThatNobodyHasIsLogged()
     QFETCH(const QString, name);
     const TelvaroTaskSwitcherDBusConnector connector;
     QCOMPARE(connector.processNameToPid(name), cNotFound);
-    QCOMPARE(mLog->takeDescriptions(),
-             QStringList{logged(QStringLiteral("Unable to find process with name %1 \"\"").arg(quoted(name)))});
+    QCOMPARE(
+        mLog->takeDescriptions(),
+        QStringList{logged(QStringLiteral("Unable to find process with name %1 \"\"").arg(LogCapture::quoted(name)))});
 }
 
 void ProcessLookupTest::aNameThatTwoProcessesShareIsLogged()
@@ -227,13 +219,18 @@ void ProcessLookupTest::theOutputOfAFailureIsItsErrorText_data()
 {
     QTest::addColumn<QString>("script");
     QTest::addColumn<QString>("errorText");
-    QTest::newRow("status 1") << "exit 1" << "\"\"";
-    QTest::newRow("status 255") << "exit 255" << "\"\"";
-    QTest::newRow("a number all the same") << "echo 4711; exit 1" << "\"\"";
+    QTest::newRow("status 1") << "exit 1"
+                              << "\"\"";
+    QTest::newRow("status 255") << "exit 255"
+                                << "\"\"";
+    QTest::newRow("a number all the same") << "echo 4711; exit 1"
+                                           << "\"\"";
     QTest::newRow("error text") << "echo 'no such thing' >&2; echo more >&2; exit 2"
                                 << "\"no such thing\\nmore\\n\"";
-    QTest::newRow("killed") << "echo 4711; echo dying >&2; kill -KILL $$" << "\"dying\\n\"";
-    QTest::newRow("crashed") << "echo 4711; kill -SEGV $$" << "\"\"";
+    QTest::newRow("killed") << "echo 4711; echo dying >&2; kill -KILL $$"
+                            << "\"dying\\n\"";
+    QTest::newRow("crashed") << "echo 4711; kill -SEGV $$"
+                             << "\"\"";
 }
 
 void ProcessLookupTest::theOutputOfAFailureIsItsErrorText()
@@ -368,11 +365,11 @@ void ProcessLookupTest::surfacingWithoutServiceLogsEveryStep()
     PrivateBus::deliver();
     TelvaroTaskSwitcherDBusConnector connector;
     connector.surfaceToTop(QStringLiteral("name"));
-    QCOMPARE(mLog->takeDescriptions(),
-             (QStringList{logged(QStringLiteral("Unable to find process with name \"name\" \"\"")),
-                          warning(QStringLiteral("getViews()"), QStringLiteral("Invalid DBus interface!")),
-                          warning(QStringLiteral("pidToTaskSwitcherEntry(uint32_t)"), cPidNotMatched),
-                          notRegistered()}));
+    QCOMPARE(
+        mLog->takeDescriptions(),
+        (QStringList{logged(QStringLiteral("Unable to find process with name \"name\" \"\"")),
+                     warning(QStringLiteral("getViews()"), QStringLiteral("Invalid DBus interface!")),
+                     warning(QStringLiteral("pidToTaskSwitcherEntry(uint32_t)"), cPidNotMatched), notRegistered()}));
 }
 
 void ProcessLookupTest::theCurrentViewsProcessIsRecognised()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "QProcessHandler.h"
 #include "ChildProcess.h"
 #include "LogCapture.h"
-#include "QProcessHandler.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -115,9 +115,12 @@ void QProcessHandlerTest::theOutputIsTakenExactly_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("output");
-    QTest::newRow("number and line break") << "echo 4711" << "4711\n";
-    QTest::newRow("no line break") << "printf 4711" << "4711";
-    QTest::newRow("blanks") << "printf ' \\t\\n a \\r\\n\\n'" << " \t\n a \r\n\n";
+    QTest::newRow("number and line break") << "echo 4711"
+                                           << "4711\n";
+    QTest::newRow("no line break") << "printf 4711"
+                                   << "4711";
+    QTest::newRow("blanks") << "printf ' \\t\\n a \\r\\n\\n'"
+                            << " \t\n a \r\n\n";
     QTest::newRow("beyond ASCII") << "printf '\\303\\244'" << QString::fromUtf8("\xC3\xA4");
     QTest::newRow("NUL inside") << "printf 'a\\000b'" << QString::fromLatin1("a\0b", 3);
 }
@@ -237,8 +240,8 @@ void QProcessHandlerTest::aProgramThatClosesItsOutputsIsWaitedFor()
     const QTemporaryDir directory;
     const QString record = directory.filePath(QStringLiteral("ended"));
     QProcessHandler handler;
-    QCOMPARE(handler.startProcess(
-                 cShell, script(QStringLiteral("echo 1; exec >&- 2>&-; sleep 0.1; echo > '%1'").arg(record))),
+    QCOMPARE(handler.startProcess(cShell,
+                                  script(QStringLiteral("echo 1; exec >&- 2>&-; sleep 0.1; echo > '%1'").arg(record))),
              0);
     QVERIFY(QFile::exists(record));
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("1\n"));

@@ -40,8 +40,7 @@ void ServiceDescriptionTest::init()
         QStringLiteral("<node><interface name=\"org.freedesktop.DBus.Properties\"><method name=\"Get\">"
                        "<arg type=\"s\" direction=\"in\"/><arg type=\"s\" direction=\"in\"/>%1</method>"
                        "</interface></node>");
-    scriptDescription(QStringLiteral("/globaloverlay"),
-                      Behaviour::reply({ValueText::string(overlay.arg(annotation))}));
+    scriptDescription(QStringLiteral("/globaloverlay"), Behaviour::reply({ValueText::string(overlay.arg(annotation))}));
     scriptDescription(QStringLiteral("/taskswitcher"),
                       Behaviour::reply({ValueText::string(taskSwitcher.arg(annotation))}));
     scriptDescription(QStringLiteral("/org/freedesktop/Notifications"),
@@ -72,7 +71,8 @@ void ServiceDescriptionTest::aCallThatIsMarkedAsHavingNoReplyIsNotWaitedFor()
     QCOMPARE(calls, QStringList{QStringLiteral("no reply /globaloverlay de.Telvaro.globaloverlay.Show s('a')")});
     // Not marked.
     connector.hideGlobalOverlay();
-    QCOMPARE(mService.takeDescriptions(), QStringList{QStringLiteral("/globaloverlay de.Telvaro.globaloverlay.Hide ()")});
+    QCOMPARE(mService.takeDescriptions(),
+             QStringList{QStringLiteral("/globaloverlay de.Telvaro.globaloverlay.Hide ()")});
 }
 
 void ServiceDescriptionTest::aReadThatIsMarkedAsHavingNoReplyIsLogged()

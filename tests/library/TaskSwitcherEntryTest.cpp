@@ -159,8 +159,7 @@ void TaskSwitcherEntryTest::anEntryIsAValue()
 void TaskSwitcherEntryTest::isWrittenMemberByMember()
 {
     const TelvaroTaskSwitcherDBusConnector connector;
-    QCOMPARE(send(fullView()),
-             QStringLiteral("/echo org.example.Echo.Take (ssssssuua{sv})(%1)").arg(cFullViewText));
+    QCOMPARE(send(fullView()), QStringLiteral("/echo org.example.Echo.Take (ssssssuua{sv})(%1)").arg(cFullViewText));
 }
 
 void TaskSwitcherEntryTest::anEmptyEntryIsWrittenWithItsTypes()
@@ -248,11 +247,32 @@ void TaskSwitcherEntryTest::containersStayUnparsed()
 void TaskSwitcherEntryTest::attributesOfEveryTypeAreCarriedUnchanged_data()
 {
     QTest::addColumn<QString>("value");
-    for (const char* const value :
-         {"byte 0x07", "true", "int16 -3", "uint16 4", "-5", "uint32 6", "int64 -7", "uint64 18446744073709551615",
-          "0.125", "'text'", "objectpath '/a/b'", "signature 'a{sv}'", "<'nested'>", "[byte 0x01, 0x02]", "['a', 'b']",
-          "(1, 'a', [2.5])", "{'k': <1>}", "{'k': 'v'}", "[('a', 1), ('b', 2)]", "@ai []", "@a{sv} {}", "@as []",
-          "@ay []", "{uint32 1: 'one'}", "[<1>, <'two'>, <(3, 4)>]", "[['a'], ['b', 'c']]"}) {
+    for (const char* const value : {"byte 0x07",
+                                    "true",
+                                    "int16 -3",
+                                    "uint16 4",
+                                    "-5",
+                                    "uint32 6",
+                                    "int64 -7",
+                                    "uint64 18446744073709551615",
+                                    "0.125",
+                                    "'text'",
+                                    "objectpath '/a/b'",
+                                    "signature 'a{sv}'",
+                                    "<'nested'>",
+                                    "[byte 0x01, 0x02]",
+                                    "['a', 'b']",
+                                    "(1, 'a', [2.5])",
+                                    "{'k': <1>}",
+                                    "{'k': 'v'}",
+                                    "[('a', 1), ('b', 2)]",
+                                    "@ai []",
+                                    "@a{sv} {}",
+                                    "@as []",
+                                    "@ay []",
+                                    "{uint32 1: 'one'}",
+                                    "[<1>, <'two'>, <(3, 4)>]",
+                                    "[['a'], ['b', 'c']]"}) {
         QTest::newRow(value) << value;
     }
 }
@@ -299,8 +319,7 @@ void TaskSwitcherEntryTest::textsAreCarriedUnchanged()
 void TaskSwitcherEntryTest::anArrayIsReadInItsOrderWithDuplicates()
 {
     const QString twice = QStringLiteral("twice");
-    const QList<TaskSwitcherEntry> sent{makeView(twice, QStringLiteral("a")),
-                                        makeView(QString(), QStringLiteral("b")),
+    const QList<TaskSwitcherEntry> sent{makeView(twice, QStringLiteral("a")), makeView(QString(), QStringLiteral("b")),
                                         makeView(twice, QStringLiteral("c"))};
     QList<TaskSwitcherEntry> entries;
     receive(ValueText::views(sent)) >> entries;

@@ -14,13 +14,6 @@ const QString cSet = QStringLiteral("Set");
 const QString cViews = QStringLiteral("views");
 const QString cCurrentView = QStringLiteral("currentView");
 
-QString baseWarning(const QString& text)
-{
-    return QStringLiteral("warning default TelvaroDBusConnectorBase.cpp "
-                          "TelvaroDBusConnectorBase::isInterfaceValid()const ")
-        + text;
-}
-
 QString getCall(const QString& property)
 {
     return QStringLiteral("/taskswitcher org.freedesktop.DBus.Properties.Get ss('de.Telvaro.taskswitcher', '%1')")
@@ -57,18 +50,9 @@ bool TaskSwitcherTest::isEmpty(const TaskSwitcherEntry& entry)
 
 QString TaskSwitcherTest::warning(const QString& operation, const QString& text)
 {
-    return QStringLiteral("warning default TelvaroTaskSwitcherDBusConnector.cpp TelvaroTaskSwitcherDBusConnector::%1 %2")
+    return QStringLiteral(
+               "warning default TelvaroTaskSwitcherDBusConnector.cpp TelvaroTaskSwitcherDBusConnector::%1 %2")
         .arg(operation, text);
-}
-
-QString TaskSwitcherTest::notRegistered()
-{
-    return baseWarning(QStringLiteral("DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered"));
-}
-
-QString TaskSwitcherTest::invalidInterface()
-{
-    return baseWarning(QStringLiteral("Invalid DBus interface!"));
 }
 
 QString TaskSwitcherTest::getViewsCall()

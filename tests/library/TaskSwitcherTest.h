@@ -23,8 +23,6 @@ protected:
 
     /// A warning of one of the connector's operations, whose arguments are written without blanks.
     static QString warning(const QString& operation, const QString& text);
-    static QString notRegistered();
-    static QString invalidInterface();
 
     static QString getViewsCall();
     static QString getCurrentViewCall();

@@ -29,18 +29,6 @@ DBusConnectionParameter screenParameter()
     return DBusConnectionParameter::create(cServiceName, cPath, cInterface);
 }
 
-QString notRegistered(const QString& serviceName)
-{
-    return QStringLiteral("warning default TelvaroDBusConnectorBase.cpp "
-                          "TelvaroDBusConnectorBase::isInterfaceValid()const "
-                          "DBus Service for Telvaro \"%1\" is not registered")
-        .arg(serviceName);
-}
-
-const QString cInvalidInterface = QStringLiteral("warning default TelvaroDBusConnectorBase.cpp "
-                                                 "TelvaroDBusConnectorBase::isInterfaceValid()const "
-                                                 "Invalid DBus interface!");
-
 QStringList descriptions(const QList<RecordedCall>& calls)
 {
     QStringList texts;
@@ -131,7 +119,7 @@ void TelvaroDBusConnectorBaseTest::anAbsentServiceIsLogged()
     PrivateBus::deliver();
     const Base base(screenParameter());
     QVERIFY(!base.isInterfaceValid());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered(cServiceName)});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
 }
 
 void TelvaroDBusConnectorBaseTest::theServiceThatIsAskedForIsTheProxys()
@@ -153,7 +141,7 @@ void TelvaroDBusConnectorBaseTest::becomesValidWhenTheServiceAppears()
     PrivateBus::deliver();
     const Base base(screenParameter());
     QVERIFY(!base.isInterfaceValid());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered(cServiceName)});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     mService.own();
     PrivateBus::deliver();
     QVERIFY(base.isInterfaceValid());
@@ -166,7 +154,7 @@ void TelvaroDBusConnectorBaseTest::becomesInvalidWhenTheServiceLeavesAndValidWhe
         QVERIFY(base.isInterfaceValid());
         mService.release();
         QVERIFY(!base.isInterfaceValid());
-        QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered(cServiceName)});
+        QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
         mService.own();
         PrivateBus::deliver();
     }
@@ -179,7 +167,7 @@ void TelvaroDBusConnectorBaseTest::followsTheServiceThroughRestarts()
         mService.kill();
         PrivateBus::deliver();
         QVERIFY(!base.isInterfaceValid());
-        QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered(cServiceName)});
+        QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
         startService();
         QVERIFY(base.isInterfaceValid());
     }
@@ -189,7 +177,7 @@ void TelvaroDBusConnectorBaseTest::anInvalidProxyOfARegisteredServiceIsLogged()
 {
     const Base base(DBusConnectionParameter::create(cServiceName, cPath, QStringLiteral("no interface name")));
     QVERIFY(!base.isInterfaceValid());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cInvalidInterface});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidInterface()});
 }
 
 void TelvaroDBusConnectorBaseTest::aProxyFromBeforeTheServiceIsInvalidUntilTheLoopTurns()
@@ -199,7 +187,7 @@ void TelvaroDBusConnectorBaseTest::aProxyFromBeforeTheServiceIsInvalidUntilTheLo
     const Base base(screenParameter());
     mService.own();
     QVERIFY(!base.isInterfaceValid());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cInvalidInterface});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidInterface()});
     PrivateBus::deliver();
     QVERIFY(base.isInterfaceValid());
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "DeviceManifestManager.h"
 #include "TelvaroDeviceDistinction.h"
+#include "DeviceManifestManager.h"
 
 #include <QObject>
 #include <QString>
@@ -53,7 +53,9 @@ void TelvaroDeviceDistinctionTest::theFirstLookupIsTheOnlyOneAlsoForManyThreads(
     std::atomic<int> successes = 0;
     std::vector<std::thread> threads;
     for (int count = 0; count < 8; ++count) {
-        threads.emplace_back([&successes] { successes += TelvaroDeviceDistinction::isCompositorDevice() ? 1 : 0; });
+        threads.emplace_back([&successes] {
+            successes += TelvaroDeviceDistinction::isCompositorDevice() ? 1 : 0;
+        });
     }
     for (std::thread& thread : threads) {
         thread.join();

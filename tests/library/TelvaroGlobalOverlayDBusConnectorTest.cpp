@@ -18,8 +18,7 @@ struct CallHelper
     friend Member reach(CallHelper);
 };
 
-template <typename Tag, typename Tag::Member Private>
-struct Reach
+template <typename Tag, typename Tag::Member Private> struct Reach
 {
     friend typename Tag::Member reach(Tag)
     {
@@ -32,10 +31,6 @@ template struct Reach<CallHelper, &TelvaroGlobalOverlayDBusConnector::dbusCallHe
 const QString cPath = QStringLiteral("/globaloverlay");
 const QString cInterface = QStringLiteral("de.Telvaro.globaloverlay");
 const QString cHideCall = QStringLiteral("/globaloverlay de.Telvaro.globaloverlay.Hide ()");
-
-const QString cNotRegistered =
-    QStringLiteral("warning default TelvaroDBusConnectorBase.cpp TelvaroDBusConnectorBase::isInterfaceValid()const "
-                   "DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered");
 
 QString showCall(const QString& argument)
 {
@@ -114,11 +109,14 @@ void TelvaroGlobalOverlayDBusConnectorTest::showingSendsTheMessage_data()
 {
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("argument");
-    QTest::newRow("plain") << "Hello" << "'Hello'";
+    QTest::newRow("plain") << "Hello"
+                           << "'Hello'";
     QTest::newRow("null") << QString() << "''";
     QTest::newRow("empty") << QStringLiteral("") << "''";
-    QTest::newRow("blanks and lines") << "  a\n b\t" << "'  a\\n b\\t'";
-    QTest::newRow("markup") << "<b>&amp;</b> %1" << "'<b>&amp;</b> %1'";
+    QTest::newRow("blanks and lines") << "  a\n b\t"
+                                      << "'  a\\n b\\t'";
+    QTest::newRow("markup") << "<b>&amp;</b> %1"
+                            << "'<b>&amp;</b> %1'";
     QTest::newRow("beyond ASCII") << QString::fromUtf8("\xC3\xA4 \xF0\x9F\x9A\x97")
                                   << QString::fromUtf8("'\xC3\xA4 \xF0\x9F\x9A\x97'");
 }
@@ -229,7 +227,7 @@ void TelvaroGlobalOverlayDBusConnectorTest::aServiceThatLeavesMeanwhileIsIgnored
     connector.showGlobalOverlay(QStringLiteral("a"));
     QVERIFY(mLog->take().isEmpty());
     connector.showGlobalOverlay(QStringLiteral("a"));
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
 }
 
 void TelvaroGlobalOverlayDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsSent()
@@ -239,7 +237,7 @@ void TelvaroGlobalOverlayDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsS
     mService.release();
     connector.showGlobalOverlay(QStringLiteral("a"));
     connector.hideGlobalOverlay();
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cNotRegistered}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), notRegistered()}));
     QVERIFY(mService.takeCalls().isEmpty());
 }
 
@@ -248,7 +246,7 @@ void TelvaroGlobalOverlayDBusConnectorTest::aServiceThatIsBackIsUsed()
     TelvaroGlobalOverlayDBusConnector connector;
     mService.kill();
     connector.hideGlobalOverlay();
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     startService();
     mService.takeCalls();
     connector.hideGlobalOverlay();

@@ -12,10 +12,6 @@ namespace {
 const QString cPath = QStringLiteral("/org/freedesktop/Notifications");
 const QString cInterface = QStringLiteral("org.freedesktop.Notifications");
 
-const QString cNotRegistered =
-    QStringLiteral("warning default TelvaroDBusConnectorBase.cpp TelvaroDBusConnectorBase::isInterfaceValid()const "
-                   "DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered");
-
 QString notifyCall(const QString& texts, const QString& actions)
 {
     return QStringLiteral("/org/freedesktop/Notifications org.freedesktop.Notifications.Notify "
@@ -85,19 +81,29 @@ void TelvaroNotificationDBusConnectorTest::everyArgumentIsSent_data()
     QTest::addColumn<QStringList>("actions");
     QTest::addColumn<QString>("texts");
     QTest::addColumn<QString>("actionTexts");
-    QTest::newRow("all given") << "icon" << "summary" << "body"
+    QTest::newRow("all given") << "icon"
+                               << "summary"
+                               << "body"
                                << QStringList{QStringLiteral("z"), QStringLiteral("Last"), QStringLiteral("a"),
                                               QStringLiteral("First")}
-                               << "'icon', 'summary', 'body'" << "['z', 'Last', 'a', 'First']";
-    QTest::newRow("all empty") << QString() << QString() << QStringLiteral("") << QStringList()
-                               << "'', '', ''" << "@as []";
-    QTest::newRow("odd actions") << "/path/icon.png" << "s" << "b" << QStringList{QStringLiteral("only")}
-                                 << "'/path/icon.png', 's', 'b'" << "['only']";
+                               << "'icon', 'summary', 'body'"
+                               << "['z', 'Last', 'a', 'First']";
+    QTest::newRow("all empty") << QString() << QString() << QStringLiteral("") << QStringList() << "'', '', ''"
+                               << "@as []";
+    QTest::newRow("odd actions") << "/path/icon.png"
+                                 << "s"
+                                 << "b" << QStringList{QStringLiteral("only")} << "'/path/icon.png', 's', 'b'"
+                                 << "['only']";
     QTest::newRow("empty and equal actions")
-        << "i" << "s" << "b" << QStringList{QString(), QStringLiteral("a"), QStringLiteral("a")}
-        << "'i', 's', 'b'" << "['', 'a', 'a']";
-    QTest::newRow("untouched texts") << " i " << "<b>s</b>" << "a &amp; b\n%1" << QStringList{QStringLiteral(" ")}
-                                     << "' i ', '<b>s</b>', 'a &amp; b\\n%1'" << "[' ']";
+        << "i"
+        << "s"
+        << "b" << QStringList{QString(), QStringLiteral("a"), QStringLiteral("a")} << "'i', 's', 'b'"
+        << "['', 'a', 'a']";
+    QTest::newRow("untouched texts") << " i "
+                                     << "<b>s</b>"
+                                     << "a &amp; b\n%1" << QStringList{QStringLiteral(" ")}
+                                     << "' i ', '<b>s</b>', 'a &amp; b\\n%1'"
+                                     << "[' ']";
 }
 
 void TelvaroNotificationDBusConnectorTest::everyArgumentIsSent()
@@ -145,7 +151,7 @@ void TelvaroNotificationDBusConnectorTest::aForeignNotificationServerIsNotAddres
     PrivateBus::deliver();
     TelvaroNotificationDBusConnector connector;
     connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     QVERIFY(foreign.takeCalls().isEmpty());
 }
 
@@ -185,7 +191,7 @@ void TelvaroNotificationDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsSe
     mService.takeCalls();
     mService.release();
     connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     QVERIFY(mService.takeCalls().isEmpty());
 }
 

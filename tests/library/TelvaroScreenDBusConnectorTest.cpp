@@ -32,24 +32,13 @@ QString warning(const QString& operation, const QString& text)
         .arg(operation, text);
 }
 
-QString baseWarning(const QString& text)
-{
-    return QStringLiteral("warning default TelvaroDBusConnectorBase.cpp "
-                          "TelvaroDBusConnectorBase::isInterfaceValid()const ")
-        + text;
-}
-
-const QString cNotRegistered =
-    baseWarning(QStringLiteral("DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered"));
-const QString cInvalidInterface = baseWarning(QStringLiteral("Invalid DBus interface!"));
 const QString cUnconvertedScreenSaver =
     warning(QStringLiteral("isScreenSaverActive()"),
             QStringLiteral("Unable to convert property  \"screenSaverActive\" to bool!"));
-const QString cUnconvertedFullScreen = warning(QStringLiteral("getFullScreen()"),
-                                               QStringLiteral("Unable to convert property  \"fullScreen\" to bool!"));
-const QString cUnconvertedOrientation =
-    warning(QStringLiteral("getOrientation()"),
-            QStringLiteral("Unable to convert property  \"orientation\" to QString!"));
+const QString cUnconvertedFullScreen =
+    warning(QStringLiteral("getFullScreen()"), QStringLiteral("Unable to convert property  \"fullScreen\" to bool!"));
+const QString cUnconvertedOrientation = warning(
+    QStringLiteral("getOrientation()"), QStringLiteral("Unable to convert property  \"orientation\" to QString!"));
 
 QString unread(const QString& property)
 {
@@ -195,8 +184,11 @@ void TelvaroScreenDBusConnectorTest::theMetaObjectHasItsMembersInOrder()
         {"setOrientation(QString)", {"orientation"}, "void", QMetaMethod::Slot, QMetaMethod::Public},
         {"setFullScreen(bool)", {"fullScreen"}, "void", QMetaMethod::Slot, QMetaMethod::Public},
         {"getFullScreen()", {}, "bool", QMetaMethod::Slot, QMetaMethod::Public},
-        {"onScreenPropertiesChanged(QString,QVariantMap,QStringList)", {"name", "map", "list"}, "void",
-         QMetaMethod::Slot, QMetaMethod::Private},
+        {"onScreenPropertiesChanged(QString,QVariantMap,QStringList)",
+         {"name", "map", "list"},
+         "void",
+         QMetaMethod::Slot,
+         QMetaMethod::Private},
     };
     const QMetaObject& metaObject = TelvaroScreenDBusConnector::staticMetaObject;
     QCOMPARE(metaObject.className(), "TelvaroScreenDBusConnector");
@@ -263,7 +255,7 @@ void TelvaroScreenDBusConnectorTest::constructionWithoutServiceLogsAndSubscribes
     mService.release();
     PrivateBus::deliver();
     TelvaroScreenDBusConnector connector;
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cUnconvertedScreenSaver}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), cUnconvertedScreenSaver}));
     const QSignalSpy screenSaverActiveChanged(&connector, &TelvaroScreenDBusConnector::screenSaverActiveChanged);
     mService.own();
     PrivateBus::deliver();
@@ -283,26 +275,48 @@ void TelvaroScreenDBusConnectorTest::settersSendTheirValue_data()
     QTest::addColumn<Setter>("setter");
     QTest::addColumn<QString>("property");
     QTest::addColumn<QString>("value");
-    const auto addRow = [](const char* name, Setter setter, const char* property, const char* value) {
+    const auto addRow = [](const char* name, const char* property, const char* value, Setter setter) {
         QTest::newRow(name) << setter << property << value;
     };
     const char enabled[] = "screenSaverEnabled";
     const char timeout[] = "screenSaverTimeoutSeconds";
     const char orientation[] = "orientation";
-    addRow("enable", [](Connector& c) { c.enableScreenSaver(); }, enabled, "true");
-    addRow("disable", [](Connector& c) { c.disableScreenSaver(); }, enabled, "false");
-    addRow("timeout 300", [](Connector& c) { c.setScreenSaverTimeout(300); }, timeout, "300");
-    addRow("timeout 0", [](Connector& c) { c.setScreenSaverTimeout(0); }, timeout, "0");
-    addRow("timeout -1", [](Connector& c) { c.setScreenSaverTimeout(-1); }, timeout, "-1");
-    addRow("longest timeout", [](Connector& c) { c.setScreenSaverTimeout(2147483647); }, timeout, "2147483647");
-    addRow("landscape", [](Connector& c) { c.setOrientation(Connector::getOrientationLandscape()); }, orientation,
-           "'0'");
-    addRow("180", [](Connector& c) { c.setOrientation(QStringLiteral("180")); }, orientation, "'180'");
-    addRow("empty", [](Connector& c) { c.setOrientation(QString()); }, orientation, "''");
-    addRow("anything", [](Connector& c) { c.setOrientation(QStringLiteral(" Up side-down ")); }, orientation,
-           "' Up side-down '");
-    addRow("full", [](Connector& c) { c.setFullScreen(true); }, "fullScreen", "true");
-    addRow("not full", [](Connector& c) { c.setFullScreen(false); }, "fullScreen", "false");
+    addRow("enable", enabled, "true", [](Connector& c) {
+        c.enableScreenSaver();
+    });
+    addRow("disable", enabled, "false", [](Connector& c) {
+        c.disableScreenSaver();
+    });
+    addRow("timeout 300", timeout, "300", [](Connector& c) {
+        c.setScreenSaverTimeout(300);
+    });
+    addRow("timeout 0", timeout, "0", [](Connector& c) {
+        c.setScreenSaverTimeout(0);
+    });
+    addRow("timeout -1", timeout, "-1", [](Connector& c) {
+        c.setScreenSaverTimeout(-1);
+    });
+    addRow("longest timeout", timeout, "2147483647", [](Connector& c) {
+        c.setScreenSaverTimeout(2147483647);
+    });
+    addRow("landscape", orientation, "'0'", [](Connector& c) {
+        c.setOrientation(Connector::getOrientationLandscape());
+    });
+    addRow("180", orientation, "'180'", [](Connector& c) {
+        c.setOrientation(QStringLiteral("180"));
+    });
+    addRow("empty", orientation, "''", [](Connector& c) {
+        c.setOrientation(QString());
+    });
+    addRow("anything", orientation, "' Up side-down '", [](Connector& c) {
+        c.setOrientation(QStringLiteral(" Up side-down "));
+    });
+    addRow("full", "fullScreen", "true", [](Connector& c) {
+        c.setFullScreen(true);
+    });
+    addRow("not full", "fullScreen", "false", [](Connector& c) {
+        c.setFullScreen(false);
+    });
 }
 
 void TelvaroScreenDBusConnectorTest::settersSendTheirValue()
@@ -351,7 +365,7 @@ void TelvaroScreenDBusConnectorTest::settersWithoutServiceSendNothing()
     connector.setOrientation(QStringLiteral("90"));
     connector.setFullScreen(true);
     QCOMPARE(mLog->takeDescriptions(),
-             (QStringList{cNotRegistered, cNotRegistered, cNotRegistered, cNotRegistered, cNotRegistered}));
+             (QStringList{notRegistered(), notRegistered(), notRegistered(), notRegistered(), notRegistered()}));
     QVERIFY(mService.takeCalls().isEmpty());
 }
 
@@ -364,7 +378,7 @@ void TelvaroScreenDBusConnectorTest::settersOfAnUnnoticedServiceSendNothing()
     mService.own();
     mService.takeCalls();
     connector.setFullScreen(true);
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cInvalidInterface});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidInterface()});
     QVERIFY(mService.takeCalls().isEmpty());
 }
 
@@ -445,17 +459,28 @@ void TelvaroScreenDBusConnectorTest::likeValuesAreReadAsOrientation_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("string") << "'90'" << "90";
-    QTest::newRow("empty string") << "''" << "";
-    QTest::newRow("byte") << "byte 0x5a" << "90";
-    QTest::newRow("int16") << "int16 -90" << "-90";
-    QTest::newRow("uint16") << "uint16 90" << "90";
-    QTest::newRow("int32") << "90" << "90";
-    QTest::newRow("uint32") << "uint32 4294967295" << "4294967295";
-    QTest::newRow("int64") << "int64 90" << "90";
-    QTest::newRow("uint64") << "uint64 90" << "90";
-    QTest::newRow("fraction") << "22.5" << "22.5";
-    QTest::newRow("bool") << "true" << "true";
+    QTest::newRow("string") << "'90'"
+                            << "90";
+    QTest::newRow("empty string") << "''"
+                                  << "";
+    QTest::newRow("byte") << "byte 0x5a"
+                          << "90";
+    QTest::newRow("int16") << "int16 -90"
+                           << "-90";
+    QTest::newRow("uint16") << "uint16 90"
+                            << "90";
+    QTest::newRow("int32") << "90"
+                           << "90";
+    QTest::newRow("uint32") << "uint32 4294967295"
+                            << "4294967295";
+    QTest::newRow("int64") << "int64 90"
+                           << "90";
+    QTest::newRow("uint64") << "uint64 90"
+                            << "90";
+    QTest::newRow("fraction") << "22.5"
+                              << "22.5";
+    QTest::newRow("bool") << "true"
+                          << "true";
 }
 
 void TelvaroScreenDBusConnectorTest::likeValuesAreReadAsOrientation()
@@ -500,9 +525,9 @@ void TelvaroScreenDBusConnectorTest::unusableRepliesAreLogged()
 {
     QFETCH(const QStringList, reply);
     TelvaroScreenDBusConnector connector;
-    scriptGet(QString(), {reply == QStringList{QStringLiteral("error")}
-                              ? Behaviour::error(cFailed, QStringLiteral("no"))
-                              : Behaviour::reply(reply)});
+    scriptGet(QString(),
+              {reply == QStringList{QStringLiteral("error")} ? Behaviour::error(cFailed, QStringLiteral("no"))
+                                                             : Behaviour::reply(reply)});
     QVERIFY(!connector.getProperty(cFullScreen).isValid());
     QCOMPARE(mLog->takeDescriptions(), QStringList{unread(cFullScreen)});
     QVERIFY(!connector.isScreenSaverActive());
@@ -529,13 +554,13 @@ void TelvaroScreenDBusConnectorTest::readsWithoutServiceAreLogged()
     mService.release();
     mService.takeCalls();
     QVERIFY(!connector.isScreenSaverActive());
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cUnconvertedScreenSaver}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), cUnconvertedScreenSaver}));
     QVERIFY(!connector.getFullScreen());
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cUnconvertedFullScreen}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), cUnconvertedFullScreen}));
     QCOMPARE(connector.getOrientation(), QString());
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cUnconvertedOrientation}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), cUnconvertedOrientation}));
     QVERIFY(!connector.getProperty(cOrientation).isValid());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{cNotRegistered});
+    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     QVERIFY(mService.takeCalls().isEmpty());
 }
 
@@ -558,8 +583,9 @@ void TelvaroScreenDBusConnectorTest::propertiesAreWrittenAsTheyAre()
     mService.takeCalls();
     connector.setProperty(QStringLiteral("other"), QDBusVariant(QVariant::fromValue(QDBusVariant(3u))));
     connector.setProperty(QString(), QDBusVariant(QStringList{QStringLiteral("a")}));
-    QCOMPARE(mService.takeDescriptions(), (QStringList{setCall(QStringLiteral("other"), QStringLiteral("<uint32 3>")),
-                                                       setCall(QString(), QStringLiteral("['a']"))}));
+    QCOMPARE(mService.takeDescriptions(),
+             (QStringList{setCall(QStringLiteral("other"), QStringLiteral("<uint32 3>")),
+                          setCall(QString(), QStringLiteral("['a']"))}));
 }
 
 void TelvaroScreenDBusConnectorTest::thePropertiesOfTheObjectAreStillReachable()
@@ -658,12 +684,15 @@ void TelvaroScreenDBusConnectorTest::aNotificationOfAllThreeEmitsInOrder()
 {
     TelvaroScreenDBusConnector connector;
     QStringList emitted;
-    QObject::connect(&connector, &TelvaroScreenDBusConnector::fullScreenChanged, &connector,
-                     [&emitted] { emitted.append(cFullScreen); });
-    QObject::connect(&connector, &TelvaroScreenDBusConnector::screenOrientationChanged, &connector,
-                     [&emitted] { emitted.append(cOrientation); });
-    QObject::connect(&connector, &TelvaroScreenDBusConnector::screenSaverActiveChanged, &connector,
-                     [&emitted] { emitted.append(cScreenSaverActive); });
+    QObject::connect(&connector, &TelvaroScreenDBusConnector::fullScreenChanged, &connector, [&emitted] {
+        emitted.append(cFullScreen);
+    });
+    QObject::connect(&connector, &TelvaroScreenDBusConnector::screenOrientationChanged, &connector, [&emitted] {
+        emitted.append(cOrientation);
+    });
+    QObject::connect(&connector, &TelvaroScreenDBusConnector::screenSaverActiveChanged, &connector, [&emitted] {
+        emitted.append(cScreenSaverActive);
+    });
     setProperty(cScreenSaverActive, QStringLiteral("true"));
     setProperty(cOrientation, QStringLiteral("'90'"));
     setProperty(cFullScreen, QStringLiteral("true"));

@@ -10,7 +10,6 @@
 
 #include <QDBusInterface>
 #include <QDBusReply>
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -21,10 +20,6 @@ const QString cPath = QStringLiteral("/screenshot");
 const QString cInterface = QStringLiteral("de.Telvaro.screenshot");
 const QString cMethod = QStringLiteral("ScreenShot");
 
-const QString cNotRegistered =
-    QStringLiteral("warning default TelvaroDBusConnectorBase.cpp TelvaroDBusConnectorBase::isInterfaceValid()const "
-                   "DBus Service for Telvaro \"" TELVARO_SERVICE_NAME "\" is not registered");
-
 QString warning(const QString& text)
 {
     return QStringLiteral("warning default TelvaroScreenShotDBusConnector.cpp "
@@ -32,23 +27,15 @@ QString warning(const QString& text)
         + text;
 }
 
-// As QDebug writes a string.
-QString quoted(const QString& text)
-{
-    QString result;
-    QDebug(&result) << text;
-    return result.chopped(1);
-}
-
 QString missingDirectory(const QString& directory)
 {
     return warning(QStringLiteral("Unable to capture screenshot, store directory does not exists ")
-                   + quoted(directory));
+                   + LogCapture::quoted(directory));
 }
 
 QString invalidReply(const QString& message)
 {
-    return warning(QStringLiteral("Reply of  \"ScreenShot\" is invalid! ") + quoted(message));
+    return warning(QStringLiteral("Reply of  \"ScreenShot\" is invalid! ") + LogCapture::quoted(message));
 }
 
 QString screenShotCall(const QString& directory)
@@ -280,7 +267,7 @@ void TelvaroScreenShotDBusConnectorTest::anAbsentServiceIsTestedBeforeTheDirecto
     mService.release();
     QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
     QVERIFY(!connector.captureScreenShot(QStringLiteral("/no/such/folder")).has_value());
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{cNotRegistered, cNotRegistered}));
+    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), notRegistered()}));
     QVERIFY(mService.takeCalls().isEmpty());
 }
 

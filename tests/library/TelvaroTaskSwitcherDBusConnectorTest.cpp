@@ -111,8 +111,7 @@ void TelvaroTaskSwitcherDBusConnectorTest::theMetaObjectHasItsMembersInOrder()
     QCOMPARE(viewsChanged.methodType(), QMetaMethod::Signal);
 
     const QMetaMethod onPropertiesChanged = metaObject.method(metaObject.methodOffset() + 2);
-    QCOMPARE(onPropertiesChanged.methodSignature(),
-             QByteArray("onPropertiesChanged(QString,QVariantMap,QStringList)"));
+    QCOMPARE(onPropertiesChanged.methodSignature(), QByteArray("onPropertiesChanged(QString,QVariantMap,QStringList)"));
     QCOMPARE(onPropertiesChanged.parameterNames(), (QList<QByteArray>{"name", "map", "list"}));
     QCOMPARE(onPropertiesChanged.methodType(), QMetaMethod::Slot);
     QCOMPARE(onPropertiesChanged.access(), QMetaMethod::Private);
@@ -568,9 +567,8 @@ void TelvaroTaskSwitcherDBusConnectorTest::theInterfaceNameOfTheNotificationIsNo
 {
     TelvaroTaskSwitcherDBusConnector connector;
     const QSignalSpy viewsChanged(&connector, &TelvaroTaskSwitcherDBusConnector::viewsChanged);
-    mService.emitSignal(ServiceSignal::propertiesChanged(QStringLiteral("/taskswitcher"),
-                                                         QStringLiteral("org.example.Foreign"),
-                                                         QStringLiteral("{'views': <1>}")));
+    mService.emitSignal(ServiceSignal::propertiesChanged(
+        QStringLiteral("/taskswitcher"), QStringLiteral("org.example.Foreign"), QStringLiteral("{'views': <1>}")));
     PrivateBus::deliver();
     QCOMPARE(viewsChanged.size(), 1);
 }
@@ -581,8 +579,7 @@ void TelvaroTaskSwitcherDBusConnectorTest::notificationsOfOtherPathsAndServicesA
     const QSignalSpy viewsChanged(&connector, &TelvaroTaskSwitcherDBusConnector::viewsChanged);
     const QString interface = QStringLiteral("de.Telvaro.taskswitcher");
     const QString changed = QStringLiteral("{'views': <1>}");
-    const ServiceSignal right =
-        ServiceSignal::propertiesChanged(QStringLiteral("/taskswitcher"), interface, changed);
+    const ServiceSignal right = ServiceSignal::propertiesChanged(QStringLiteral("/taskswitcher"), interface, changed);
     ServiceSignal otherPath = right;
     otherPath.path = QStringLiteral("/screen");
     ServiceSignal otherInterface = right;

@@ -3,8 +3,7 @@
 #pragma once
 
 /// A connector whose proxy is in reach.
-template <typename Connector>
-class WithProxy : public Connector
+template <typename Connector> class WithProxy : public Connector
 {
 public:
     using Connector::Connector;

@@ -23,8 +23,8 @@ QJsonObject callEveryOperation()
 {
     LogCapture log;
     Connectors connectors;
-    QJsonObject outcomes{{QStringLiteral("construction"),
-                          QJsonArray{QString(), QJsonArray::fromStringList(log.takeTexts())}}};
+    QJsonObject outcomes{
+        {QStringLiteral("construction"), QJsonArray{QString(), QJsonArray::fromStringList(log.takeTexts())}}};
     for (const NamedOperation& operation : everyOperation()) {
         const QString result = operation.call(connectors);
         outcomes.insert(operation.name, QJsonArray{result, QJsonArray::fromStringList(log.takeTexts())});

@@ -34,8 +34,7 @@ BusMonitor::BusMonitor(const QString& address)
         mFilter = g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr);
         reply.reset(g_dbus_connection_call_sync(
             mConnection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
-            "BecomeMonitor", g_variant_new("(asu)", nullptr, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
-            &error));
+            "BecomeMonitor", g_variant_new("(asu)", nullptr, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
     }
     if (!reply) {
         const std::string reason = error->message;

@@ -43,7 +43,8 @@ QString describeString(GVariant* string)
         g_free(text);
         return description;
     }
-    gchar* const digest = g_compute_checksum_for_data(G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(bytes), length);
+    gchar* const digest =
+        g_compute_checksum_for_data(G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(bytes), length);
     const QString description = QStringLiteral("%1 bytes with SHA-256 %2").arg(length).arg(QString::fromUtf8(digest));
     g_free(digest);
     return description;

@@ -8,16 +8,21 @@
 
 struct GObjectUnref
 {
-    void operator()(gpointer object) const { g_object_unref(object); }
+    void operator()(gpointer object) const
+    {
+        g_object_unref(object);
+    }
 };
 
 /// Owns one reference to a GObject.
-template <typename T>
-using GObjectPointer = std::unique_ptr<T, GObjectUnref>;
+template <typename T> using GObjectPointer = std::unique_ptr<T, GObjectUnref>;
 
 struct GVariantUnref
 {
-    void operator()(GVariant* value) const { g_variant_unref(value); }
+    void operator()(GVariant* value) const
+    {
+        g_variant_unref(value);
+    }
 };
 
 /// Owns one reference to a GVariant.

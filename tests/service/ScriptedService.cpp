@@ -226,17 +226,17 @@ void ScriptedService::answerByDefault(GDBusMessage* call, const Target& target)
         sendReply(call, GVariantPointer(g_variant_ref_sink(g_variant_new("(v)", value.get()))));
     } else if (target.interface == QLatin1String(cPropertiesInterface) && target.member == QLatin1String("Set")) {
         if (mStateful) {
-            const QString value = DBusMessageText::describe(call).value(QLatin1String("arguments")).toArray().at(2)
-                                      .toString();
+            const QString value =
+                DBusMessageText::describe(call).value(QLatin1String("arguments")).toArray().at(2).toString();
             // The third argument is a variant, printed as <value>.
             mProperties.insert(stored, value.mid(1, value.size() - 2));
-            emitSignal({{QStringLiteral("path"), target.path},
-                        {QStringLiteral("interface"), QLatin1String(cPropertiesInterface)},
-                        {QStringLiteral("member"), QStringLiteral("PropertiesChanged")},
-                        {QStringLiteral("arguments"),
-                         QJsonArray{QStringLiteral("'%1'").arg(stored.interface),
-                                    QStringLiteral("{'%1': %2}").arg(stored.property, value),
-                                    QStringLiteral("@as []")}}});
+            emitSignal(
+                {{QStringLiteral("path"), target.path},
+                 {QStringLiteral("interface"), QLatin1String(cPropertiesInterface)},
+                 {QStringLiteral("member"), QStringLiteral("PropertiesChanged")},
+                 {QStringLiteral("arguments"),
+                  QJsonArray{QStringLiteral("'%1'").arg(stored.interface),
+                             QStringLiteral("{'%1': %2}").arg(stored.property, value), QStringLiteral("@as []")}}});
         }
         sendReply(call, nullptr);
     } else {
@@ -279,16 +279,16 @@ void ScriptedService::sendError(GDBusMessage* call, const QString& name, const Q
     if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) != 0) {
         return;
     }
-    const GObjectPointer<GDBusMessage> reply(g_dbus_message_new_method_error_literal(
-        call, name.toUtf8().constData(), text.toUtf8().constData()));
+    const GObjectPointer<GDBusMessage> reply(
+        g_dbus_message_new_method_error_literal(call, name.toUtf8().constData(), text.toUtf8().constData()));
     send(reply.get());
 }
 
 void ScriptedService::emitSignal(const QJsonObject& signal)
 {
-    const GObjectPointer<GDBusMessage> message(g_dbus_message_new_signal(
-        text(signal, "path").toUtf8().constData(), text(signal, "interface").toUtf8().constData(),
-        text(signal, "member").toUtf8().constData()));
+    const GObjectPointer<GDBusMessage> message(g_dbus_message_new_signal(text(signal, "path").toUtf8().constData(),
+                                                                         text(signal, "interface").toUtf8().constData(),
+                                                                         text(signal, "member").toUtf8().constData()));
     if (signal.contains(QLatin1String("destination"))) {
         g_dbus_message_set_destination(message.get(), text(signal, "destination").toUtf8().constData());
     }
@@ -334,9 +334,9 @@ void ScriptedService::expectResult(const GVariantPointer& reply, guint32 expecte
 GVariantPointer ScriptedService::callBusDaemon(const char* member, GVariant* arguments)
 {
     GError* error = nullptr;
-    GVariantPointer reply(g_dbus_connection_call_sync(
-        mConnection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member, arguments,
-        nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
+    GVariantPointer reply(g_dbus_connection_call_sync(mConnection.get(), "org.freedesktop.DBus",
+                                                      "/org/freedesktop/DBus", "org.freedesktop.DBus", member,
+                                                      arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
     if (!reply) {
         throw failure(member, error);
     }

@@ -8,7 +8,6 @@ int main()
 {
     std::cout << "running" << std::endl;
     std::string line;
-    while (std::getline(std::cin, line)) {
-    }
+    while (std::getline(std::cin, line)) { }
     return 0;
 }

@@ -57,7 +57,7 @@ private Q_SLOTS:
     void everyStepDoesWhatItShouldAndLeavesItsPicture()
     {
         ChildProcess demo;
-        start(demo, QStringLiteral(TELVARO_TEST_CLIENT));
+        start(demo, QStringLiteral(TELVARO_NOTES));
         QVERIFY(demo.waitForFinished(cDemoDeadline));
         const QString output = QString::fromUtf8(demo.readAll());
         QVERIFY2(demo.exitStatus() == QProcess::NormalExit && demo.exitCode() == 0, qPrintable(output));
@@ -90,7 +90,7 @@ private Q_SLOTS:
     void anInterruptedDemoEndsWhatItStarted()
     {
         ChildProcess demo;
-        start(demo, QStringLiteral(TELVARO_TEST_CLIENT));
+        start(demo, QStringLiteral(TELVARO_NOTES));
         const QRegularExpression flowerName(QStringLiteral("demo-flower-[0-9]+"));
         QString flower;
         while (flower.isEmpty()) {

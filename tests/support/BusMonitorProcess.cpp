@@ -17,8 +17,8 @@ QList<RecordedCall> BusMonitorProcess::takeCalls()
     // Sent on the observed connection, the marker comes after everything that was sent before it.
     const QString marker = QStringLiteral("Marker%1").arg(++mMarker);
     const QDBusConnection connection = PrivateBus::connection();
-    connection.send(QDBusMessage::createSignal(QStringLiteral("/marker"), QStringLiteral("org.example.Marker"),
-                                               marker));
+    connection.send(
+        QDBusMessage::createSignal(QStringLiteral("/marker"), QStringLiteral("org.example.Marker"), marker));
     const QJsonObject answer = command({{QStringLiteral("marker"), marker}});
     QList<RecordedCall> calls;
     for (const RecordedCall& call : RecordedCall::fromJson(answer.value(QLatin1String("calls")).toArray())) {

@@ -81,7 +81,11 @@ void ChildProcess::freeze()
 {
     const qint64 id = processId();
     ::kill(static_cast<pid_t>(id), SIGSTOP);
-    if (!QTest::qWaitFor([id] { return isStopped(id); }, cDeadline)) {
+    if (!QTest::qWaitFor(
+            [id] {
+                return isStopped(id);
+            },
+            cDeadline)) {
         throw std::runtime_error(program().toStdString() + " does not stop");
     }
 }

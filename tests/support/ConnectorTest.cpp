@@ -8,6 +8,17 @@
 #include <QDBusConnectionInterface>
 #include <QTest>
 
+namespace {
+
+QString baseWarning(const QString& text)
+{
+    return QStringLiteral("warning default TelvaroDBusConnectorBase.cpp "
+                          "TelvaroDBusConnectorBase::isInterfaceValid()const ")
+        + text;
+}
+
+} // namespace
+
 void ConnectorTest::initTestCase()
 {
     QVERIFY2(TelvaroDeviceDistinction::isCompositorDevice(),
@@ -41,4 +52,14 @@ void ConnectorTest::startService()
     mService.start();
     mService.own();
     PrivateBus::deliver();
+}
+
+QString ConnectorTest::notRegistered(const QString& serviceName)
+{
+    return baseWarning(QStringLiteral("DBus Service for Telvaro \"%1\" is not registered").arg(serviceName));
+}
+
+QString ConnectorTest::invalidInterface()
+{
+    return baseWarning(QStringLiteral("Invalid DBus interface!"));
 }

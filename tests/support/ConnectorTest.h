@@ -24,6 +24,10 @@ protected:
     /// Starts the service, again where it has ended, and lets this process notice it.
     void startService();
 
+    /// The warnings of the connectors' common test, as LogCapture describes them.
+    static QString notRegistered(const QString& serviceName = QStringLiteral(TELVARO_SERVICE_NAME));
+    static QString invalidInterface();
+
     ScriptedServiceProcess mService;
     std::unique_ptr<LogCapture> mLog;
 };

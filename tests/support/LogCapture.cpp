@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "LogCapture.h"
 
+#include <QDebug>
 #include <QMessageLogContext>
 #include <QMutex>
 #include <QMutexLocker>
@@ -96,4 +97,11 @@ QStringList LogCapture::takeDescriptions()
         descriptions.append(description(message));
     }
     return descriptions;
+}
+
+QString LogCapture::quoted(const QString& text)
+{
+    QString result;
+    QDebug(&result) << text;
+    return result.chopped(1);
 }

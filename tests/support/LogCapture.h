@@ -37,6 +37,9 @@ public:
     /// line is left out where it is positive, blanks within the function's signature and its result type are dropped.
     QStringList takeDescriptions();
 
+    /// A text as it stands in a message to which it was streamed: in double quotes, escaped.
+    static QString quoted(const QString& text);
+
 private:
     QtMessageHandler mPrevious;
 };

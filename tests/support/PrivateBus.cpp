@@ -35,9 +35,9 @@ QDBusConnection PrivateBus::connection()
 void PrivateBus::synchronise()
 {
     // What the bus has sent before an answer is queued for its receivers in this process before the answer is here.
-    const QDBusMessage query = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+    const QDBusMessage query =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
     connection().call(query);
 }
 
@@ -92,7 +92,8 @@ void PrivateBus::writeConfiguration(const QString& path) const
   <limit name="max_match_rules_per_connection">50000</limit>
   <limit name="max_replies_per_connection">50000</limit>
 </busconfig>
-)").arg(mDirectory.path());
+)")
+                                      .arg(mDirectory.path());
     if (!file.open(QIODevice::WriteOnly) || file.write(configuration.toUtf8()) < 0) {
         throw std::runtime_error("cannot write " + path.toStdString());
     }

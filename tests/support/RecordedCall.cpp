@@ -10,8 +10,8 @@ QList<RecordedCall> RecordedCall::fromJson(const QJsonArray& calls)
     QList<RecordedCall> recordedCalls;
     for (const QJsonValue& value : calls) {
         const QJsonObject call = value.toObject();
-        const auto text = [&call](const char* member) {
-            return call.value(QLatin1String(member)).toString();
+        const auto text = [&call](const char* key) {
+            return call.value(QLatin1String(key)).toString();
         };
         QStringList arguments;
         for (const QJsonValue& argument : call.value(QLatin1String("arguments")).toArray()) {

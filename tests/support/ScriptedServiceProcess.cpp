@@ -41,7 +41,9 @@ QJsonObject makeScript(const QString& path, const QString& interface, const QStr
 ServiceSignal ServiceSignal::propertiesChanged(const QString& path, const QString& interface, const QString& changed,
                                                const QStringList& invalidated)
 {
-    return {path, cPropertiesInterface, QStringLiteral("PropertiesChanged"),
+    return {path,
+            cPropertiesInterface,
+            QStringLiteral("PropertiesChanged"),
             {ValueText::string(interface), changed, ValueText::strings(invalidated)}};
 }
 
@@ -207,7 +209,8 @@ void ScriptedServiceProcess::emitSignal(const ServiceSignal& signal, int count)
 
 QList<RecordedCall> ScriptedServiceProcess::takeCalls()
 {
-    return RecordedCall::fromJson(command(makeCommand(QStringLiteral("calls"))).value(QLatin1String("calls")).toArray());
+    return RecordedCall::fromJson(
+        command(makeCommand(QStringLiteral("calls"))).value(QLatin1String("calls")).toArray());
 }
 
 QStringList ScriptedServiceProcess::takeDescriptions()

@@ -59,8 +59,7 @@ QJsonObject SteeredProcess::command(const QJsonObject& command)
 void SteeredProcess::send(const QJsonObject& command)
 {
     mProcess.write(QJsonDocument(command).toJson(QJsonDocument::Compact) + '\n');
-    while (mProcess.bytesToWrite() > 0 && mProcess.waitForBytesWritten(ChildProcess::cDeadline)) {
-    }
+    while (mProcess.bytesToWrite() > 0 && mProcess.waitForBytesWritten(ChildProcess::cDeadline)) { }
 }
 
 QJsonObject SteeredProcess::readAnswer()
@@ -71,6 +70,11 @@ QJsonObject SteeredProcess::readAnswer()
                                  + answer.value(QLatin1String("error")).toString().toStdString());
     }
     return answer;
+}
+
+bool SteeredProcess::waitForAnswer()
+{
+    return mProcess.waitForOutputLine();
 }
 
 qint64 SteeredProcess::processId() const

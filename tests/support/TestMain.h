@@ -10,8 +10,7 @@
 /// What every test program sets before Qt looks at it.
 void prepareTestEnvironment();
 
-template <typename Test>
-int runOnPrivateBus(int argc, char** argv)
+template <typename Test> int runOnPrivateBus(int argc, char** argv)
 {
     prepareTestEnvironment();
     QCoreApplication application(argc, argv);
@@ -21,8 +20,8 @@ int runOnPrivateBus(int argc, char** argv)
 }
 
 /// The main function of a test program whose test functions find a bus of their own.
-#define TELVARO_TEST_MAIN(Test) \
-    int main(int argc, char** argv) \
-    { \
-        return runOnPrivateBus<Test>(argc, argv); \
+#define TELVARO_TEST_MAIN(Test)                                                                                        \
+    int main(int argc, char** argv)                                                                                    \
+    {                                                                                                                  \
+        return runOnPrivateBus<Test>(argc, argv);                                                                      \
     }

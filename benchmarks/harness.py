@@ -1,0 +1,254 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+"""The processes of a measurement: a bus of its own, the service on it, and clients that are told what to do."""
+
+import collections
+import contextlib
+import ctypes
+import glob
+import os
+import re
+import selectors
+import signal
+import statistics
+import subprocess
+import tempfile
+import time
+
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN" "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:dir={directory}</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+  <limit name="max_incoming_bytes">1000000000</limit>
+  <limit name="max_outgoing_bytes">1000000000</limit>
+  <limit name="max_message_size">1000000000</limit>
+</busconfig>
+"""
+
+Sample = collections.namedtuple("Sample", "nanoseconds allocations digest")
+
+
+class Operation(collections.namedtuple("Operation", "name command views count title")):
+    """A measured operation: its name, the client's command for it, how many views the service has meanwhile, how often
+    it is repeated in one sample, and what it is called where people read of it."""
+
+    def prerequisites(self):
+        """The commands that must have been carried out before, such as reading the view that is set."""
+        return {"set": ["current"], "decode": ["fetch"]}.get(self.command, [])
+
+
+OPERATIONS = [
+    Operation("views-1", "views", 1, 60, "read 1 view"),
+    Operation("views-10", "views", 10, 50, "read 10 views"),
+    Operation("views-100", "views", 100, 20, "read 100 views"),
+    Operation("views-1000", "views", 1000, 3, "read 1,000 views"),
+    Operation("views-10000", "views", 10000, 1, "read 10,000 views"),
+    Operation("current", "current", 10, 20, "read the current view (of 10)"),
+    Operation("set", "set", 10, 30, "set the current view"),
+    Operation("step", "step", 10, 12, "step to the next view (of 10)"),
+    Operation("screen-read", "screen-read", 10, 30, "read a screen property"),
+    Operation("screen-write", "screen-write", 10, 30, "write a screen property"),
+    Operation("overlay", "overlay", 10, 30, "show the overlay"),
+    Operation("notify", "notify", 10, 30, "notify"),
+    Operation("screenshot", "screenshot", 10, 30, "take a screenshot"),
+    Operation("change", "change", 10, 15, "a change, until it is signalled"),
+    Operation("decode", "decode", 100, 20, "decode 100 views"),
+    Operation("construct", "construct", 10, 30, "construct a connector, warm"),
+]
+
+
+def _end_with_parent():
+    ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
+
+
+class LineProcess:
+    """A program that is steered by lines and answers with lines, each within a deadline."""
+
+    DEADLINE = 120
+
+    def __init__(self, command, environment, errors=None, is_endless=False):
+        self._name = os.path.basename(command[0])
+        self._is_endless = is_endless
+        self._process = subprocess.Popen(command, env=environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                         stderr=errors, preexec_fn=_end_with_parent)
+        self._selector = selectors.DefaultSelector()
+        self._selector.register(self._process.stdout, selectors.EVENT_READ)
+        self._buffer = b""
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def write(self, line):
+        self._process.stdin.write(line.encode() + b"\n")
+        self._process.stdin.flush()
+
+    def read(self):
+        deadline = time.monotonic() + self.DEADLINE
+        while b"\n" not in self._buffer:
+            if not self._selector.select(max(0, deadline - time.monotonic())):
+                raise TimeoutError(f"{self._name} does not answer")
+            data = os.read(self._process.stdout.fileno(), 65536)
+            if not data:
+                raise RuntimeError(f"{self._name} has ended with status {self._process.wait()}")
+            self._buffer += data
+        line, _, self._buffer = self._buffer.partition(b"\n")
+        return line.decode()
+
+    def ask(self, line):
+        self.write(line)
+        return self.read()
+
+    def end(self):
+        """Lets a program end that ends with its input, and makes one end that does not."""
+        with contextlib.suppress(BrokenPipeError):
+            self._process.stdin.close()
+        try:
+            self._process.wait(timeout=0 if self._is_endless else self.DEADLINE)
+        except subprocess.TimeoutExpired:
+            self._process.terminate()
+            self._process.wait()
+        self._selector.close()
+        self._process.stdout.close()
+
+
+class Bus:
+    """A private bus daemon with the benchmark's service on it; a context manager."""
+
+    def __init__(self, programs, interfaces):
+        self._programs = programs
+        self._interfaces = interfaces
+        self._resources = contextlib.ExitStack()
+
+    def __enter__(self):
+        with contextlib.ExitStack() as resources:
+            directory = resources.enter_context(tempfile.TemporaryDirectory())
+            configuration = os.path.join(directory, "bus.conf")
+            with open(configuration, "w", encoding="utf-8") as file:
+                file.write(BUS_CONFIGURATION.format(directory=directory))
+            self.directory = directory
+            self.environment = dict(os.environ)
+            # It remarks on every monitor; and where it fails, its address fails to come.
+            daemon = LineProcess(["dbus-daemon", "--nofork", "--print-address", "--config-file=" + configuration],
+                                 self.environment, errors=subprocess.DEVNULL, is_endless=True)
+            resources.callback(daemon.end)
+            # Whichever bus the library was built for, it is this one.
+            address = daemon.read()
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+            self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = address
+            self._service = resources.enter_context(
+                self.running([self.program("benchmark-service"), self._interfaces]))
+            self._service.read()
+            self._resources = resources.pop_all()
+        return self
+
+    def __exit__(self, *_):
+        self._resources.close()
+
+    def program(self, name):
+        return os.path.join(self._programs, name)
+
+    def set_views(self, count):
+        self._service.ask(f"views {count}")
+
+    def mark(self):
+        """Lets a monitor know that it has seen all that was before."""
+        self._service.ask("mark")
+
+    @contextlib.contextmanager
+    def running(self, command, is_endless=False, **environment):
+        """The program while it runs."""
+        process = LineProcess(command, {**self.environment, **environment}, is_endless=is_endless)
+        try:
+            yield process
+        finally:
+            process.end()
+
+    @contextlib.contextmanager
+    def client(self, name, prefix=(), **environment):
+        """A client that is ready, with the nanoseconds that took as its `start`."""
+        command = [*prefix, self.program(name + "-client")]
+        with self.running(command, **environment) as process:
+            yield Client(process)
+
+
+class Client:
+    def __init__(self, process):
+        self._process = process
+        self.start = int(process.read())
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def run(self, command, count):
+        nanoseconds, allocations, digest = self._process.ask(f"{command} {count}").split()
+        return Sample(int(nanoseconds), int(allocations), digest)
+
+    def prepare(self, operation):
+        for command in operation.prerequisites():
+            self.run(command, 1)
+
+
+def count_instructions(bus, name, operations):
+    """The instructions per repetition of each operation in the client's whole process, by its name: the median of
+    several samples, each of which begins at zero. A few repetitions more or less of what Qt's thread does between two
+    messages are the noise in them."""
+    instructions = {}
+    with tempfile.TemporaryDirectory(dir=bus.directory) as directory:
+        output = os.path.join(directory, "dump")
+        prefix = ["valgrind", "--quiet", "--tool=callgrind", "--instr-atstart=no", f"--callgrind-out-file={output}"]
+        # Otherwise the first call of every function resolves its name.
+        with bus.client(name, prefix, LD_BIND_NOW="1") as client:
+            # Decoding first: it is all allocations, whose cost depends on what was freed before.
+            for operation in sorted(operations, key=lambda operation: operation.command != "decode"):
+                bus.set_views(operation.views)
+                client.prepare(operation)
+                count, samples = _counted_repetitions(operation.views)
+                totals = []
+                # The first sample warms up.
+                for _ in range(1 + samples):
+                    client.run(operation.command, count)
+                    totals.append(_last_dump(output))
+                instructions[operation.name] = statistics.median(totals[1:]) / count
+    return instructions
+
+
+def _counted_repetitions(views):
+    """How often an operation on that many views is repeated in a sample, and the number of samples."""
+    if views < 100:
+        return 20, 7
+    if views < 1000:
+        return 5, 5
+    return 1, 3 if views < 10000 else 1
+
+
+def _last_dump(output):
+    dumps = glob.glob(output + ".*")
+    last = max(dumps, key=lambda path: int(path.rsplit(".", 1)[1]))
+    with open(last, encoding="utf-8") as file:
+        totals = re.search(r"^(?:totals|summary): (\d+)", file.read(), re.MULTILINE)
+    for dump in dumps:
+        os.remove(dump)
+    return int(totals.group(1))
+
+
+def count_allocations(bus, name, operations):
+    """The allocations per repetition of each operation in the client's whole process, by its name."""
+    few, many = 10, 110
+    allocations = {}
+    with bus.client(name, LD_PRELOAD=bus.program("liballocation-counter.so")) as client:
+        for operation in operations:
+            bus.set_views(operation.views)
+            client.prepare(operation)
+            client.run(operation.command, few)
+            samples = [client.run(operation.command, count).allocations for count in (few, many)]
+            allocations[operation.name] = (samples[1] - samples[0]) / (many - few)
+    return allocations

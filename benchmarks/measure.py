@@ -1,0 +1,227 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+"""Measures what the library costs beside other ways to say the same on the bus, into a file of results."""
+
+import argparse
+import concurrent.futures
+import contextlib
+import glob
+import json
+import os
+import platform
+import re
+import subprocess
+import sys
+import tempfile
+
+import harness
+from harness import OPERATIONS
+
+CLIENTS = ["telvaro", "qtdbus", "generated", "sdbus", "gdbus", "libdbus", "sdbuscpp"]
+CLIENTS_WITH_HANDLES = ["telvaro", "qtdbus"]
+# The library against itself: what a ratio is worth.
+AGAIN = "telvaro-again"
+
+FLOORS = {"socket": 200, "libdbus": 40, "thread-hop": 200}
+
+
+def operations_of(client, most_views):
+    return [operation for operation in OPERATIONS
+            if operation.views <= most_views
+            and (operation.command != "construct" or client in CLIENTS_WITH_HANDLES)]
+
+
+def record_messages(new_bus, name):
+    """Every message of one client, and what it has read, by operation; its first messages under "start"."""
+    records = {}
+    with new_bus() as bus, bus.running([bus.program("message-monitor")], is_endless=True) as monitor:
+        def messages_until_now():
+            bus.mark()
+            return list(iter(monitor.read, "mark"))
+
+        monitor.read()
+        with bus.client(name) as client:
+            # Said by libraries in an order and a form of their own.
+            records["start"] = (sorted(messages_until_now()), None)
+            for operation in operations_of(name, 100):
+                bus.set_views(operation.views)
+                client.prepare(operation)
+                messages_until_now()
+                sample = client.run(operation.command, 1)
+                records[operation.name] = (messages_until_now(), sample.digest)
+    return records
+
+
+def check_equal(new_bus):
+    """Ends the measurement where two clients do not do the same."""
+    expected = record_messages(new_bus, "qtdbus")
+    for name in CLIENTS:
+        records = expected if name == "qtdbus" else record_messages(new_bus, name)
+        for operation, record in records.items():
+            if operation == "start" and name not in CLIENTS_WITH_HANDLES:
+                continue
+            if record != expected[operation]:
+                sys.exit(f"{operation}: {name} and qtdbus differ:\n{record}\n{expected[operation]}")
+    return {operation: len(messages) for operation, (messages, _) in expected.items()}
+
+
+def measure_times(new_bus, rounds):
+    """Nanoseconds per repetition, a list with one for each round; the clients take turns within each."""
+    runners = [*CLIENTS, AGAIN]
+    times = {operation.name: {} for operation in OPERATIONS}
+    floors = {name: [] for name in FLOORS}
+    with new_bus() as bus, contextlib.ExitStack() as resources:
+        clients = {name: resources.enter_context(bus.client("telvaro" if name == AGAIN else name))
+                   for name in runners}
+        floor = resources.enter_context(bus.running([bus.program("floor")]))
+        floor.read()
+        for turn in range(rounds):
+            for name, count in FLOORS.items():
+                floors[name].append(int(floor.ask(f"{name} {count}")) / count)
+            for operation in OPERATIONS:
+                bus.set_views(operation.views)
+                # Another one begins each time, and the last of one round is not the first of the next.
+                for step in range(len(runners)):
+                    name = runners[(turn * 3 + step) % len(runners)]
+                    if operation.command == "construct" and name not in [*CLIENTS_WITH_HANDLES, AGAIN]:
+                        continue
+                    client = clients[name]
+                    client.prepare(operation)
+                    # Wakes the client and everything on the way to it.
+                    client.run(operation.command, 1)
+                    sample = client.run(operation.command, operation.count)
+                    times[operation.name].setdefault(name, []).append(sample.nanoseconds / operation.count)
+    return times, floors
+
+
+def measure_cold_start(new_bus, rounds):
+    """Nanoseconds until a process has its handles: the connection, the introspection, the subscriptions."""
+    times = {name: [] for name in (*CLIENTS_WITH_HANDLES, AGAIN)}
+    with new_bus() as bus:
+        for _ in range(rounds):
+            for name, samples in times.items():
+                with bus.client("telvaro" if name == AGAIN else name) as client:
+                    samples.append(client.start)
+    return times
+
+
+def measure_memory(new_bus):
+    """Kilobytes that a process held at most that has read 10,000 views."""
+    peaks = {}
+    with new_bus() as bus:
+        bus.set_views(10000)
+        for name in CLIENTS:
+            with bus.client(name) as client:
+                client.run("views", 3)
+                with open(f"/proc/{client.pid}/status", encoding="utf-8") as file:
+                    peaks[name] = int(re.search(r"VmHWM:\s+(\d+)", file.read()).group(1))
+    return peaks
+
+
+def count_everything(new_bus, quick):
+    """Instructions and allocations per operation, by client."""
+    names = ["telvaro", "qtdbus"] if quick else CLIENTS
+    most_views = 100 if quick else 1000
+
+    def count(name):
+        operations = operations_of(name, most_views)
+        with new_bus() as bus:
+            instructions = harness.count_instructions(bus, name, operations)
+            if name == "telvaro" and not quick:
+                largest = [operation for operation in OPERATIONS if operation.views == 10000]
+                instructions.update(harness.count_instructions(bus, name, largest))
+            return instructions, harness.count_allocations(bus, name, operations)
+
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
+        counts = dict(zip(names, workers.map(count, names)))
+    with new_bus() as bus:
+        names_operation = harness.Operation("names", "names", 0, 1, "all names and the device test")
+        free = harness.count_allocations(bus, "telvaro", [names_operation])["names"]
+    return ({name: instructions for name, (instructions, _) in counts.items()},
+            {name: allocations for name, (_, allocations) in counts.items()},
+            free)
+
+
+def measure_loading(new_bus, library):
+    """What the dynamic linker has to do for the library."""
+    def run(*command):
+        return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+    sections = {fields[0]: int(fields[1]) for fields in map(str.split, run("size", "-A", library).splitlines())
+                if len(fields) == 3 and fields[1].isdigit()}
+    pointer = 8 if "ELF64" in run("readelf", "-h", library) else 4
+    with tempfile.TemporaryDirectory() as directory:
+        stripped = os.path.join(directory, "stripped")
+        run("strip", "-o", stripped, library)
+        stripped_size = os.path.getsize(stripped)
+
+    def count_start(bus, **environment):
+        with tempfile.TemporaryDirectory() as directory:
+            output = os.path.join(directory, "out")
+            command = ["valgrind", "--quiet", "--tool=callgrind", f"--callgrind-out-file={output}"]
+            subprocess.run([*command, bus.program("floor")], env={**bus.environment, **environment},
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+            totals = 0
+            for path in glob.glob(output + "*"):
+                with open(path, encoding="utf-8") as file:
+                    totals += int(re.search(r"^(?:totals|summary): (\d+)", file.read(), re.MULTILINE).group(1))
+            return totals
+
+    with new_bus() as bus:
+        without = count_start(bus)
+        with_library = count_start(bus, LD_PRELOAD=library)
+    return {
+        "relocations": len(re.findall(r"R_\w+", run("readelf", "-rW", library))),
+        "initialisers": sections.get(".init_array", 0) // pointer,
+        "stripped": stripped_size,
+        "instructions": with_library - without,
+        "instructions of a Qt program": without,
+    }
+
+
+def describe_machine():
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        model = re.search(r"model name\s*: (.*)", file.read())
+    return {
+        "processor": model.group(1) if model else platform.machine(),
+        "processors": os.cpu_count(),
+        "load": os.getloadavg()[0],
+    }
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--programs", required=True, help="folder with the benchmarks' programs")
+    parser.add_argument("--interfaces", required=True, help="folder with the interfaces' descriptions")
+    parser.add_argument("--library", required=True, help="the library's file")
+    parser.add_argument("--output", required=True, help="the file of results")
+    parser.add_argument("--quick", action="store_true", help="fewer rounds, and no counts for other bindings")
+    arguments = parser.parse_args()
+
+    def new_bus():
+        return harness.Bus(arguments.programs, arguments.interfaces)
+
+    def tell(what):
+        print(what, file=sys.stderr, flush=True)
+
+    results = {"machine": describe_machine(), "quick": arguments.quick}
+    tell("All clients send and read the same ...")
+    results["messages"] = check_equal(new_bus)
+    rounds = 7 if arguments.quick else 25
+    results["rounds"] = rounds
+    tell("Time ...")
+    results["times"], results["floors"] = measure_times(new_bus, rounds)
+    results["cold"] = measure_cold_start(new_bus, rounds)
+    tell("Memory and loading ...")
+    results["memory"] = measure_memory(new_bus)
+    results["loading"] = measure_loading(new_bus, os.path.realpath(arguments.library))
+    tell("Instructions and allocations ...")
+    results["instructions"], results["allocations"], results["allocations of names"] = count_everything(
+        new_bus, arguments.quick)
+    results["machine"]["load at the end"] = os.getloadavg()[0]
+    with open(arguments.output, "w", encoding="utf-8") as file:
+        json.dump(results, file, indent=1)
+
+
+if __name__ == "__main__":
+    main()

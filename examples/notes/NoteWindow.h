@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <TelvaroTaskSwitcherDBusConnector.h>
+
+#include <QWidget>
+
+class QString;
+
+/// One note: a heading, a text to write in, and a button to the next one.
+class NoteWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    NoteWindow(const QString& title, TelvaroTaskSwitcherDBusConnector& taskSwitcher);
+
+private:
+    void showNextNote();
+
+    TelvaroTaskSwitcherDBusConnector& mTaskSwitcher;
+};

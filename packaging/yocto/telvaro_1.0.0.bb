@@ -1,0 +1,30 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+SUMMARY = "Client library for the compositor service of the device"
+LICENSE = "MIT"
+LIC_FILES_CHKSUM = "file://LICENSE;md5=fbede04f481a3dc7f46f5f49f97fbe1f"
+
+# The source comes from the tree that the recipe is copied from; see README.md.
+inherit externalsrc cmake_qt5 pkgconfig
+EXTERNALSRC = "${TELVARO_SOURCE}"
+
+DEPENDS = "qtbase"
+
+EXTRA_OECMAKE = " \
+    -DBUILD_TESTING=OFF \
+    -DTELVARO_BUILD_COMPOSITOR=OFF \
+    -DTELVARO_BUILD_QML=OFF \
+"
+
+# telvaroctl and its completions are a package of their own, which an image may leave out.
+PACKAGES =+ "${PN}-tools"
+FILES:${PN}-tools = " \
+    ${bindir}/telvaroctl \
+    ${datadir}/bash-completion \
+    ${datadir}/fish \
+    ${datadir}/zsh \
+"
+FILES:${PN}-dev += "${datadir}/dbus-1/interfaces"
+
+# "pidof", by which processes are looked up.
+RDEPENDS:${PN} = "procps"

@@ -1,0 +1,386 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CompositorBus.h"
+#include "CompositorTest.h"
+#include "NotificationClient.h"
+#include "TestMain.h"
+#include "VirtualDesktop.h"
+
+/// What a user does with mouse and keyboard, on a desktop in memory.
+class CompositorInputTest : public CompositorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void clicksReachTheCurrentView();
+    void clicksFollowTheTurn_data();
+    void clicksFollowTheTurn();
+    void keysReachTheCurrentView();
+    void theWheelReachesTheCurrentView();
+    void aPressedButtonKeepsThePointer();
+    void menusOpenAndClose();
+    void menusStayOnTheOutput();
+    void comboBoxesWork();
+    void aDialogTakesTheInput();
+    void inputFollowsTheSwitch();
+    void anActionButtonInvokesItsAction();
+    void aResidentNotificationStays();
+    void aClickOnACardDismissesIt();
+    void aClickOnACardIsTheDefaultAction();
+    void aCardTakesTheClickFromTheView();
+    void inputEndsTheScreenSaverAndDoesNothingElse();
+    void aKeyEndsTheScreenSaver();
+    void theScreenSaverWaitsForTheEndOfInput();
+    void aHungClientStaysConnectedWhateverTheInput();
+
+protected:
+    void startCompositor() override;
+
+private:
+    std::unique_ptr<LineClient> openWindow();
+    /// Waits until the compositor has what the client has drawn in the size.
+    static void waitForSize(const QByteArray& size);
+    void setScreen(const QString& property, const QVariant& value);
+
+    std::unique_ptr<VirtualDesktop> mDesktop;
+};
+
+void CompositorInputTest::initTestCase()
+{
+    mDesktop = std::make_unique<VirtualDesktop>();
+}
+
+void CompositorInputTest::startCompositor()
+{
+    mCompositor->environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    mCompositor->environment().insert(QStringLiteral("DISPLAY"), mDesktop->display());
+    mCompositor->start();
+    // Away from everything that a test touches.
+    mDesktop->movePointer(5, 595);
+}
+
+std::unique_ptr<LineClient> CompositorInputTest::openWindow()
+{
+    auto client = testClient();
+    client->send("open a Window");
+    client->waitFor("activated 1");
+    waitForSize("1024x566");
+    return client;
+}
+
+void CompositorInputTest::waitForSize(const QByteArray& size)
+{
+    const auto current = [] {
+        const QVariantMap attributes = CompositorBus::views().value(0).attributes;
+        return QByteArray::number(attributes.value(QStringLiteral("width")).toInt()) + 'x'
+            + QByteArray::number(attributes.value(QStringLiteral("height")).toInt());
+    };
+    TRY_COMPARE(current(), size);
+}
+
+void CompositorInputTest::setScreen(const QString& property, const QVariant& value)
+{
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, property, value);
+}
+
+void CompositorInputTest::clicksReachTheCurrentView()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(500, 400);
+    mDesktop->click();
+    QCOMPARE(client->waitFor("press 1"), QByteArray("500,366"));
+    QCOMPARE(client->waitFor("release 1"), QByteArray("500,366"));
+}
+
+void CompositorInputTest::clicksFollowTheTurn_data()
+{
+    QTest::addColumn<QString>("orientation");
+    QTest::addColumn<QByteArray>("size");
+    QTest::addColumn<QByteArray>("position");
+    // The desktop's pixel 700,250, seen in the turned output and below its status bar.
+    QTest::newRow("90") << QStringLiteral("90") << QByteArray("600x990") << QByteArray("250,289");
+    QTest::newRow("180") << QStringLiteral("180") << QByteArray("1024x566") << QByteArray("323,315");
+    QTest::newRow("270") << QStringLiteral("270") << QByteArray("600x990") << QByteArray("349,666");
+}
+
+void CompositorInputTest::clicksFollowTheTurn()
+{
+    QFETCH(QString, orientation);
+    QFETCH(QByteArray, size);
+    QFETCH(QByteArray, position);
+    const auto client = openWindow();
+    setScreen(QStringLiteral("orientation"), orientation);
+    waitForSize(size);
+    mDesktop->movePointer(700, 250);
+    mDesktop->click();
+    const QList<QByteArray> place = client->waitFor("press 1").split(',');
+    const QList<QByteArray> wanted = position.split(',');
+    // A pixel's middle may round to either side.
+    QVERIFY(qAbs(place.at(0).toInt() - wanted.at(0).toInt()) <= 1);
+    QVERIFY(qAbs(place.at(1).toInt() - wanted.at(1).toInt()) <= 1);
+}
+
+void CompositorInputTest::keysReachTheCurrentView()
+{
+    const auto client = openWindow();
+    mDesktop->key(QStringLiteral("a"));
+    client->waitFor("keypress 1 a");
+    client->waitFor("keyrelease 1 a");
+    mDesktop->key(QStringLiteral("shift+b"));
+    client->waitFor("keypress 1 B");
+    mDesktop->key(QStringLiteral("7"));
+    client->waitFor("keypress 1 7");
+}
+
+void CompositorInputTest::theWheelReachesTheCurrentView()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(500, 400);
+    mDesktop->click(4);
+    QCOMPARE(client->waitFor("wheel 1"), QByteArray("120"));
+    mDesktop->click(5);
+    QCOMPARE(client->waitFor("wheel 1"), QByteArray("-120"));
+}
+
+void CompositorInputTest::aPressedButtonKeepsThePointer()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(500, 400);
+    mDesktop->press();
+    client->waitFor("press 1 500,366");
+    mDesktop->movePointer(400, 10);
+    mDesktop->release();
+    QCOMPARE(client->waitFor("release 1"), QByteArray("400,-24"));
+}
+
+void CompositorInputTest::menusOpenAndClose()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(20, 46);
+    mDesktop->click();
+    client->waitFor("menu 1");
+    QCOMPARE(CompositorBus::views().size(), 1);
+    // The menu hangs below its title: "Open" is its second line.
+    TRY_COMPARE(screenShot().pixelColor(60, 100), QColor(Qt::white));
+    mDesktop->movePointer(40, 90);
+    mDesktop->click();
+    client->waitFor("menuclosed 1");
+    client->waitFor("action 1 Open");
+
+    mDesktop->movePointer(20, 46);
+    mDesktop->click();
+    client->waitFor("menu 1");
+    mDesktop->key(QStringLiteral("Escape"));
+    client->waitFor("menuclosed 1");
+
+    mDesktop->click();
+    client->waitFor("menu 1");
+    mDesktop->movePointer(500, 10);
+    mDesktop->click();
+    client->waitFor("menuclosed 1");
+}
+
+void CompositorInputTest::menusStayOnTheOutput()
+{
+    // Any input makes the client open true popups; before that it has nothing to attach them to.
+    setScreen(QStringLiteral("orientation"), QStringLiteral("90"));
+    const auto client = testClient();
+    client->send("open a Window");
+    client->waitFor("activated 1");
+    waitForSize("600x990");
+    mDesktop->movePointer(978, 20);
+    mDesktop->click();
+    client->waitFor("menu 1");
+    TRY_COMPARE(screenShot().pixelColor(1023 - 100, 60), QColor(Qt::white));
+}
+
+void CompositorInputTest::comboBoxesWork()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(60, 110);
+    mDesktop->click();
+    TRY_VERIFY(screenShot().pixelColor(120, 140) != QColor::fromHsv(67, 60, 235));
+    mDesktop->key(QStringLiteral("Down"));
+    mDesktop->key(QStringLiteral("Down"));
+    mDesktop->key(QStringLiteral("Return"));
+    QCOMPARE(client->waitFor("chosen 1"), QByteArray("Three"));
+    QCOMPARE(CompositorBus::views().size(), 1);
+}
+
+void CompositorInputTest::aDialogTakesTheInput()
+{
+    const auto client = openWindow();
+    client->send("dialog 1 Question");
+    TRY_COMPARE(CompositorBus::views().size(), 2);
+    client->waitFor("deactivated 1");
+    // What lies beneath does not hear of it.
+    mDesktop->movePointer(100, 500);
+    mDesktop->click();
+    mDesktop->key(QStringLiteral("Return"));
+    for (const QByteArray& event : client->takeEventsUntil("dialog 1 1")) {
+        QVERIFY2(!event.startsWith("press"), event.constData());
+    }
+    client->waitFor("activated 1");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+}
+
+void CompositorInputTest::inputFollowsTheSwitch()
+{
+    const auto client = openWindow();
+    client->send("open a Second");
+    client->waitFor("activated 2");
+    mDesktop->movePointer(500, 400);
+    mDesktop->click();
+    client->waitFor("press 2");
+    mDesktop->key(QStringLiteral("a"));
+    client->waitFor("keypress 2 a");
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       CompositorBus::viewWithTitle(QStringLiteral("Window")).uuid);
+    client->waitFor("activated 1");
+    // The pointer has not moved, and yet it is over another window now.
+    mDesktop->click();
+    client->waitFor("press 1 500,366");
+    mDesktop->key(QStringLiteral("b"));
+    client->waitFor("keypress 1 b");
+}
+
+void CompositorInputTest::anActionButtonInvokesItsAction()
+{
+    NotificationClient notifications;
+    NotificationClient::Content content;
+    content.actions =
+        QStringList{QStringLiteral("yes"), QStringLiteral("Yes"), QStringLiteral("no"), QStringLiteral("No")};
+    const uint id = NotificationClient::notify(content);
+    mDesktop->movePointer(920, 110);
+    mDesktop->click();
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("action %1 no").arg(id));
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("closed %1 2").arg(id));
+    QCOMPARE(notifications.takeEvents(), QStringList());
+}
+
+void CompositorInputTest::aResidentNotificationStays()
+{
+    NotificationClient notifications;
+    NotificationClient::Content content;
+    content.actions = QStringList{QStringLiteral("yes"), QStringLiteral("Yes")};
+    content.hints.insert(QStringLiteral("resident"), true);
+    const uint id = NotificationClient::notify(content);
+    mDesktop->movePointer(830, 110);
+    mDesktop->click();
+    mDesktop->click();
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("action %1 yes").arg(id));
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("action %1 yes").arg(id));
+    QCOMPARE(NotificationClient::close(id), QString());
+}
+
+void CompositorInputTest::aClickOnACardDismissesIt()
+{
+    NotificationClient notifications;
+    NotificationClient::Content content;
+    content.actions = QStringList{QStringLiteral("yes"), QStringLiteral("Yes")};
+    const uint id = NotificationClient::notify(content);
+    mDesktop->movePointer(700, 60);
+    mDesktop->click();
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("closed %1 2").arg(id));
+    QCOMPARE(notifications.takeEvents(), QStringList());
+}
+
+void CompositorInputTest::aClickOnACardIsTheDefaultAction()
+{
+    NotificationClient notifications;
+    NotificationClient::Content content;
+    content.actions = QStringList{QStringLiteral("default"), QStringLiteral("Open")};
+    const uint id = NotificationClient::notify(content);
+    mDesktop->movePointer(700, 60);
+    mDesktop->click();
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("action %1 default").arg(id));
+    QCOMPARE(notifications.waitForEvent(), QStringLiteral("closed %1 2").arg(id));
+}
+
+void CompositorInputTest::aCardTakesTheClickFromTheView()
+{
+    const auto client = openWindow();
+    client->takeEvents();
+    NotificationClient notifications;
+    NotificationClient::notify({});
+    mDesktop->movePointer(700, 60);
+    mDesktop->click();
+    notifications.waitForEvent();
+    // Now that the card is gone the same place is the view's.
+    mDesktop->click();
+    QCOMPARE(client->takeEventsUntil("press 1 700,26"), QList<QByteArray>({"press 1 700,26"}));
+}
+
+void CompositorInputTest::inputEndsTheScreenSaverAndDoesNothingElse()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(500, 400);
+    setScreen(QStringLiteral("screenSaverTimeoutSeconds"), 1);
+    mMonitor->waitFor(QStringLiteral("screenSaverActive"));
+    client->takeEvents();
+    mDesktop->click();
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.value(QStringLiteral("screenSaverActive")),
+             QVariant(false));
+    // The key comes after the click: all that came before it is known then.
+    mDesktop->key(QStringLiteral("z"));
+    const QList<QByteArray> events = client->takeEventsUntil("keypress 1 z");
+    QCOMPARE(events, QList<QByteArray>({"keypress 1 z"}));
+}
+
+void CompositorInputTest::aKeyEndsTheScreenSaver()
+{
+    const auto client = openWindow();
+    setScreen(QStringLiteral("screenSaverTimeoutSeconds"), 1);
+    mMonitor->waitFor(QStringLiteral("screenSaverActive"));
+    client->takeEvents();
+    mDesktop->key(QStringLiteral("x"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.value(QStringLiteral("screenSaverActive")),
+             QVariant(false));
+    setScreen(QStringLiteral("screenSaverEnabled"), false);
+    mDesktop->key(QStringLiteral("y"));
+    QCOMPARE(client->takeEventsUntil("keypress 1 y"), QList<QByteArray>({"keypress 1 y"}));
+}
+
+void CompositorInputTest::theScreenSaverWaitsForTheEndOfInput()
+{
+    setScreen(QStringLiteral("screenSaverTimeoutSeconds"), 1);
+    QElapsedTimer timer;
+    timer.start();
+    for (int x = 0; timer.elapsed() < 2000; ++x) {
+        mDesktop->movePointer(100 + x % 800, 300);
+    }
+    QCOMPARE(
+        CompositorBus::get(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("screenSaverActive")),
+        QVariant(false));
+    mMonitor->waitFor(QStringLiteral("screenSaverActive"));
+}
+
+void CompositorInputTest::aHungClientStaysConnectedWhateverTheInput()
+{
+    const auto client = openWindow();
+    client->freeze();
+    QElapsedTimer timer;
+    timer.start();
+    int count = 0;
+    const auto isResponding = [] {
+        return CompositorBus::viewWithTitle(QStringLiteral("Window")).attributes.value(QStringLiteral("responding"));
+    };
+    while (isResponding().toBool() && timer.elapsed() < ChildProcess::cDeadline) {
+        mDesktop->movePointer(100 + ++count % 800, 300);
+    }
+    QCOMPARE(isResponding(), QVariant(false));
+    for (int i = 0; i < 200; ++i) {
+        mDesktop->movePointer(100 + i, 300);
+    }
+    client->thaw();
+    TRY_COMPARE(isResponding(), QVariant(true));
+    mDesktop->movePointer(600, 300);
+    mDesktop->click();
+    QCOMPARE(client->waitFor("press 1"), QByteArray("600,266"));
+    QVERIFY(client->isRunning());
+}
+
+TELVARO_TEST_MAIN(CompositorInputTest)
+
+#include "CompositorInputTest.moc"

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CompositorBus.h"
+#include "CompositorTest.h"
+#include "TestMain.h"
+
+#include "TelvaroScreenShotDBusConnector.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace {
+QDBusMessage takeScreenShot(const QString& directory)
+{
+    return CompositorBus::call(CompositorBus::cScreenShotPath, CompositorBus::cScreenShot, QStringLiteral("ScreenShot"),
+                               {directory});
+}
+} // namespace
+
+class CompositorScreenShotTest : public CompositorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isAPngOfTheOutputInTheDirectory();
+    void showsWhatTheClientShows();
+    void answersAPathWithoutDoubledSlashes();
+    void followsALinkToTheDirectory();
+    void neverOverwrites();
+    void isNeverLedAwayByALink();
+    void refusesADirectoryThatIsNone_data();
+    void refusesADirectoryThatIsNone();
+    void leavesNothingBehindWhereItCannotWrite();
+    void theLibraryTakesOne();
+
+private:
+    QTemporaryDir mDirectory;
+};
+
+void CompositorScreenShotTest::isAPngOfTheOutputInTheDirectory()
+{
+    const QDBusMessage reply = takeScreenShot(mDirectory.path());
+    QCOMPARE(reply.signature(), QStringLiteral("s"));
+    const QFileInfo file(reply.arguments().value(0).toString());
+    QCOMPARE(file.absolutePath(), mDirectory.path());
+    QVERIFY(QRegularExpression(QStringLiteral("^screenshot-\\d{8}-\\d{6}-\\d{3}\\.png$"))
+                .match(file.fileName())
+                .hasMatch());
+    QVERIFY(file.isFile());
+    QCOMPARE(file.permissions() & (QFile::WriteGroup | QFile::WriteOther | QFile::ExeOwner), QFile::Permissions());
+    QImage image;
+    QVERIFY(image.load(file.filePath(), "PNG"));
+    QCOMPARE(image.size(), QSize(1024, 600));
+    QVERIFY(QFile::remove(file.filePath()));
+}
+
+void CompositorScreenShotTest::showsWhatTheClientShows()
+{
+    const auto client = protocolClient();
+    client->send("open a Window");
+    client->send("sync");
+    client->waitFor("synced");
+    TRY_COMPARE(screenShot().pixelColor(512, 317), QColor(Qt::white));
+    client->send("commit 1 1");
+    client->send("sync");
+    client->waitFor("synced");
+    QCOMPARE(screenShot().pixelColor(512, 317), QColor(Qt::black));
+}
+
+void CompositorScreenShotTest::answersAPathWithoutDoubledSlashes()
+{
+    const QString path = takeScreenShot(mDirectory.path() + QStringLiteral("///")).arguments().value(0).toString();
+    QVERIFY(path.startsWith(mDirectory.path() + QStringLiteral("/screenshot-")));
+    QVERIFY(QFile::remove(path));
+}
+
+void CompositorScreenShotTest::followsALinkToTheDirectory()
+{
+    const QString target = mDirectory.filePath(QStringLiteral("target"));
+    const QString link = mDirectory.filePath(QStringLiteral("link"));
+    QVERIFY(QDir().mkdir(target));
+    QVERIFY(QFile::link(target, link));
+    const QString path = takeScreenShot(link).arguments().value(0).toString();
+    QVERIFY(path.startsWith(link + QLatin1Char('/')));
+    QCOMPARE(QDir(target).entryList(QDir::Files), QStringList(QFileInfo(path).fileName()));
+    QVERIFY(QDir(target).removeRecursively());
+    QVERIFY(QFile::remove(link));
+}
+
+void CompositorScreenShotTest::neverOverwrites()
+{
+    // Calls of which many fall into the same millisecond.
+    constexpr int count = 60;
+    QSet<QString> paths;
+    for (int i = 0; i < count; ++i) {
+        paths.insert(takeScreenShot(mDirectory.path()).arguments().value(0).toString());
+    }
+    QCOMPARE(paths.size(), count);
+    QCOMPARE(QDir(mDirectory.path()).entryList(QDir::Files).size(), count);
+    for (const QString& path : paths) {
+        QVERIFY(QFile::remove(path));
+    }
+}
+
+void CompositorScreenShotTest::isNeverLedAwayByALink()
+{
+    // Links under every name that a screenshot of the next seconds may get, to a file that must stay as it is.
+    const QString target = mDirectory.filePath(QStringLiteral("target"));
+    QFile file(target);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("precious") == 8);
+    file.close();
+    QTemporaryDir trap;
+    const QDateTime now = QDateTime::currentDateTime();
+    constexpr int milliseconds = 3000;
+    QStringList links;
+    for (int i = 0; i < milliseconds; ++i) {
+        const QString time = now.addMSecs(i).toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
+        links.append(QStringLiteral("screenshot-%1.png").arg(time));
+        QVERIFY(QFile::link(target, trap.filePath(links.last())));
+    }
+
+    const QDBusMessage reply = takeScreenShot(trap.path());
+    QVERIFY2(QDateTime::currentDateTime() < now.addMSecs(milliseconds), "too slow for this test to tell anything");
+    const QFileInfo created(reply.arguments().value(0).toString());
+    QVERIFY(created.isFile());
+    QVERIFY(!created.isSymLink());
+    QVERIFY(!links.contains(created.fileName()));
+    QVERIFY(created.fileName().endsWith(QLatin1String("-2.png")));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("precious"));
+}
+
+void CompositorScreenShotTest::refusesADirectoryThatIsNone_data()
+{
+    QTest::addColumn<QString>("directory");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* name, const QString& directory, const char* error) {
+        QTest::newRow(name) << directory << QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(error);
+    };
+    row("empty", QString(), "InvalidArgs: no directory is named");
+    row("relative", QStringLiteral("tmp"), "InvalidArgs: the directory \"tmp\" is not an absolute path");
+    row("dot", QStringLiteral("."), "InvalidArgs: the directory \".\" is not an absolute path");
+    row("home", QStringLiteral("~"), "InvalidArgs: the directory \"~\" is not an absolute path");
+    row("missing", QStringLiteral("/nowhere/at/all"), "FileNotFound: the directory \"/nowhere/at/all\" does not exist");
+    row("a file", QStringLiteral("/etc/passwd"), "InvalidArgs: \"/etc/passwd\" is not a directory");
+    row("below a file", QStringLiteral("/etc/passwd/x"), "InvalidArgs: \"/etc/passwd/x\" is not a directory");
+    row("a device", QStringLiteral("/dev/null"), "InvalidArgs: \"/dev/null\" is not a directory");
+    row("an endless name", QStringLiteral("/") + QString(300, QLatin1Char('x')), "Failed: cannot open the directory ");
+    row("an endless path", QStringLiteral("/x").repeated(5000), "Failed: cannot open the directory ");
+    row("a link to itself", QStringLiteral("/proc/self/fd/999999"), "FileNotFound: the directory ");
+    // Nobody creates files there, not even root.
+    row("no place for files", QStringLiteral("/proc"),
+        "Failed: cannot create a file in the directory \"/proc\": No such file or directory");
+    row("not writable", QStringLiteral("/sys"), "AccessDenied: cannot create a file in the directory \"/sys\": ");
+}
+
+void CompositorScreenShotTest::refusesADirectoryThatIsNone()
+{
+    QFETCH(QString, directory);
+    QFETCH(QString, error);
+    const QDBusMessage reply = takeScreenShot(directory);
+    QVERIFY2(CompositorBus::errorOf(reply).startsWith(error), qPrintable(CompositorBus::errorOf(reply).left(300)));
+}
+
+void CompositorScreenShotTest::leavesNothingBehindWhereItCannotWrite()
+{
+    // A limit on the size of its files makes every write fail half way.
+    QCOMPARE(mCompositor->end(), 0);
+    CompositorProcess limited;
+    ChildProcess program;
+    QProcessEnvironment environment = limited.environment();
+    program.setProcessEnvironment(environment);
+    program.setProcessChannelMode(QProcess::SeparateChannels);
+    program.run(QStringLiteral("sh"),
+                {QStringLiteral("-c"), QStringLiteral("ulimit -f 1; trap '' XFSZ; exec \"$0\""),
+                 QStringLiteral(TELVARO_COMPOSITOR)});
+    QVERIFY(program.readOutputLine().startsWith("WAYLAND_DISPLAY="));
+
+    const QDBusMessage reply = takeScreenShot(mDirectory.path());
+    QCOMPARE(CompositorBus::errorOf(reply),
+             QStringLiteral("org.freedesktop.DBus.Error.Failed: cannot write to the directory \"%1\": File too large")
+                 .arg(mDirectory.path()));
+    QCOMPARE(QDir(mDirectory.path()).entryList(QDir::Files), QStringList());
+    program.terminate();
+    QVERIFY(program.waitForFinished(ChildProcess::cDeadline));
+    mCompositor->start();
+}
+
+void CompositorScreenShotTest::theLibraryTakesOne()
+{
+    TelvaroScreenShotDBusConnector connector;
+    const std::optional<QString> path = connector.captureScreenShot(mDirectory.path());
+    QVERIFY(path.has_value());
+    QVERIFY(QFileInfo(*path).isFile());
+    QVERIFY(QFile::remove(*path));
+}
+
+TELVARO_TEST_MAIN(CompositorScreenShotTest)
+
+#include "CompositorScreenShotTest.moc"

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "ChildProcess.h"
+
+/// A desktop in memory whose mouse and keyboard a test moves: what they do takes the same way as a user's input.
+class VirtualDesktop
+{
+public:
+    VirtualDesktop();
+
+    /// The value of DISPLAY.
+    QString display() const
+    {
+        return mDisplay;
+    }
+
+    void movePointer(int x, int y);
+    void click(int button = 1);
+    void press(int button = 1);
+    void release(int button = 1);
+    /// A key's name in X, with modifiers: "shift+a".
+    void key(const QString& name);
+
+private:
+    void type(const QStringList& arguments);
+
+    ChildProcess mServer;
+    QString mDisplay;
+};

@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: MIT
+# SPDX-FileCopyrightText: The Telvaro authors
+
+# Both lists of changes begin with the project's version.
+function(check_version file pattern)
+    file(STRINGS "${SOURCE_DIRECTORY}/${file}" headings REGEX "${pattern}")
+    list(GET headings 0 first)
+    string(REGEX REPLACE "${pattern}" "\\1" version "${first}")
+    if(NOT version STREQUAL VERSION)
+        message(FATAL_ERROR "${file} begins with version ${version}, not ${VERSION}")
+    endif()
+endfunction()
+
+check_version(CHANGELOG.md "^## (.*)$")
+check_version(packaging/debian/changelog "^telvaro [(]([^)]*)[)].*$")

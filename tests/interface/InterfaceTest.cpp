@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include <TelvaroDBusDefinitions.h>
+#include <TelvaroDeviceDistinction.h>
+#include <TelvaroGlobalOverlayDBusConnector.h>
+#include <TelvaroNotificationDBusConnector.h>
+#include <TelvaroScreenDBusConnector.h>
+#include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroTaskSwitcherDBusConnector.h>
+
+#include <QFile>
+#include <QMetaMethod>
+#include <QObject>
+#include <QString>
+#include <QTest>
+
+#include <cstddef>
+
+namespace {
+
+using Entry = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
+
+/// Reaches what derived classes of an application reach.
+class DerivedConnector : public TelvaroNotificationDBusConnector
+{
+public:
+    std::ptrdiff_t interfaceOffset() const
+    {
+        return reinterpret_cast<const char*>(&mInterface)
+            - reinterpret_cast<const char*>(static_cast<const TelvaroDBusConnectorBase*>(this));
+    }
+};
+
+template <typename Class> QString size(const char* name)
+{
+    return QStringLiteral("%1: size %2, alignment %3\n")
+        .arg(QLatin1String(name), QString::number(sizeof(Class)), QString::number(alignof(Class)));
+}
+
+QString offset(const char* name, std::ptrdiff_t value)
+{
+    return QStringLiteral("%1: offset %2\n").arg(QLatin1String(name), QString::number(value));
+}
+
+QString layout()
+{
+    return size<TelvaroDBusConnectorBase>("TelvaroDBusConnectorBase")
+        + offset("TelvaroDBusConnectorBase::mInterface", DerivedConnector().interfaceOffset())
+        + size<TelvaroDBusDefinitions>("TelvaroDBusDefinitions")
+        + size<TelvaroDeviceDistinction>("TelvaroDeviceDistinction")
+        + size<TelvaroGlobalOverlayDBusConnector>("TelvaroGlobalOverlayDBusConnector")
+        + size<TelvaroNotificationDBusConnector>("TelvaroNotificationDBusConnector")
+        + size<TelvaroScreenDBusConnector>("TelvaroScreenDBusConnector")
+        + size<TelvaroScreenShotDBusConnector>("TelvaroScreenShotDBusConnector")
+        + size<TelvaroTaskSwitcherDBusConnector>("TelvaroTaskSwitcherDBusConnector") + size<Entry>("TaskSwitcherEntry")
+        + offset("TaskSwitcherEntry::uuid", offsetof(Entry, uuid))
+        + offset("TaskSwitcherEntry::appId", offsetof(Entry, appId))
+        + offset("TaskSwitcherEntry::info1", offsetof(Entry, info1))
+        + offset("TaskSwitcherEntry::info2", offsetof(Entry, info2))
+        + offset("TaskSwitcherEntry::info3", offsetof(Entry, info3))
+        + offset("TaskSwitcherEntry::info4", offsetof(Entry, info4))
+        + offset("TaskSwitcherEntry::pid", offsetof(Entry, pid))
+        + offset("TaskSwitcherEntry::sortIndex", offsetof(Entry, sortIndex))
+        + offset("TaskSwitcherEntry::attributes", offsetof(Entry, attributes));
+}
+
+QString describe(const QMetaMethod& method)
+{
+    const char* const access = method.access() == QMetaMethod::Private ? "private "
+        : method.access() == QMetaMethod::Protected                    ? "protected "
+                                                                       : "";
+    const char* const kind = method.methodType() == QMetaMethod::Signal ? "signal"
+        : method.methodType() == QMetaMethod::Slot                      ? "slot"
+                                                                        : "method";
+    return QStringLiteral("    %1%2 %3 %4 (%5)\n")
+        .arg(QLatin1String(access), QLatin1String(kind), QLatin1String(method.typeName()),
+             QString::fromLatin1(method.methodSignature()), QString::fromLatin1(method.parameterNames().join(", ")));
+}
+
+QString metaObjects()
+{
+    QString text;
+    for (const QMetaObject* metaObject :
+         {&TelvaroDBusConnectorBase::staticMetaObject, &TelvaroGlobalOverlayDBusConnector::staticMetaObject,
+          &TelvaroNotificationDBusConnector::staticMetaObject, &TelvaroScreenDBusConnector::staticMetaObject,
+          &TelvaroScreenShotDBusConnector::staticMetaObject, &TelvaroTaskSwitcherDBusConnector::staticMetaObject}) {
+        text += QStringLiteral("%1 : %2\n")
+                    .arg(QLatin1String(metaObject->className()), QLatin1String(metaObject->superClass()->className()));
+        for (int i = metaObject->methodOffset(); i < metaObject->methodCount(); ++i) {
+            text += describe(metaObject->method(i));
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+/// What an application compiles in, compared with what it was when applications were compiled. Each processor has its
+/// own sizes.
+class InterfaceTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    static void compare(const QString& actual, const char* fileName)
+    {
+        const QString name = QLatin1String(fileName);
+        QFile expected(QStringLiteral(TELVARO_BASELINE_DIRECTORY "/%1").arg(name));
+        QVERIFY2(expected.open(QIODevice::ReadOnly), qPrintable(expected.errorString()));
+        QFile written(QStringLiteral(TELVARO_RESULT_DIRECTORY "/%1").arg(name));
+        QVERIFY2(written.open(QIODevice::WriteOnly), qPrintable(written.errorString()));
+        QVERIFY(written.write(actual.toUtf8()) > 0);
+        const QString advice =
+            QStringLiteral("The interface is not the one that is recorded; see it with\n"
+                           "    diff %1 %2\n"
+                           "Applications that were built before would break: take the change back or, where it is "
+                           "wanted, raise the library's major version and copy the second file over the first.")
+                .arg(expected.fileName(), written.fileName());
+        QVERIFY2(actual == QString::fromUtf8(expected.readAll()), qPrintable(advice));
+    }
+
+private Q_SLOTS:
+    void sizesAndFieldsAreWhereTheyWere()
+    {
+        compare(layout(), "layout." TELVARO_ARCHITECTURE ".txt");
+    }
+
+    void metaObjectsHaveTheSameMethodsInTheSameOrder()
+    {
+        compare(metaObjects(), "meta-objects.txt");
+    }
+};
+
+QTEST_GUILESS_MAIN(InterfaceTest)
+#include "InterfaceTest.moc"

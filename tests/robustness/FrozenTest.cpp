@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "OperationProcess.h"
+#include "Operations.h"
+#include "PrivateBus.h"
+#include "Scenario.h"
+#include "ScriptedServiceProcess.h"
+#include "TestMain.h"
+
+#include <QObject>
+#include <QTest>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+/// How long Qt waits for one answer.
+const qint64 cTimeLimit = 25000;
+const qint64 cTolerance = 2500;
+/// No operation makes more calls in a row that are not answered.
+const int cMostWaits = 5;
+
+} // namespace
+
+/// A service or a bus that has stopped without ending: every operation returns, after Qt's time limit for each call
+/// that it makes. Takes about four minutes, for which all operations wait at the same time.
+class FrozenTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyOperationReturns_data();
+    void everyOperationReturns();
+
+private:
+    Scenario mScenario;
+};
+
+void FrozenTest::everyOperationReturns_data()
+{
+    QTest::addColumn<bool>("isBusFrozen");
+    QTest::addRow("from a frozen service") << false;
+    QTest::addRow("from a frozen bus") << true;
+}
+
+void FrozenTest::everyOperationReturns()
+{
+    QFETCH(bool, isBusFrozen);
+    PrivateBus bus;
+    ScriptedServiceProcess service;
+    service.start();
+    Scenario::set(service);
+    service.own();
+
+    const QStringList names = Operations::names();
+    std::vector<std::unique_ptr<OperationProcess>> applications;
+    for (const QString& name : names) {
+        applications.push_back(std::make_unique<OperationProcess>());
+        applications.back()->start();
+        // A construction waits where introspection is not yet known.
+        if (name.startsWith(QLatin1String("new "))) {
+            applications.back()->turn();
+        } else {
+            applications.back()->prepare();
+        }
+    }
+    if (isBusFrozen) {
+        bus.freeze();
+    } else {
+        service.freeze();
+    }
+    for (std::size_t index = 0; index < applications.size(); ++index) {
+        applications[index]->begin(names.at(static_cast<int>(index)));
+    }
+    for (std::size_t index = 0; index < applications.size(); ++index) {
+        const QString& name = names.at(static_cast<int>(index));
+        const int deadlines = static_cast<int>((cMostWaits + 1) * cTimeLimit / ChildProcess::cDeadline);
+        const Outcome outcome = applications[index]->finishWithin(deadlines);
+        const qint64 waits = (outcome.milliseconds + cTolerance) / cTimeLimit;
+        qInfo("%s: %lld ms, %lld waits", qPrintable(name), outcome.milliseconds, waits);
+        QVERIFY2(waits <= cMostWaits && outcome.milliseconds - waits * cTimeLimit <= cTolerance, qPrintable(name));
+        // The bus answers for a service that has stopped.
+        const bool isAsked = name != QLatin1String("isInterfaceValid") || isBusFrozen;
+        QVERIFY2(!isAsked || Scenario::isFailure(name, outcome.result), qPrintable(name + outcome.result));
+        QVERIFY2(Scenario::isFailureLog(outcome.log), qPrintable(outcome.log.join(QLatin1Char('\n'))));
+    }
+    if (isBusFrozen) {
+        bus.thaw();
+    } else {
+        service.thaw();
+    }
+    for (std::size_t index = 0; index < applications.size(); ++index) {
+        const QString& name = names.at(static_cast<int>(index));
+        QCOMPARE(applications[index]->perform(name).result, Scenario::result(name));
+    }
+}
+
+int main(int argc, char** argv)
+{
+    prepareTestEnvironment();
+    QCoreApplication application(argc, argv);
+    FrozenTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "FrozenTest.moc"

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "SteeredProcess.h"
+
+#include <QString>
+#include <QStringList>
+
+/// What an operation answered and logged, and how long it took.
+struct Outcome
+{
+    QString result;
+    QStringList log;
+    qint64 milliseconds = 0;
+};
+
+/// An application in a process of its own that performs the operations of Operations on this process's bus, with all
+/// connectors or, before they are prepared, with those that an operation needs. Throws std::runtime_error where the
+/// application ends or does not answer in time.
+class OperationProcess : public SteeredProcess
+{
+public:
+    OperationProcess();
+
+    /// Connects the application to the bus and runs its event loop once.
+    Outcome turn();
+
+    /// Makes all connectors, after a turn of the event loop.
+    Outcome prepare();
+
+    Outcome perform(const QString& operation);
+
+    /// The two halves of perform(): the first returns when the application is about to perform the operation.
+    void begin(const QString& operation);
+    Outcome finish();
+    /// Waits longer than usual for the second half.
+    Outcome finishWithin(int deadlines);
+    /// Whether the application's main thread waits for something.
+    bool isBlocked() const;
+
+    /// The signals that the connectors have emitted, after all that the bus had for them, one word each.
+    Outcome takeSignals();
+
+    /// Destroys all connectors.
+    Outcome destroy();
+
+private:
+    Outcome performCommand(const QString& name);
+};

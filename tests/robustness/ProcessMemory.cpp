@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "ProcessMemory.h"
+
+#include <QByteArray>
+#include <QFile>
+
+#include <malloc.h>
+
+#include <stdexcept>
+
+// Qt defines __has_feature for compilers that do not.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || __has_feature(address_sanitizer)                  \
+    || __has_feature(thread_sanitizer)
+#define TELVARO_SANITIZED
+#endif
+
+namespace {
+
+qint64 statusValue(const QByteArray& name)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : status.readAll().split('\n')) {
+            if (line.startsWith(name + ':')) {
+                return line.mid(name.size() + 1).replace("kB", "").trimmed().toLongLong();
+            }
+        }
+    }
+    throw std::runtime_error("/proc/self/status does not tell " + name.toStdString());
+}
+
+} // namespace
+
+bool ProcessMemory::isMeaningful()
+{
+#if defined(TELVARO_SANITIZED)
+    return false;
+#else
+    return !qEnvironmentVariableIsSet("TELVARO_UNDER_VALGRIND");
+#endif
+}
+
+qint64 ProcessMemory::resident()
+{
+    malloc_trim(0);
+    return statusValue("VmRSS");
+}
+
+qint64 ProcessMemory::peak()
+{
+    return statusValue("VmHWM");
+}
+
+void ProcessMemory::resetPeak()
+{
+    const QByteArray peakOnly = "5";
+    QFile references(QStringLiteral("/proc/self/clear_refs"));
+    if (!references.open(QIODevice::WriteOnly) || references.write(peakOnly) != peakOnly.size()) {
+        throw std::runtime_error("/proc/self/clear_refs cannot be written");
+    }
+}
