@@ -46,14 +46,6 @@ ClientWatch::ClientWatch(QWaylandXdgShell* shell, QWaylandClient* client, QObjec
     connect(client, &QObject::destroyed, this, &QObject::deleteLater);
 }
 
-void ClientWatch::ping()
-{
-    const bool isEarly = mSincePing.isValid() && mSincePing.elapsed() < cIntervalMilliseconds;
-    if (!isEarly) {
-        sendPing();
-    }
-}
-
 bool ClientWatch::admitEvent()
 {
     if (mClient.isNull() || !mResponding || mUnconfirmed >= cMostUnconfirmed) {
@@ -62,15 +54,13 @@ bool ClientWatch::admitEvent()
     }
     ++mUnconfirmed;
     ++mSincePingCount;
-    if (mUnconfirmed % cEventsPerPing == 0) {
-        sendPing();
-    } else {
+    if (mUnconfirmed % cEventsPerPing == 0 || !mSincePing.isValid() || mSincePing.elapsed() > cIntervalMilliseconds) {
         ping();
     }
     return true;
 }
 
-void ClientWatch::sendPing()
+void ClientWatch::ping()
 {
     if (mWaiting || mClient.isNull() || !hasShell(mClient->client())) {
         return;

@@ -28,7 +28,7 @@ public:
         return !mClient.isNull();
     }
 
-    /// Asks the client for a sign of life, unless it was asked just before.
+    /// Asks the client for a sign of life, unless it owes one already.
     void ping();
     /// To be called before an event that may come in any number. False when the client has left so many unread that
     /// it must not be sent: its connection would fill, and the compositor's end of it would cut it.
@@ -40,7 +40,6 @@ Q_SIGNALS:
     void caughtUp();
 
 private:
-    void sendPing();
     void handlePong(uint serial);
     void setResponding(bool responding);
 

@@ -20,7 +20,7 @@ constexpr int cLongestAction = 500;
 constexpr int cMostActions = 9;
 constexpr int cCriticalUrgency = 2;
 
-/// The body without the markup that the specification allows in it.
+/// The body without the markup that the Desktop Notifications Specification allows in it.
 QString plainBody(QString body)
 {
     static const QRegularExpression tags(QStringLiteral("</?(?:b|i|u|a|img)(?:\\s[^<>]*)?/?>"),
@@ -38,7 +38,7 @@ QString plainBody(QString body)
     return Theme::plainText(body, cLongestBody);
 }
 
-/// In the specification's order of preference.
+/// In the order of preference of the Desktop Notifications Specification.
 QImage iconOf(const QVariantMap& hints, const QString& appIcon)
 {
     for (const auto& key : {QStringLiteral("image-data"), QStringLiteral("image_data")}) {

@@ -164,7 +164,11 @@ void SeatInput::updatePointerFocus()
 void SeatInput::setPointerFocus(const WindowStack::Hit& target)
 {
     const bool hasMoved = target.window != mPointerWindow;
-    const bool isAdmitted = target.window != nullptr && target.window->admitEvent();
+    // A client that ends takes its surfaces along one after the other, and Qt does not survive an event for one that is
+    // about to go.
+    const bool isThere =
+        target.surface != nullptr && target.surface->surface() != nullptr && !target.surface->surface()->isDestroyed();
+    const bool isAdmitted = isThere && target.window != nullptr && target.window->admitEvent();
     if (isAdmitted) {
         mPointerWindow = target.window;
         mSeat->sendMouseMoveEvent(target.surface, target.position, mPosition);

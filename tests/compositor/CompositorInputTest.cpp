@@ -40,7 +40,7 @@ protected:
 private:
     std::unique_ptr<LineClient> openWindow();
     /// Waits until the compositor has what the client has drawn in the size.
-    static void waitForSize(const QByteArray& size);
+    static void waitForSize(const QByteArray& size, const QString& title = QStringLiteral("Window"));
     void setScreen(const QString& property, const QVariant& value);
 
     std::unique_ptr<VirtualDesktop> mDesktop;
@@ -69,10 +69,10 @@ std::unique_ptr<LineClient> CompositorInputTest::openWindow()
     return client;
 }
 
-void CompositorInputTest::waitForSize(const QByteArray& size)
+void CompositorInputTest::waitForSize(const QByteArray& size, const QString& title)
 {
-    const auto current = [] {
-        const QVariantMap attributes = CompositorBus::views().value(0).attributes;
+    const auto current = [&title] {
+        const QVariantMap attributes = CompositorBus::viewWithTitle(title).attributes;
         return QByteArray::number(attributes.value(QStringLiteral("width")).toInt()) + 'x'
             + QByteArray::number(attributes.value(QStringLiteral("height")).toInt());
     };
@@ -230,6 +230,7 @@ void CompositorInputTest::inputFollowsTheSwitch()
     const auto client = openWindow();
     client->send("open a Second");
     client->waitFor("activated 2");
+    waitForSize("1024x566", QStringLiteral("Second"));
     mDesktop->movePointer(500, 400);
     mDesktop->click();
     client->waitFor("press 2");

@@ -20,6 +20,11 @@ public:
         return mEnvironment;
     }
 
+    const QProcessEnvironment& environment() const
+    {
+        return mEnvironment;
+    }
+
     /// Starts it and waits until it is up; throws std::runtime_error where it does not come up.
     void start(const QStringList& options = {});
     /// Starts it and waits until it has ended, as it does where it cannot come up; answers the exit status.
