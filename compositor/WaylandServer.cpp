@@ -106,7 +106,9 @@ void WaylandServer::start(const QByteArray& socketName)
 QWaylandSeat* WaylandServer::createSeat()
 {
     // Touches arrive as the mouse events that Qt makes of them.
-    return new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    seat->setParent(this);
+    return seat;
 }
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)
