@@ -2,15 +2,17 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "Json.h"
 
 #include <TelvaroScreenShotDBusConnector.h>
 
 #include <QDir>
+#include <QJsonObject>
 #include <QString>
 
 namespace {
 
-ExitStatus captureScreenShot(const QStringList& arguments)
+ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList& arguments)
 {
     if (arguments.size() != 1) {
         return wrongArgumentCount("screenshot");
@@ -24,7 +26,11 @@ ExitStatus captureScreenShot(const QStringList& arguments)
     if (!answer) {
         return Failed;
     }
-    printLine(*answer);
+    if (isJsonWanted(parser)) {
+        printJson(QJsonObject{{QStringLiteral("path"), *answer}});
+    } else {
+        printLine(*answer);
+    }
     return Done;
 }
 
@@ -33,9 +39,7 @@ ExitStatus captureScreenShot(const QStringList& arguments)
 QList<Command> screenShotCommands()
 {
     return {
-        {"screenshot", "Stores a screenshot in a directory and prints what the service answers.", "DIR", "", noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return captureScreenShot(arguments);
-         }},
+        {"screenshot", "Stores a screenshot in a directory and prints what the service answers.", "DIR", "", jsonOption,
+         captureScreenShot},
     };
 }

@@ -11,6 +11,7 @@
 #include <QCommandLineParser>
 #include <QDBusError>
 #include <QJsonArray>
+#include <QJsonObject>
 #include <QString>
 
 namespace {
@@ -159,7 +160,7 @@ ExitStatus isCurrent(const QStringList& arguments)
     return answer && warningCount() == 0 ? Done : Failed;
 }
 
-ExitStatus showPid(const QStringList& arguments)
+ExitStatus showPid(const QCommandLineParser& parser, const QStringList& arguments)
 {
     if (arguments.size() != 1) {
         return wrongArgumentCount("pid");
@@ -168,7 +169,11 @@ ExitStatus showPid(const QStringList& arguments)
     if (warningCount() > 0) {
         return Failed;
     }
-    printLine(QString::number(pid));
+    if (isJsonWanted(parser)) {
+        printJson(QJsonObject{{QStringLiteral("pid"), static_cast<qint64>(pid)}});
+    } else {
+        printLine(QString::number(pid));
+    }
     return Done;
 }
 
@@ -207,9 +212,6 @@ QList<Command> viewCommands()
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return isCurrent(arguments);
          }},
-        {"pid", "Prints the process id of the one running process of a name.", "PROCESS", "", noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return showPid(arguments);
-         }},
+        {"pid", "Prints the process id of the one running process of a name.", "PROCESS", "", jsonOption, showPid},
     };
 }

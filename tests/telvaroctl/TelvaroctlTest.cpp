@@ -398,6 +398,9 @@ private Q_SLOTS:
         const Result found = telvaroctl({QStringLiteral("pid"), name});
         QCOMPARE(found.status, 0);
         QCOMPARE(found.output, QStringLiteral("%1\n").arg(pid));
+        const Result json = telvaroctl({QStringLiteral("pid"), QStringLiteral("--json"), name});
+        QCOMPARE(json.status, 0);
+        QCOMPARE(json.output, QStringLiteral("{\n    \"pid\": %1\n}\n").arg(pid));
 
         QCOMPARE(telvaroctl({QStringLiteral("is-current"), name}).status, 1);
         QCOMPARE(telvaroctl({QStringLiteral("top"), name}).status, 0);
@@ -533,8 +536,16 @@ private Q_SLOTS:
                                  .arg(QFileInfo(directory.path()).canonicalFilePath())));
     }
 
+    void screenShotPrintsTheAnswerAsJson()
+    {
+        const Result result = telvaroctl(words("screenshot --json /"));
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("{\n    \"path\": \"/shots/1.png\"\n}\n"));
+    }
+
     void screenShotIntoNowhereIsAFailure()
     {
+        QCOMPARE(telvaroctl(words("screenshot --json /no/such/directory")).output, QString());
         const Result result = telvaroctl(words("screenshot /no/such/directory"));
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
