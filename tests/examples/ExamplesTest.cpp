@@ -31,6 +31,8 @@ private Q_SLOTS:
     void taskSwitcherBarFollowsTheViews();
     void screenSettingsWritesWhatTheUserSets();
     void screenSettingsShowsWhatTheServiceHas();
+    void notesStepsThroughItsViewsAndAround();
+    void notesShowsWhatIsWritten();
     void notifyAndCaptureSendsANotification();
     void notifyAndCaptureStoresAPicture();
     void notifyAndCaptureGoesOnAfterAFailure();
@@ -59,6 +61,9 @@ namespace {
 
 const QString cTaskSwitcherBar = QStringLiteral("task-switcher-bar");
 const QString cScreenSettings = QStringLiteral("screen-settings");
+const QString cNotes = QStringLiteral("notes");
+// Its application id.
+const QString cNotesId = QStringLiteral("org.example.notes");
 const QString cNotifyAndCapture = QStringLiteral("notify-and-capture");
 const QString cViewLogger = QStringLiteral("view-logger");
 const QString cQmlTaskSwitcher = QStringLiteral("qml-task-switcher");
@@ -173,6 +178,63 @@ void ExamplesTest::screenSettingsShowsWhatTheServiceHas()
     }));
     mDesk->press(QStringLiteral("alt+s"));
     QTRY_VERIFY_WITH_TIMEOUT(isScreenSaverEnabled(), ChildProcess::cDeadline);
+}
+
+void ExamplesTest::notesStepsThroughItsViewsAndAround()
+{
+    const QStringList titles{QStringLiteral("Shopping list"), QStringLiteral("Recipes"), QStringLiteral("Birthdays")};
+    const Program notes = startExample(cNotes, titles);
+    const auto currentTitle = [this] {
+        return mDesk->waitForCurrent(cNotesId).info1;
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(currentTitle(), titles.last(), ChildProcess::cDeadline);
+
+    // The background and the button of a note, both in the colours of paper.
+    const QColor paper(0xfb, 0xf6, 0xe6);
+    const QColor button(0xe9, 0xdf, 0xc2);
+    const QRect heading(0, 40, 512, 80);
+    QList<QImage> headings;
+    for (const QString& title : titles) {
+        mDesk->waitForRow(paper, 900);
+        const QImage before = mDesk->picture().copy(heading);
+        mDesk->click(mDesk->waitForRow(button, 80));
+        QTRY_COMPARE_WITH_TIMEOUT(currentTitle(), title, ChildProcess::cDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(mDesk->picture().copy(heading) != before, ChildProcess::cDeadline);
+        mDesk->waitForRow(paper, 900);
+        headings.append(mDesk->picture().copy(heading));
+        QCOMPARE(headings.count(headings.last()), 1);
+    }
+}
+
+void ExamplesTest::notesShowsWhatIsWritten()
+{
+    const Program notes = startExample(cNotes, {QStringLiteral("Recipes")});
+    mDesk->waitForCurrent(cNotesId);
+    mDesk->waitForRow(QColor(0xfb, 0xf6, 0xe6), 900);
+    // From the first dark pixel of the text to the last one, in pixels.
+    const auto inkWidth = [this] {
+        const QImage text = mDesk->picture().copy(0, 110, 1024, 490);
+        int first = text.width();
+        int last = first;
+        for (int y = 0; y < text.height(); ++y) {
+            for (int x = 0; x < text.width(); ++x) {
+                if (text.pixelColor(x, y).lightness() < 90) {
+                    first = qMin(first, x);
+                    last = last == text.width() ? x : qMax(last, x);
+                }
+            }
+        }
+        return last - first;
+    };
+    // The invitation to write makes way for one letter, which is wider than a cursor.
+    constexpr int cInvitationWidth = 100;
+    constexpr int cCursorWidth = 2;
+    QVERIFY(inkWidth() > cInvitationWidth);
+    mDesk->click({512, 300});
+    QVERIFY(pressUntil(QStringLiteral("m"), [&inkWidth] {
+        const int width = inkWidth();
+        return width > cCursorWidth && width < cInvitationWidth;
+    }));
 }
 
 void ExamplesTest::notifyAndCaptureSendsANotification()
