@@ -39,8 +39,7 @@ BusService::~BusService()
         mConnection.unregisterObject(path);
     }
     if (mConnection.isConnected()) {
-        mConnection.unregisterService(cNotificationName);
-        mConnection.unregisterService(cServiceName);
+        giveNamesBack();
     }
 }
 
@@ -77,4 +76,10 @@ void BusService::takeNotificationName()
         qWarning("the name %s is taken by another notification server; notifications arrive under the name %s only",
                  qUtf8Printable(cNotificationName), qUtf8Printable(cServiceName));
     }
+}
+
+void BusService::giveNamesBack()
+{
+    mConnection.unregisterService(cNotificationName);
+    mConnection.unregisterService(cServiceName);
 }

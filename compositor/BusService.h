@@ -23,6 +23,13 @@ public:
     /// Takes the name under which applications of any desktop look for the notification server, if it is free.
     void takeNotificationName();
 
+    /// Undoes both: the objects stay, but are not found.
+    void giveNamesBack();
+
+    const QDBusConnection& connection() const
+    {
+        return mConnection;
+    }
     QString error() const
     {
         return mError;

@@ -6,6 +6,10 @@
 #include <QPixmap>
 #include <QWindow>
 
+namespace {
+constexpr int cLargestEdge = 256;
+}
+
 ClientCursor::ClientCursor(QWindow& window, QObject* parent)
     : QObject(parent)
     , mWindow(window)
@@ -39,8 +43,9 @@ void ClientCursor::reset()
 void ClientCursor::showImage()
 {
     mSurface->update();
-    if (!mSurface->image().isNull()) {
-        const QImage image = mSurface->image().scaled(mSurface->size());
+    const QSize size = mSurface->size();
+    if (!mSurface->image().isNull() && size.width() <= cLargestEdge && size.height() <= cLargestEdge) {
+        const QImage image = mSurface->image().scaled(size);
         mWindow.setCursor(QCursor(QPixmap::fromImage(image), mHotSpot.x(), mHotSpot.y()));
     }
 }

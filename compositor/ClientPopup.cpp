@@ -12,9 +12,11 @@ ClientPopup::ClientPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface
     , mXdgSurface(xdgSurface)
     , mParentXdgSurface(popup->parentXdgSurface())
     , mSurface(ClientSurface::of(xdgSurface->surface()))
+    , mClient(xdgSurface->surface()->client())
     , mGeometry(popup->unconstrainedPosition(), popup->positionerSize())
 {
     connect(mSurface, &ClientSurface::committed, this, &ClientPopup::committed);
+    connect(popup, &QObject::destroyed, this, &QObject::deleteLater);
     connect(xdgSurface, &QObject::destroyed, this, &QObject::deleteLater);
     connect(xdgSurface->surface(), &QWaylandSurface::surfaceDestroyed, this, &QObject::deleteLater);
 }
@@ -30,7 +32,8 @@ void ClientPopup::place(const QRect& bounds)
 
 void ClientPopup::dismiss()
 {
-    if (mPopup != nullptr) {
+    if (!mIsDismissed && mPopup != nullptr) {
+        mIsDismissed = true;
         mPopup->sendPopupDone();
     }
 }

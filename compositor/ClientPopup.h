@@ -31,9 +31,15 @@ public:
     {
         return mSurface;
     }
-    bool isMapped() const
+    /// As long as neither side has ended it.
+    bool isOpen() const
     {
-        return mSurface != nullptr && !mSurface->size().isEmpty();
+        return mSurface != nullptr && !mIsDismissed;
+    }
+    /// For a comparison only: the client may be gone.
+    const QWaylandClient* client() const
+    {
+        return mClient;
     }
 
     /// Chooses the place within \a bounds, which are relative to the parent's window geometry.
@@ -43,6 +49,7 @@ public:
     {
         return mGeometry.topLeft();
     }
+    /// Ends it from this side. The client is told once: it may be one that does not read.
     void dismiss();
 
 Q_SIGNALS:
@@ -53,5 +60,7 @@ private:
     QPointer<QWaylandXdgSurface> mXdgSurface;
     QPointer<QWaylandXdgSurface> mParentXdgSurface;
     QPointer<ClientSurface> mSurface;
+    const QWaylandClient* mClient;
     QRect mGeometry;
+    bool mIsDismissed = false;
 };

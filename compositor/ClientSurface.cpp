@@ -2,6 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ClientSurface.h"
 
+#include "Extent.h"
+
+#include <QHash>
 #include <QPainter>
 #include <QWaylandSurface>
 
@@ -14,15 +17,45 @@
 namespace {
 /// Deeper trees are a client's mistake, and painting them is recursive.
 constexpr int cLargestTreeHeight = 32;
+/// Two pictures of the largest output. A client can show a single buffer on any number of surfaces.
+constexpr qint64 cMostBytesPerClient = 2 * 8192LL * 8192 * sizeof(QRgb);
+
+QHash<const QWaylandClient*, qint64>& bytesByClient()
+{
+    static QHash<const QWaylandClient*, qint64> bytes;
+    return bytes;
+}
 } // namespace
 
 ClientSurface::ClientSurface(QWaylandSurface* surface, QObject* parent)
     : QWaylandView(nullptr, parent)
+    , mClient(surface->client())
 {
     setSurface(surface);
     connect(surface, &QWaylandSurface::childAdded, this, &ClientSurface::addChild);
     connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::committed);
     connect(this, &QWaylandView::surfaceDestroyed, this, &QObject::deleteLater);
+}
+
+ClientSurface::~ClientSurface()
+{
+    setImage(QImage());
+}
+
+bool ClientSurface::hasRoomFor(const QSize& size) const
+{
+    const qint64 bytes = qint64(size.width()) * size.height() * static_cast<qint64>(sizeof(QRgb));
+    return bytesByClient().value(mClient) - mImage.sizeInBytes() + bytes <= cMostBytesPerClient;
+}
+
+void ClientSurface::setImage(const QImage& image)
+{
+    qint64& bytes = bytesByClient()[mClient];
+    bytes += image.sizeInBytes() - mImage.sizeInBytes();
+    mImage = image;
+    if (bytes == 0) {
+        bytesByClient().remove(mClient);
+    }
 }
 
 ClientSurface* ClientSurface::of(const QWaylandSurface* surface)
@@ -61,16 +94,16 @@ QRegion ClientSurface::takeBuffer()
     const QRectF oldSource = mSource;
     wl_resource* const resource = surface() != nullptr && buffer.hasContent() ? buffer.wl_buffer() : nullptr;
     wl_shm_buffer* const memory = resource == nullptr ? nullptr : wl_shm_buffer_get(resource);
-    if (memory == nullptr) {
+    if (memory == nullptr || !hasRoomFor(buffer.size())) {
         // A null buffer hides the surface; so does one that is already destroyed or lives where only a GPU reads.
-        mImage = QImage();
+        setImage(QImage());
         mSize = QSize();
         mSource = QRectF();
     } else {
         const int scale = surface()->bufferScale();
-        mSize = surface()->destinationSize();
+        mSize = Extent::bounded(surface()->destinationSize());
         mSource = QRectF(surface()->sourceGeometry().topLeft() * scale, surface()->sourceGeometry().size() * scale);
-        const bool isScaled = mSize * scale != buffer.size();
+        const bool isScaled = QSizeF(mSize) * scale != QSizeF(buffer.size());
         // The client may have shortened the memory's file: libwayland catches the fault between these two calls.
         wl_shm_buffer_begin_access(memory);
         copyPixels(buffer.image(), isScaled ? QRegion() : damage, scale);
@@ -92,12 +125,13 @@ void ClientSurface::copyPixels(const QImage& source, const QRegion& damage, int 
     const bool isPlain =
         source.format() == QImage::Format_RGB32 || source.format() == QImage::Format_ARGB32_Premultiplied;
     if (!isPlain) {
-        mImage = source.convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
-                                                                 : QImage::Format_RGB32);
+        // Qt converts in other threads, where libwayland does not catch the fault.
+        setImage(source.copy().convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                        : QImage::Format_RGB32));
         return;
     }
     if (damage.isEmpty() || mImage.size() != source.size() || mImage.format() != source.format()) {
-        mImage = source.copy();
+        setImage(source.copy());
         return;
     }
     for (const QRect& rect : damage) {
@@ -168,11 +202,7 @@ void ClientSurface::addChild(QWaylandSurface* surface)
     if (child == nullptr || child->contains(this) || ancestorCount() + child->height() >= cLargestTreeHeight) {
         return;
     }
-    if (child->mParent != nullptr) {
-        child->mParent->removeChild(child);
-        child->disconnect(child->mParent);
-        surface->disconnect(child->mParent);
-    }
+    child->leaveParent();
     child->mParent = this;
     mChildrenAbove.append({child, QPoint()});
     connect(child, &ClientSurface::committed, this, &ClientSurface::committed);
@@ -192,6 +222,18 @@ void ClientSurface::addChild(QWaylandSurface* surface)
         restackChild(child, sibling, false);
     });
     damageAll();
+}
+
+void ClientSurface::leaveParent()
+{
+    if (mParent != nullptr) {
+        mParent->removeChild(this);
+        disconnect(mParent);
+        if (surface() != nullptr) {
+            surface()->disconnect(mParent);
+        }
+        mParent = nullptr;
+    }
 }
 
 bool ClientSurface::contains(const ClientSurface* other) const
@@ -237,7 +279,7 @@ void ClientSurface::moveChild(const ClientSurface* child, const QPoint& position
     for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (Child& other : *children) {
             if (other.surface == child) {
-                other.position = position;
+                other.position = Extent::bounded(position);
             }
         }
     }

@@ -20,6 +20,7 @@ class ClientSurface : public QWaylandView
 
 public:
     ClientSurface(QWaylandSurface* surface, QObject* parent);
+    ~ClientSurface() override;
 
     /// Null when \a surface is null or already gone.
     static ClientSurface* of(const QWaylandSurface* surface);
@@ -41,6 +42,14 @@ public:
     void sendFrameCallbacks();
     /// The surface of this tree that takes input at \a position, and the place in it; null when there is none.
     ClientSurface* surfaceAt(const QPointF& position, QPointF* localPosition);
+
+    /// Whether it is a part of another surface.
+    bool hasParent() const
+    {
+        return mParent != nullptr;
+    }
+    /// Ends being one.
+    void leaveParent();
 
     void bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage) override;
 
@@ -65,12 +74,17 @@ private:
     void restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above);
     void damageAll();
     QRegion takeBuffer();
+    /// Whether a copy of that size is within what one client may take.
+    bool hasRoomFor(const QSize& size) const;
+    void setImage(const QImage& image);
     void copyPixels(const QImage& source, const QRegion& damage, int scale);
 
     QWaylandBufferRef mCommittedBuffer;
     QRegion mCommittedDamage;
     bool mHasCommit = false;
 
+    /// Only to tell the clients apart.
+    const QWaylandClient* mClient;
     QImage mImage;
     QSize mSize;
     QRectF mSource;

@@ -3,6 +3,7 @@
 #include "ClientWindow.h"
 
 #include "ClientWatch.h"
+#include "Extent.h"
 #include "ViewList.h"
 
 #include <QFile>
@@ -77,7 +78,7 @@ QWaylandXdgToplevel* ClientWindow::parentToplevel() const
 
 QRect ClientWindow::windowGeometry() const
 {
-    return mXdgSurface == nullptr ? QRect() : mXdgSurface->windowGeometry();
+    return mXdgSurface == nullptr ? QRect() : Extent::bounded(mXdgSurface->windowGeometry());
 }
 
 bool ClientWindow::isResponding() const

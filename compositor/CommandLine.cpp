@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CommandLine.h"
 
+#include "ScriptFile.h"
+
 #include <QRegularExpression>
 
 namespace {
@@ -21,6 +23,9 @@ CommandLine::CommandLine(const QStringList& arguments)
         }
         if (option == QLatin1String("--screensaver-timeout")) {
             return &CommandLine::setScreenSaverTimeout;
+        }
+        if (option == QLatin1String("--script")) {
+            return &CommandLine::setScript;
         }
         return nullptr;
     };
@@ -69,6 +74,8 @@ QString CommandLine::helpText()
                           "  --fullscreen-window            fill the desktop's screen, whatever its size\n"
                           "  --screensaver-timeout SECONDS  seconds without input until the screen saver starts,\n"
                           "                                 0 for never (default: 300)\n"
+                          "  --script FILE                  play the script: views that come and go, calls that\n"
+                          "                                 fail, and more, at given times\n"
                           "  -h, --help                     print this text and exit\n"
                           "  --version                      print the version and exit\n"
                           "\n"
@@ -115,4 +122,14 @@ void CommandLine::setScreenSaverTimeout(const QString& text)
         return;
     }
     mScreenSaverTimeoutSeconds = seconds;
+}
+
+void CommandLine::setScript(const QString& fileName)
+{
+    const auto script = ScriptFile::read(fileName);
+    if (const auto* const error = std::get_if<ScriptFile::Error>(&script)) {
+        refuse(error->text);
+        return;
+    }
+    mScript = std::get<Script::Plan>(script);
 }

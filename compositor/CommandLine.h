@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Script.h"
+
 #include <QByteArray>
 #include <QSize>
 #include <QString>
@@ -44,6 +46,11 @@ public:
     {
         return mScreenSaverTimeoutSeconds;
     }
+    /// Empty where no script is given.
+    const Script::Plan& script() const
+    {
+        return mScript;
+    }
     bool isFullScreenWindow() const
     {
         return mFullScreenWindow;
@@ -56,6 +63,7 @@ private:
     void setSize(const QString& text);
     void setSocketName(const QString& text);
     void setScreenSaverTimeout(const QString& text);
+    void setScript(const QString& fileName);
 
     Task mTask = Task::Run;
     QString mError;
@@ -63,4 +71,5 @@ private:
     QByteArray mSocketName;
     int mScreenSaverTimeoutSeconds = 300;
     bool mFullScreenWindow = false;
+    Script::Plan mScript;
 };

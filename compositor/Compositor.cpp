@@ -17,11 +17,12 @@ Compositor::Compositor(const CommandLine& commandLine)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
     , mServer(mOutput, mWindow, mViews, mWindowStack)
-    , mTaskSwitcherObject(mViews)
-    , mScreenObject(mOutput, mScreenSaver)
-    , mGlobalOverlayObject(mOverlayPanel)
-    , mScreenShotObject(mScene)
-    , mNotificationsObject(mNotificationCenter)
+    , mTaskSwitcherObject(mViews, mCallGate)
+    , mScreenObject(mOutput, mScreenSaver, mCallGate)
+    , mGlobalOverlayObject(mOverlayPanel, mCallGate)
+    , mScreenShotObject(mScene, mCallGate)
+    , mNotificationsObject(mNotificationCenter, mCallGate)
+    , mScriptPlayer(commandLine.script(), mViews, mScreenSaver, mCallGate, mBusService)
 {
     mScene.addLayer(&mBackground);
     mScene.addLayer(&mWindowStack);
@@ -47,13 +48,17 @@ bool Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    mSeatInput =
-        std::make_unique<SeatInput>(mServer.defaultSeat(), mWindowStack, mNotificationCards, mScreenSaver, mWindow);
+    mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mWindowStack, mNotificationCards,
+                                             mScreenSaver, mWindow);
     mWindow.setInput(mSeatInput.get());
     if (mCommandLine.isFullScreenWindow()) {
         mWindow.showFullScreen();
     } else {
         mWindow.show();
+    }
+    if (!mScriptPlayer.start()) {
+        mError = mScriptPlayer.error();
+        return false;
     }
     return true;
 }

@@ -4,6 +4,7 @@
 
 #include "Background.h"
 #include "BusService.h"
+#include "CallGate.h"
 #include "GlobalOverlayObject.h"
 #include "NotificationCards.h"
 #include "NotificationCenter.h"
@@ -15,6 +16,7 @@
 #include "ScreenObject.h"
 #include "ScreenSaver.h"
 #include "ScreenShotObject.h"
+#include "ScriptPlayer.h"
 #include "SeatInput.h"
 #include "StatusBar.h"
 #include "TaskSwitcherObject.h"
@@ -47,6 +49,10 @@ public:
     {
         return mBusService;
     }
+    const ScriptPlayer& scriptPlayer() const
+    {
+        return mScriptPlayer;
+    }
 
 private:
     bool publishObjects();
@@ -70,10 +76,12 @@ private:
     WaylandServer mServer;
     std::unique_ptr<SeatInput> mSeatInput;
 
+    CallGate mCallGate;
     TaskSwitcherObject mTaskSwitcherObject;
     ScreenObject mScreenObject;
     GlobalOverlayObject mGlobalOverlayObject;
     ScreenShotObject mScreenShotObject;
     NotificationsObject mNotificationsObject;
     BusService mBusService;
+    ScriptPlayer mScriptPlayer;
 };

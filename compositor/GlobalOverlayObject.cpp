@@ -2,14 +2,15 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "GlobalOverlayObject.h"
 
+#include "GatedAdaptor.h"
 #include "GlobalOverlayObjectAdaptor.h"
 #include "OverlayPanel.h"
 
-GlobalOverlayObject::GlobalOverlayObject(OverlayPanel& panel, QObject* parent)
+GlobalOverlayObject::GlobalOverlayObject(OverlayPanel& panel, CallGate& gate, QObject* parent)
     : QObject(parent)
     , mPanel(panel)
 {
-    new GlobalOverlayObjectAdaptor(this);
+    new GatedAdaptor<GlobalOverlayObjectAdaptor>(this, gate);
 }
 
 void GlobalOverlayObject::Show(const QString& message)

@@ -2,17 +2,19 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include <QDBusContext>
 #include <QObject>
 
+class CallGate;
 class OverlayPanel;
 
 /// The global overlay on the bus. Its slots bear the names of the interface's methods.
-class GlobalOverlayObject : public QObject
+class GlobalOverlayObject : public QObject, protected QDBusContext
 {
     Q_OBJECT
 
 public:
-    explicit GlobalOverlayObject(OverlayPanel& panel, QObject* parent = nullptr);
+    GlobalOverlayObject(OverlayPanel& panel, CallGate& gate, QObject* parent = nullptr);
 
 public Q_SLOTS:
     void Show(const QString& message);

@@ -23,9 +23,9 @@ QImage scaled(const QImage& image, int size)
 
 QImage loadFile(const QString& path, int size)
 {
-    // Anything but an ordinary file might block or never end.
+    // Anything but an ordinary file might block or never end, and so might the kernel's own, which have no size.
     const QFileInfo file(path);
-    if (!file.isFile() || file.size() > cLargestFile) {
+    if (!file.isFile() || file.size() == 0 || file.size() > cLargestFile) {
         return {};
     }
     QImageReader reader(path);

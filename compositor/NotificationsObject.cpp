@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "NotificationsObject.h"
 
+#include "GatedAdaptor.h"
 #include "NotificationCenter.h"
 #include "NotificationImage.h"
 #include "NotificationsObjectAdaptor.h"
@@ -77,11 +78,11 @@ QVector<Notification::Action> actionsOf(const QStringList& list, bool keysAreIco
 }
 } // namespace
 
-NotificationsObject::NotificationsObject(NotificationCenter& center, QObject* parent)
+NotificationsObject::NotificationsObject(NotificationCenter& center, CallGate& gate, QObject* parent)
     : QObject(parent)
     , mCenter(center)
 {
-    new NotificationsObjectAdaptor(this);
+    new GatedAdaptor<NotificationsObjectAdaptor>(this, gate);
     connect(&center, &NotificationCenter::closed, this, [this](quint32 id, NotificationCenter::CloseReason reason) {
         Q_EMIT NotificationClosed(id, static_cast<uint>(reason));
     });

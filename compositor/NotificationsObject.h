@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+class CallGate;
 class NotificationCenter;
 
 /// The notification server on the bus, as the Desktop Notifications Specification wants it. The slots and signals bear
@@ -16,7 +17,7 @@ class NotificationsObject : public QObject, protected QDBusContext
     Q_OBJECT
 
 public:
-    explicit NotificationsObject(NotificationCenter& center, QObject* parent = nullptr);
+    NotificationsObject(NotificationCenter& center, CallGate& gate, QObject* parent = nullptr);
 
 public Q_SLOTS:
     uint Notify(const QString& appName, uint replacesId, const QString& appIcon, const QString& summary,

@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "PopupPlacement.h"
 
+#include "Extent.h"
+
 #include <QWaylandXdgPopup>
 
 #include <algorithm>
@@ -68,7 +70,9 @@ Span placeAlong(const Axis& axis)
 
 QRect PopupPlacement::place(const QWaylandXdgPopup& popup, const QRect& bounds)
 {
-    const QRect anchor = popup.anchorRect();
+    const QRect anchor = Extent::bounded(popup.anchorRect());
+    const QPoint offset = Extent::bounded(popup.offset());
+    const QSize size = Extent::bounded(popup.positionerSize());
     const Qt::Edges anchors = popup.anchorEdges();
     const Qt::Edges gravity = popup.gravityEdges();
     const auto has = [](Qt::Edges edges, Qt::Edge edge) {
@@ -77,13 +81,13 @@ QRect PopupPlacement::place(const QWaylandXdgPopup& popup, const QRect& bounds)
 
     const Span x = placeAlong(
         {anchor.x(), anchor.width(), has(anchors, Qt::LeftEdge), has(anchors, Qt::RightEdge),
-         has(gravity, Qt::LeftEdge), has(gravity, Qt::RightEdge), popup.offset().x(), popup.positionerSize().width(),
-         bounds.x(), bounds.x() + bounds.width(), popup.flipConstraints().testFlag(Qt::Horizontal),
+         has(gravity, Qt::LeftEdge), has(gravity, Qt::RightEdge), offset.x(), size.width(), bounds.x(),
+         bounds.x() + bounds.width(), popup.flipConstraints().testFlag(Qt::Horizontal),
          popup.slideConstraints().testFlag(Qt::Horizontal), popup.resizeConstraints().testFlag(Qt::Horizontal)});
-    const Span y = placeAlong(
-        {anchor.y(), anchor.height(), has(anchors, Qt::TopEdge), has(anchors, Qt::BottomEdge),
-         has(gravity, Qt::TopEdge), has(gravity, Qt::BottomEdge), popup.offset().y(), popup.positionerSize().height(),
-         bounds.y(), bounds.y() + bounds.height(), popup.flipConstraints().testFlag(Qt::Vertical),
-         popup.slideConstraints().testFlag(Qt::Vertical), popup.resizeConstraints().testFlag(Qt::Vertical)});
-    return {x.start, y.start, x.length, y.length};
+    const Span y =
+        placeAlong({anchor.y(), anchor.height(), has(anchors, Qt::TopEdge), has(anchors, Qt::BottomEdge),
+                    has(gravity, Qt::TopEdge), has(gravity, Qt::BottomEdge), offset.y(), size.height(), bounds.y(),
+                    bounds.y() + bounds.height(), popup.flipConstraints().testFlag(Qt::Vertical),
+                    popup.slideConstraints().testFlag(Qt::Vertical), popup.resizeConstraints().testFlag(Qt::Vertical)});
+    return Extent::bounded(QRect(x.start, y.start, x.length, y.length));
 }

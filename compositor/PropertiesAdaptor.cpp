@@ -2,18 +2,12 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "PropertiesAdaptor.h"
 
+#include "BusInterfaces.h"
+
 #include <QDBusContext>
 #include <QDBusMetaType>
-#include <QMetaClassInfo>
 
 namespace {
-QString interfaceOf(const QObject* adaptor)
-{
-    const QMetaObject* const metaObject = adaptor->metaObject();
-    const int index = metaObject->indexOfClassInfo("D-Bus Interface");
-    return index < 0 ? QString() : QString::fromLatin1(metaObject->classInfo(index).value());
-}
-
 QString signatureOf(int type)
 {
     return QString::fromLatin1(QDBusMetaType::typeToSignature(type));
@@ -83,7 +77,7 @@ QDBusAbstractAdaptor* PropertiesAdaptor::adaptorOf(const QString& interfaceName)
 {
     const auto adaptors = parent()->findChildren<QDBusAbstractAdaptor*>(QString(), Qt::FindDirectChildrenOnly);
     for (QDBusAbstractAdaptor* adaptor : adaptors) {
-        if (adaptor != this && interfaceOf(adaptor) == interfaceName) {
+        if (adaptor != this && BusInterfaces::nameOf(adaptor->metaObject()) == interfaceName) {
             return adaptor;
         }
     }
@@ -123,8 +117,8 @@ void PropertiesAdaptor::announceChange()
             const char* const name = description->property(i).name();
             const int own = parent()->metaObject()->indexOfProperty(name);
             if (own >= 0 && parent()->metaObject()->property(own).notifySignalIndex() == senderSignalIndex()) {
-                Q_EMIT PropertiesChanged(interfaceOf(adaptor), {{QString::fromLatin1(name), parent()->property(name)}},
-                                         {});
+                Q_EMIT PropertiesChanged(BusInterfaces::nameOf(description),
+                                         {{QString::fromLatin1(name), parent()->property(name)}}, {});
             }
         }
     }

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ScreenObject.h"
 
+#include "GatedAdaptor.h"
 #include "Output.h"
 #include "PropertiesAdaptor.h"
 #include "ScreenObjectAdaptor.h"
@@ -9,13 +10,13 @@
 
 #include <QDBusError>
 
-ScreenObject::ScreenObject(Output& output, ScreenSaver& screenSaver, QObject* parent)
+ScreenObject::ScreenObject(Output& output, ScreenSaver& screenSaver, CallGate& gate, QObject* parent)
     : QObject(parent)
     , mOutput(output)
     , mScreenSaver(screenSaver)
 {
-    new ScreenObjectAdaptor(this);
-    new PropertiesAdaptor(this);
+    new GatedAdaptor<ScreenObjectAdaptor>(this, gate);
+    new GatedAdaptor<PropertiesAdaptor>(this, gate);
 
     connect(&screenSaver, &ScreenSaver::activeChanged, this, &ScreenObject::screenSaverActiveChanged);
     connect(&screenSaver, &ScreenSaver::enabledChanged, this, &ScreenObject::screenSaverEnabledChanged);

@@ -5,6 +5,7 @@
 #include <QDBusContext>
 #include <QObject>
 
+class CallGate;
 class Output;
 class ScreenSaver;
 
@@ -21,7 +22,7 @@ class ScreenObject : public QObject, protected QDBusContext
     Q_PROPERTY(bool fullScreen READ fullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
 
 public:
-    ScreenObject(Output& output, ScreenSaver& screenSaver, QObject* parent = nullptr);
+    ScreenObject(Output& output, ScreenSaver& screenSaver, CallGate& gate, QObject* parent = nullptr);
 
     bool screenSaverActive() const;
     bool screenSaverEnabled() const;

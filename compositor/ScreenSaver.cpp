@@ -33,6 +33,15 @@ void ScreenSaver::setTimeoutSeconds(int seconds)
     restart();
 }
 
+bool ScreenSaver::activate()
+{
+    if (mEnabled) {
+        mTimer.stop();
+        setActive(true);
+    }
+    return mEnabled;
+}
+
 void ScreenSaver::noteInput()
 {
     // Input is frequent: the timer is left alone and finds out by itself, when it ends, that it was too early.

@@ -32,6 +32,8 @@ public:
     }
     void setTimeoutSeconds(int seconds);
 
+    /// Blanks the screen as if the time were over; false when the screen saver is disabled.
+    bool activate();
     /// To be called for every input.
     void noteInput();
 

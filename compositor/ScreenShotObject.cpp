@@ -2,15 +2,16 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ScreenShotObject.h"
 
+#include "GatedAdaptor.h"
 #include "Scene.h"
 #include "ScreenShotObjectAdaptor.h"
 #include "ScreenshotFile.h"
 
-ScreenShotObject::ScreenShotObject(Scene& scene, QObject* parent)
+ScreenShotObject::ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent)
     : QObject(parent)
     , mScene(scene)
 {
-    new ScreenShotObjectAdaptor(this);
+    new GatedAdaptor<ScreenShotObjectAdaptor>(this, gate);
 }
 
 QString ScreenShotObject::ScreenShot(const QString& directory)

@@ -5,6 +5,7 @@
 #include <QDBusContext>
 #include <QObject>
 
+class CallGate;
 class Scene;
 
 /// Screenshots on the bus. The slot bears the name of the interface's method.
@@ -13,7 +14,7 @@ class ScreenShotObject : public QObject, protected QDBusContext
     Q_OBJECT
 
 public:
-    explicit ScreenShotObject(Scene& scene, QObject* parent = nullptr);
+    ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent = nullptr);
 
 public Q_SLOTS:
     /// Answers the path of the new file, or an error that says what is wrong with the directory.

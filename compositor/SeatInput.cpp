@@ -3,21 +3,28 @@
 #include "SeatInput.h"
 
 #include "NotificationCards.h"
+#include "RequestGuard.h"
 #include "ScreenSaver.h"
 
 #include <QKeyEvent>
-#include <QWaylandDrag>
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
-SeatInput::SeatInput(QWaylandSeat* seat, WindowStack& stack, NotificationCards& cards, ScreenSaver& screenSaver,
-                     QWindow& window)
+SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
+                     ScreenSaver& screenSaver, QWindow& window)
     : mSeat(seat)
     , mStack(stack)
     , mCards(cards)
     , mScreenSaver(screenSaver)
     , mCursor(window)
+    , mDrag(seat, guard)
 {
+    guard.setCursorRule([this](wl_client* client) {
+        return hasPointer(client);
+    });
+    guard.setDragRule([this](wl_client* client) {
+        return hasPressedButton(client) && !mDrag.isActive();
+    });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
     connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
         mCursor.set(surface, QPoint(x, y));
@@ -80,8 +87,8 @@ void SeatInput::pointerRelease(const QPointF& position, Qt::MouseButton button)
         return;
     }
     mPressedButtons.setFlag(button, false);
-    if (mSeat->drag()->origin() != nullptr) {
-        mSeat->drag()->drop();
+    if (mDrag.isActive()) {
+        mDrag.drop();
     }
     mSeat->sendMouseReleaseEvent(button);
     updatePointerFocus();
@@ -143,10 +150,10 @@ void SeatInput::updatePointerFocus()
     if (!mIsInside) {
         return;
     }
-    if (mSeat->drag()->origin() != nullptr) {
+    if (mDrag.isActive()) {
         const WindowStack::Hit hit = mStack.surfaceAt(mPosition);
         if (hit.window == nullptr || hit.window->admitEvent()) {
-            mSeat->drag()->dragMove(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
+            mDrag.move(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
         }
         return;
     }
@@ -181,4 +188,16 @@ void SeatInput::setPointerFocus(const WindowStack::Hit& target)
 bool SeatInput::admitPointerEvent()
 {
     return mPointerWindow != nullptr && mSeat->mouseFocus() != nullptr && mPointerWindow->admitEvent();
+}
+
+bool SeatInput::hasPointer(wl_client* client) const
+{
+    const QWaylandView* const focus = mSeat->mouseFocus();
+    return focus != nullptr && focus->surface() != nullptr && focus->surface()->waylandClient() == client;
+}
+
+bool SeatInput::hasPressedButton(wl_client* client) const
+{
+    return mPressedButtons && mGrabbingSurface != nullptr && mGrabbingSurface->surface() != nullptr
+        && mGrabbingSurface->surface()->waylandClient() == client;
 }

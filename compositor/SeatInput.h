@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ClientCursor.h"
+#include "ClientDrag.h"
 #include "ClientSurface.h"
 #include "ClientWindow.h"
 #include "WindowStack.h"
@@ -25,8 +26,8 @@ class SeatInput : public QObject
     Q_OBJECT
 
 public:
-    SeatInput(QWaylandSeat* seat, WindowStack& stack, NotificationCards& cards, ScreenSaver& screenSaver,
-              QWindow& window);
+    SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
+              ScreenSaver& screenSaver, QWindow& window);
 
     void pointerMotion(const QPointF& position);
     void pointerPress(const QPointF& position, Qt::MouseButton button);
@@ -44,12 +45,15 @@ private:
     void setPointerFocus(const WindowStack::Hit& target);
     /// Whether a press or a turn of the wheel may be sent to what has the pointer.
     bool admitPointerEvent();
+    bool hasPointer(wl_client* client) const;
+    bool hasPressedButton(wl_client* client) const;
 
     QWaylandSeat* mSeat;
     WindowStack& mStack;
     NotificationCards& mCards;
     ScreenSaver& mScreenSaver;
     ClientCursor mCursor;
+    ClientDrag mDrag;
 
     QPointF mPosition;
     bool mIsInside = false;

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TaskSwitcherObject.h"
 
+#include "GatedAdaptor.h"
 #include "PropertiesAdaptor.h"
 #include "TaskSwitcherObjectAdaptor.h"
 #include "ViewList.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr int cSmallestDistanceMilliseconds = 20;
 }
 
-TaskSwitcherObject::TaskSwitcherObject(ViewList& views, QObject* parent)
+TaskSwitcherObject::TaskSwitcherObject(ViewList& views, CallGate& gate, QObject* parent)
     : QObject(parent)
     , mViews(views)
 {
@@ -21,8 +22,8 @@ TaskSwitcherObject::TaskSwitcherObject(ViewList& views, QObject* parent)
     qDBusRegisterMetaType<ViewRecordList>();
     // The property's type goes by this name, which is not the one that the list gets by itself.
     qRegisterMetaType<ViewRecordList>("ViewRecordList");
-    new TaskSwitcherObjectAdaptor(this);
-    new PropertiesAdaptor(this);
+    new GatedAdaptor<TaskSwitcherObjectAdaptor>(this, gate);
+    new GatedAdaptor<PropertiesAdaptor>(this, gate);
 
     mTimer.setSingleShot(true);
     connect(&mTimer, &QTimer::timeout, this, &TaskSwitcherObject::emitViewsChanged);

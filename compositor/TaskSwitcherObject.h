@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QTimer>
 
+class CallGate;
 class ViewList;
 
 /// The task switcher on the bus: which views there are, and which one is current.
@@ -19,7 +20,7 @@ class TaskSwitcherObject : public QObject, protected QDBusContext
     Q_PROPERTY(QString currentView READ currentView WRITE setCurrentView NOTIFY currentViewChanged)
 
 public:
-    explicit TaskSwitcherObject(ViewList& views, QObject* parent = nullptr);
+    TaskSwitcherObject(ViewList& views, CallGate& gate, QObject* parent = nullptr);
 
     ViewRecordList views() const;
     QString currentView() const;

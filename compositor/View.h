@@ -4,8 +4,9 @@
 
 #include <QSize>
 #include <QString>
+#include <QVariantMap>
 
-/// One view: what an application shows in one window.
+/// One view: what an application shows in one window, or what a script says of one.
 struct View
 {
     QString uuid;
@@ -18,4 +19,6 @@ struct View
     QSize size;
     bool isDialog = false;
     bool isResponding = true;
+    /// Told in addition to those that are made of the above, or instead of them.
+    QVariantMap attributes;
 };

@@ -34,6 +34,9 @@ ViewRecordList viewRecordsOf(const ViewList& views)
             {QStringLiteral("width"), view.size.width()},
             {QStringLiteral("height"), view.size.height()},
         };
+        for (auto attribute = view.attributes.cbegin(); attribute != view.attributes.cend(); ++attribute) {
+            record.attributes.insert(attribute.key(), attribute.value());
+        }
         records.append(record);
     }
     return records;

@@ -62,6 +62,7 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     , mStack(stack)
     , mOutput(this, &window)
     , mShell(this)
+    , mGuard(*this, mShell)
     , mViewporter(this)
 {
     setUseHardwareIntegrationExtension(false);
@@ -97,6 +98,7 @@ void WaylandServer::start(const QByteArray& socketName)
         const WithoutPlugins withoutPlugins;
         create();
     }
+    mGuard.start();
     // The globals are announced by events of their own; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
     mDecorations.initialize();

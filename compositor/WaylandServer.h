@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "RequestGuard.h"
+
 #include <QHash>
 #include <QWaylandCompositor>
 #include <QWaylandOutput>
@@ -28,6 +30,10 @@ public:
 
     /// Opens the socket.
     void start(const QByteArray& socketName);
+    RequestGuard& guard()
+    {
+        return mGuard;
+    }
 
 protected:
     QWaylandSeat* createSeat() override;
@@ -44,6 +50,7 @@ private:
     WindowStack& mStack;
     QWaylandOutput mOutput;
     QWaylandXdgShell mShell;
+    RequestGuard mGuard;
     QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
     std::unique_ptr<LogicalOutput> mLogicalOutput;

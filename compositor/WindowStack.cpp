@@ -5,6 +5,7 @@
 #include "ClientPopup.h"
 #include "ClientSurface.h"
 #include "ClientWindow.h"
+#include "Extent.h"
 #include "Output.h"
 #include "Scene.h"
 #include "ViewList.h"
@@ -12,6 +13,11 @@
 #include <QPainter>
 
 #include <algorithm>
+
+namespace {
+/// Of one client. Finding the place of one takes a step for each that it hangs on.
+constexpr int cMostPopups = 50;
+} // namespace
 
 WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)
     : QObject(parent)
@@ -43,6 +49,13 @@ void WindowStack::addWindow(ClientWindow* window)
 
 void WindowStack::addPopup(ClientPopup* popup)
 {
+    const auto count = std::count_if(mPopups.cbegin(), mPopups.cend(), [popup](const ClientPopup* other) {
+        return other->client() == popup->client();
+    });
+    if (count >= cMostPopups) {
+        popup->dismiss();
+        return;
+    }
     mPopups.append(popup);
     connect(popup, &QObject::destroyed, this, [this, popup] {
         mPopups.removeOne(popup);
@@ -106,7 +119,7 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
     QVector<ClientPopup*> popups;
     for (ClientPopup* popup : mPopups) {
         ClientWindow* const window = windowOfPopup(popup);
-        if (popup->surface() != nullptr && window != nullptr && windows.contains(window)) {
+        if (popup->isOpen() && window != nullptr && windows.contains(window)) {
             popups.append(popup);
         }
     }
@@ -143,7 +156,8 @@ QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
 
 QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
 {
-    return xdgSurface == nullptr ? QPoint() : originOf(xdgSurface) - xdgSurface->windowGeometry().topLeft();
+    return xdgSurface == nullptr ? QPoint()
+                                 : originOf(xdgSurface) - Extent::bounded(xdgSurface->windowGeometry()).topLeft();
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -181,6 +195,10 @@ void WindowStack::dismissPopups()
 {
     for (auto popup = mPopups.crbegin(); popup != mPopups.crend(); ++popup) {
         (*popup)->dismiss();
+    }
+    if (!mPopups.isEmpty()) {
+        mScene.damageAll();
+        Q_EMIT arrangementChanged();
     }
 }
 

@@ -55,6 +55,10 @@ int run(int argc, char* argv[], const CommandLine& commandLine)
         qCritical("the connection to the bus is lost");
         QCoreApplication::exit(cExitFailed);
     });
+    QObject::connect(&compositor.scriptPlayer(), &ScriptPlayer::failed, &application, [&compositor] {
+        qCritical("%s", qUtf8Printable(compositor.scriptPlayer().error()));
+        QCoreApplication::exit(cExitFailed);
+    });
     if (!compositor.start()) {
         qCritical("%s", qUtf8Printable(compositor.error()));
         return cExitFailed;

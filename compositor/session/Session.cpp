@@ -20,6 +20,7 @@ const QString cWaylandDisplay = QStringLiteral("WAYLAND_DISPLAY");
 const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
 
 constexpr int cFailure = 1;
+constexpr int cUsage = 2;
 constexpr int cCannotExecute = 127;
 constexpr int cSignalBase = 128;
 
@@ -120,12 +121,24 @@ void Session::startCompositor()
     mCompositor.setProcessEnvironment(environment);
     mCompositor.start(compositorProgram(), mCompositorOptions);
 
-    const QString line = mCompositor.readFirstLine();
+    const QString line = readCompositorsLine();
     const QString expected = cWaylandDisplay + QLatin1Char('=');
     if (!line.startsWith(expected)) {
         throw std::runtime_error("the compositor said \"" + line.toStdString() + "\" instead of its socket's name");
     }
     mWaylandDisplay = line.mid(expected.size());
+}
+
+QString Session::readCompositorsLine()
+{
+    try {
+        return mCompositor.readFirstLine();
+    } catch (const std::runtime_error& error) {
+        if (mCompositor.state() == QProcess::NotRunning && mCompositor.exitCode() == cUsage) {
+            throw WrongUsage(error.what());
+        }
+        throw;
+    }
 }
 
 QStringList Session::environment() const

@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <stdexcept>
+
 /// A desk without the device: a bus and a compositor of its own, and what runs in it, all of which begin and end
 /// together.
 class Session : public QObject
@@ -16,12 +18,20 @@ class Session : public QObject
     Q_OBJECT
 
 public:
+    /// The compositor has refused its options, and has said why.
+    class WrongUsage : public std::runtime_error
+    {
+    public:
+        using std::runtime_error::runtime_error;
+    };
+
     /// The options are the compositor's.
     Session(QStringList compositorOptions, bool isHeadless, QObject* parent = nullptr);
     /// Ends what is still running, the bus last.
     ~Session() override;
 
-    /// Starts the bus and then the compositor, and blocks until both are up. Throws std::runtime_error if one is not.
+    /// Starts the bus and then the compositor, and blocks until both are up. Throws std::runtime_error if one is not,
+    /// and WrongUsage if that is because of the options.
     void start();
 
     /// Runs the command in the session, with this process's input and output; ended() follows.
@@ -42,6 +52,7 @@ Q_SIGNALS:
 private:
     void startBus();
     void startCompositor();
+    QString readCompositorsLine();
     QProcessEnvironment commandEnvironment() const;
     void onBackgroundProgramEnded();
 

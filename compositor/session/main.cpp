@@ -26,6 +26,8 @@ const char* const cHelp = "Usage: telvaro-session [options] [--] [COMMAND [ARGUM
                           "Options:\n"
                           "  --size WIDTHxHEIGHT            size of the output in pixels\n"
                           "  --screensaver-timeout SECONDS  seconds without input until the screen saver starts\n"
+                          "  --script FILE                  play the script: views that come and go, calls that\n"
+                          "                                 fail, and more, at given times\n"
                           "  --headless                     draw into memory even where there is a display\n"
                           "  -h, --help                     print this text and exit\n"
                           "  -v, --version                  print the version and exit\n"
@@ -48,7 +50,8 @@ int main(int argc, char* argv[])
     const UnixSignals unixSignals;
 
     const QString value = QStringLiteral("value");
-    const QStringList compositorOptions{QStringLiteral("size"), QStringLiteral("screensaver-timeout")};
+    const QStringList compositorOptions{QStringLiteral("size"), QStringLiteral("screensaver-timeout"),
+                                        QStringLiteral("script")};
     const QCommandLineOption headless(QStringLiteral("headless"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
@@ -81,6 +84,8 @@ int main(int argc, char* argv[])
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &session, &Session::end);
     try {
         session.start();
+    } catch (const Session::WrongUsage&) {
+        return cUsage;
     } catch (const std::runtime_error& error) {
         QTextStream(stderr) << "telvaro-session: " << error.what() << '\n';
         return cFailure;

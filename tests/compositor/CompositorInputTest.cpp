@@ -40,7 +40,7 @@ protected:
 private:
     std::unique_ptr<LineClient> openWindow();
     /// Waits until the compositor has what the client has drawn in the size.
-    static void waitForSize(const QByteArray& size, const QString& title = QStringLiteral("Window"));
+    void waitForSize(const QByteArray& size, const QString& title = QStringLiteral("Window"));
     void setScreen(const QString& property, const QVariant& value);
 
     std::unique_ptr<VirtualDesktop> mDesktop;
@@ -77,6 +77,8 @@ void CompositorInputTest::waitForSize(const QByteArray& size, const QString& tit
             + QByteArray::number(attributes.value(QStringLiteral("height")).toInt());
     };
     TRY_COMPARE(current(), size);
+    // Where a window takes input is settled when it is painted.
+    screenShot();
 }
 
 void CompositorInputTest::setScreen(const QString& property, const QVariant& value)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "BusClients.h"
 #include "CompositorBus.h"
 #include "CompositorTest.h"
 #include "ImageHint.h"
@@ -53,6 +54,7 @@ private Q_SLOTS:
     void anyTextIsShown();
     void theirNumberIsBounded();
     void aFloodLeavesTheMemoryAlone();
+    void tenThousandOfAllKindsFromTwentyClients();
     void theLibraryNotifies();
     void notifySendNotifies();
     void notifySendWaitsForTheEnd();
@@ -386,6 +388,53 @@ void CompositorNotificationsTest::aFloodLeavesTheMemoryAlone()
     const qint64 growth = mCompositor->residentMemory() - before;
     QVERIFY2(growth < 8 * 1024 * 1024, qPrintable(QString::number(growth)));
     QCOMPARE(NotificationClient::notify({}), 22001U);
+}
+
+void CompositorNotificationsTest::tenThousandOfAllKindsFromTwentyClients()
+{
+    constexpr int count = 10000;
+    const QString text = QStringLiteral("Many words that go on and on. ");
+    QVector<QVariantMap> hints(6);
+    hints[1].insert(QStringLiteral("image-data"), QVariant::fromValue(ImageHint::filled(300, 300, Qt::red)));
+    ImageHint wrong = ImageHint::filled(10, 10, Qt::red);
+    wrong.width = wrong.height = 2147483647;
+    hints[2].insert(QStringLiteral("image-data"), QVariant::fromValue(wrong));
+    hints[3].insert(QStringLiteral("image-path"), QStringLiteral("/proc/kmsg"));
+    hints[4].insert(QStringLiteral("urgency"), QVariantMap({{QStringLiteral("not"), QStringLiteral("a byte")}}));
+    hints[5].insert(QStringLiteral("action-icons"), QStringLiteral("not a bool"));
+    const QVector<QStringList> actions = {
+        {}, {QStringLiteral("odd")}, {QString(), QString(), QString()}, QStringList(text.split(QLatin1Char(' ')))};
+    const QVector<QString> bodies = {QString(), text, text.repeated(1000)};
+    const BusClients clients(20);
+    const auto flood = [&](int notifications) {
+        QList<QDBusPendingCall> calls;
+        for (int i = 0; i < notifications; ++i) {
+            // Every third one takes the place of somebody else's.
+            const uint replacesId = i % 3 == 0 ? static_cast<uint>(i + 1) : 0U;
+            calls.append(BusClients::send(
+                clients.connections().at(i % clients.connections().size()), CompositorBus::cNotificationsPath,
+                CompositorBus::cNotifications, QStringLiteral("Notify"),
+                {QStringLiteral("test"), replacesId, QString(), text, bodies.at(i % bodies.size()),
+                 actions.at(i % actions.size()), hints.at(i % hints.size()), i % 2 == 0 ? 0 : 2147483647}));
+            if (calls.size() == 40 || i == notifications - 1) {
+                for (QDBusPendingCall& call : calls) {
+                    call.waitForFinished();
+                    QVERIFY2(!call.isError(), qPrintable(call.error().message()));
+                    QVERIFY(call.reply().arguments().value(0).toUInt() > 0);
+                }
+                calls.clear();
+            }
+        }
+    };
+    flood(count / 2);
+    screenShot();
+    const int descriptors = mCompositor->descriptorCount();
+    const qint64 before = mCompositor->residentMemory();
+    flood(count);
+    screenShot();
+    QCOMPARE(mCompositor->descriptorCount(), descriptors);
+    const qint64 growth = mCompositor->residentMemory() - before;
+    QVERIFY2(growth < 16 * 1024 * 1024, qPrintable(QString::number(growth)));
 }
 
 void CompositorNotificationsTest::theLibraryNotifies()

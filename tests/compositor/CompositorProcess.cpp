@@ -20,9 +20,20 @@ CompositorProcess::CompositorProcess()
 
 void CompositorProcess::start(const QStringList& options)
 {
+    start(QStringLiteral(TELVARO_COMPOSITOR), options);
+}
+
+void CompositorProcess::startWithLimit(const QString& command)
+{
+    start(QStringLiteral("sh"),
+          {QStringLiteral("-c"), command + QStringLiteral("; exec \"$0\""), QStringLiteral(TELVARO_COMPOSITOR)});
+}
+
+void CompositorProcess::start(const QString& program, const QStringList& arguments)
+{
     mProcess.setProcessEnvironment(mEnvironment);
     mProcess.setStandardErrorFile(errorFile());
-    mProcess.run(QStringLiteral(TELVARO_COMPOSITOR), options);
+    mProcess.run(program, arguments);
     try {
         const QByteArray line = mProcess.readOutputLine();
         if (!line.startsWith("WAYLAND_DISPLAY=")) {
@@ -93,6 +104,13 @@ qint64 CompositorProcess::residentMemory() const
         throw std::runtime_error("the compositor is gone");
     }
     return file.readAll().split(' ').at(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
+
+int CompositorProcess::descriptorCount() const
+{
+    return QDir(QStringLiteral("/proc/%1/fd").arg(processId()))
+        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+        .size();
 }
 
 QByteArray CompositorProcess::output()

@@ -27,6 +27,8 @@ public:
 
     /// Starts it and waits until it is up; throws std::runtime_error where it does not come up.
     void start(const QStringList& options = {});
+    /// As above, by a shell that has run \a command before.
+    void startWithLimit(const QString& command);
     /// Starts it and waits until it has ended, as it does where it cannot come up; answers the exit status.
     int runToEnd(const QStringList& options = {});
 
@@ -56,6 +58,8 @@ public:
     /// Its resident memory in bytes.
     qint64 residentMemory() const;
 
+    int descriptorCount() const;
+
     QByteArray output();
     QByteArray errors() const;
 
@@ -63,6 +67,7 @@ public:
     QProcessEnvironment clientEnvironment() const;
 
 private:
+    void start(const QString& program, const QStringList& arguments);
     QString errorFile() const;
 
     QTemporaryDir mDirectory;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "BusClients.h"
 #include "CompositorBus.h"
 #include "CompositorTest.h"
 #include "TestMain.h"
@@ -12,6 +13,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+
+#include <atomic>
+#include <cstdio>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 QDBusMessage takeScreenShot(const QString& directory)
@@ -31,7 +38,11 @@ private Q_SLOTS:
     void answersAPathWithoutDoubledSlashes();
     void followsALinkToTheDirectory();
     void neverOverwrites();
-    void isNeverLedAwayByALink();
+    void manyAtOnceGetAFileEach();
+    void isNeverLedAwayByWhatHasItsName_data();
+    void isNeverLedAwayByWhatHasItsName();
+    void staysInTheDirectoryThatItHasOpened();
+    void aRoundaboutWayLeadsToTheSameDirectory();
     void refusesADirectoryThatIsNone_data();
     void refusesADirectoryThatIsNone();
     void leavesNothingBehindWhereItCannotWrite();
@@ -106,12 +117,108 @@ void CompositorScreenShotTest::neverOverwrites()
     }
 }
 
-void CompositorScreenShotTest::isNeverLedAwayByALink()
+void CompositorScreenShotTest::manyAtOnceGetAFileEach()
 {
+    constexpr int count = 20;
+    const QTemporaryDir directory;
+    const BusClients clients(count);
+    QList<QDBusPendingCall> calls;
+    for (const QDBusConnection& connection : clients.connections()) {
+        calls.append(BusClients::send(connection, CompositorBus::cScreenShotPath, CompositorBus::cScreenShot,
+                                      QStringLiteral("ScreenShot"), {directory.path()}));
+    }
+    QSet<QString> paths;
+    for (QDBusPendingCall& call : calls) {
+        call.waitForFinished();
+        const QString path = call.reply().arguments().value(0).toString();
+        QVERIFY2(QImage(path).size() == QSize(1024, 600), qPrintable(CompositorBus::errorOf(call.reply())));
+        paths.insert(path);
+    }
+    QCOMPARE(paths.size(), count);
+    QCOMPARE(QDir(directory.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).size(), count);
+}
+
+void CompositorScreenShotTest::staysInTheDirectoryThatItHasOpened()
+{
+    // While pictures are taken the directory turns into a link to another one and back, over and over.
+    const QTemporaryDir place;
+    const QString named = place.filePath(QStringLiteral("named"));
+    const QString aside = place.filePath(QStringLiteral("aside"));
+    const QString elsewhere = place.filePath(QStringLiteral("elsewhere"));
+    QVERIFY(QDir().mkdir(named) && QDir().mkdir(elsewhere));
+    std::atomic<bool> isOver(false);
+    std::atomic<int> turns(0);
+    std::thread swapper([&] {
+        const QByteArray names[] = {QFile::encodeName(named), QFile::encodeName(aside), QFile::encodeName(elsewhere)};
+        while (!isOver) {
+            rename(names[0].constData(), names[1].constData());
+            if (symlink(names[2].constData(), names[0].constData()) == 0) {
+                unlink(names[0].constData());
+            }
+            rename(names[1].constData(), names[0].constData());
+            ++turns;
+        }
+    });
+    int count = 0;
+    for (int i = 0; i < 100; ++i) {
+        const QDBusMessage reply = takeScreenShot(named);
+        if (reply.type() == QDBusMessage::ReplyMessage) {
+            ++count;
+        } else {
+            // It was nowhere for a moment.
+            QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.FileNotFound"));
+        }
+    }
+    isOver = true;
+    swapper.join();
+    QVERIFY(turns > 100);
+    QVERIFY(count > 0);
+    int found = 0;
+    for (const QString& directory : {named, elsewhere}) {
+        for (const QFileInfo& file : QDir(directory).entryInfoList(QDir::NoDotAndDotDot | QDir::AllEntries)) {
+            QVERIFY(!file.isSymLink());
+            QCOMPARE(QImage(file.filePath()).size(), QSize(1024, 600));
+            ++found;
+        }
+    }
+    QCOMPARE(found, count);
+    QCOMPARE(QDir(place.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System, QDir::Name),
+             QStringList({QStringLiteral("elsewhere"), QStringLiteral("named")}));
+}
+
+void CompositorScreenShotTest::aRoundaboutWayLeadsToTheSameDirectory()
+{
+    const QTemporaryDir place;
+    QVERIFY(QDir(place.path()).mkdir(QStringLiteral("a")) && QDir(place.path()).mkdir(QStringLiteral("b \n\u00e4")));
+    const QString named = place.path() + QStringLiteral("/a/.././/b \n\u00e4");
+    const QString path = takeScreenShot(named).arguments().value(0).toString();
+    QVERIFY2(path.startsWith(named + QLatin1Char('/')), qPrintable(path));
+    QCOMPARE(QDir(place.filePath(QStringLiteral("b \n\u00e4"))).entryList(QDir::Files),
+             QStringList(QFileInfo(path).fileName()));
+    QCOMPARE(QDir(place.filePath(QStringLiteral("a"))).entryList(QDir::Files), QStringList());
+}
+
+void CompositorScreenShotTest::isNeverLedAwayByWhatHasItsName_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char* const kind : {"file", "nothing", "directory", "pipe"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void CompositorScreenShotTest::isNeverLedAwayByWhatHasItsName()
+{
+    QFETCH(QString, kind);
     const QTemporaryDir safe;
     QFile target(safe.filePath(QStringLiteral("target")));
-    QVERIFY(target.open(QIODevice::WriteOnly) && target.write("precious") == 8);
-    target.close();
+    if (kind == QLatin1String("file")) {
+        QVERIFY(target.open(QIODevice::WriteOnly) && target.write("precious") == 8);
+        target.close();
+    } else if (kind == QLatin1String("directory")) {
+        QVERIFY(QDir().mkdir(target.fileName()));
+    } else if (kind == QLatin1String("pipe")) {
+        QCOMPARE(mkfifo(QFile::encodeName(target.fileName()).constData(), 0600), 0);
+    }
 
     // Links under every name that a screenshot of the next second may get. On a busy machine it may come later than
     // that; then the trap is set anew.
@@ -131,8 +238,14 @@ void CompositorScreenShotTest::isNeverLedAwayByALink()
         wasTrapped = created.fileName().endsWith(QLatin1String("-2.png"));
     }
     QVERIFY(wasTrapped);
-    QVERIFY(target.open(QIODevice::ReadOnly));
-    QCOMPARE(target.readAll(), QByteArray("precious"));
+    if (kind == QLatin1String("file")) {
+        QVERIFY(target.open(QIODevice::ReadOnly));
+        QCOMPARE(target.readAll(), QByteArray("precious"));
+    } else if (kind == QLatin1String("directory")) {
+        QVERIFY(QDir(target.fileName()).isEmpty());
+    } else {
+        QCOMPARE(target.exists(), kind == QLatin1String("pipe"));
+    }
 }
 
 void CompositorScreenShotTest::refusesADirectoryThatIsNone_data()
@@ -172,14 +285,8 @@ void CompositorScreenShotTest::leavesNothingBehindWhereItCannotWrite()
 {
     // A limit on the size of its files makes every write fail half way.
     QCOMPARE(mCompositor->end(), 0);
-    const CompositorProcess limited;
-    ChildProcess program;
-    program.setProcessEnvironment(limited.environment());
-    program.setProcessChannelMode(QProcess::SeparateChannels);
-    program.run(QStringLiteral("sh"),
-                {QStringLiteral("-c"), QStringLiteral("ulimit -f 1; trap '' XFSZ; exec \"$0\""),
-                 QStringLiteral(TELVARO_COMPOSITOR)});
-    QVERIFY(program.readOutputLine().startsWith("WAYLAND_DISPLAY="));
+    CompositorProcess limited;
+    limited.startWithLimit(QStringLiteral("ulimit -f 1; trap '' XFSZ"));
 
     const QTemporaryDir directory;
     const QDBusMessage reply = takeScreenShot(directory.path());
@@ -187,8 +294,7 @@ void CompositorScreenShotTest::leavesNothingBehindWhereItCannotWrite()
              QStringLiteral("org.freedesktop.DBus.Error.Failed: cannot write to the directory \"%1\": File too large")
                  .arg(directory.path()));
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList());
-    program.terminate();
-    QVERIFY(program.waitForFinished(ChildProcess::cDeadline));
+    QCOMPARE(limited.end(), 0);
     mCompositor->start();
 }
 

@@ -71,8 +71,9 @@ void CompositorStartTest::printsHelpThatNamesEveryOption()
     CompositorProcess compositor;
     QCOMPARE(compositor.runToEnd({QStringLiteral("--help")}), 0);
     const QByteArray help = compositor.output();
-    for (const char* const option : {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT",
-                                     "--screensaver-timeout SECONDS", "--fullscreen-window", "WAYLAND_DISPLAY"}) {
+    for (const char* const option :
+         {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT", "--screensaver-timeout SECONDS",
+          "--fullscreen-window", "--script FILE", "WAYLAND_DISPLAY"}) {
         QVERIFY2(help.contains(option), option);
     }
     QCOMPARE(compositor.errors(), QByteArray());

@@ -28,8 +28,10 @@ protected Q_SLOTS:
 
 protected:
     virtual void startCompositor();
-    /// Lets go of the compositor, for a test function that ends it itself.
+    /// What the compositor is to complain of instead of nothing.
     void expectErrors(const QByteArray& text);
+    /// For a test function whose clients are worth a complaint: each of them gets its line, but no flood of them.
+    void expectComplaints(int mostLines);
 
     std::unique_ptr<LineClient> testClient();
     std::unique_ptr<LineClient> protocolClient();
@@ -44,5 +46,6 @@ protected:
 
 private:
     QByteArray mExpectedErrors;
+    int mMostComplaints = 0;
     QTemporaryDir mPictures;
 };

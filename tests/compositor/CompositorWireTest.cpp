@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "BusClients.h"
 #include "CompositorBus.h"
 #include "CompositorTest.h"
 #include "TestMain.h"
@@ -7,6 +8,7 @@
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusSignature>
+#include <QDir>
 #include <QDomDocument>
 
 namespace {
@@ -62,6 +64,7 @@ private Q_SLOTS:
     void methodsRefuseWrongArguments();
     void propertyMethodsRefuseWrongArguments();
     void aWriteWithoutAReplyIsDone();
+    void twentyClientsCallEverythingWronglyAtOnce();
 };
 
 void CompositorWireTest::objectsDescribeThemselvesAsTheirFilesDo_data()
@@ -318,6 +321,95 @@ void CompositorWireTest::aWriteWithoutAReplyIsDone()
     QCOMPARE(mMonitor->takeNames(), QStringList(QStringLiteral("orientation")));
     QCOMPARE(CompositorBus::get(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation")),
              QVariant(QStringLiteral("90")));
+}
+
+void CompositorWireTest::twentyClientsCallEverythingWronglyAtOnce()
+{
+    struct Call
+    {
+        QString path;
+        QString interface;
+        QString member;
+        QVariantList arguments;
+    };
+    const QMap<QString, QVariant> samples = sampleValues();
+    QVector<Call> calls;
+    // Every method that is described: with every other type for each argument, with too few, and with one too many.
+    const auto addMethod = [&](const QString& path, const QString& interface, const QString& member,
+                               const QStringList& types) {
+        QVariantList right;
+        for (const QString& type : types) {
+            right.append(samples.value(type));
+        }
+        for (int i = 0; i < types.size(); ++i) {
+            for (auto sample = samples.cbegin(); sample != samples.cend(); ++sample) {
+                if (sample.key() != types.at(i)) {
+                    QVariantList wrong = right;
+                    wrong[i] = sample.value();
+                    calls.append({path, interface, member, wrong});
+                }
+            }
+            calls.append({path, interface, member, QVariantList(right.mid(0, i))});
+        }
+        calls.append({path, interface, member, right + QVariantList({1})});
+    };
+    const QFileInfoList files =
+        QDir(QStringLiteral(TELVARO_INTERFACE_DIRECTORY)).entryInfoList({QStringLiteral("*.xml")});
+    for (const QFileInfo& info : files) {
+        QFile file(info.filePath());
+        QDomDocument document;
+        QVERIFY(file.open(QIODevice::ReadOnly) && document.setContent(&file));
+        const QString path = document.documentElement().attribute(QStringLiteral("name"));
+        const QDomElement interface = document.documentElement().firstChildElement(QStringLiteral("interface"));
+        const QString name = interface.attribute(QStringLiteral("name"));
+        for (QDomElement method = interface.firstChildElement(QStringLiteral("method")); !method.isNull();
+             method = method.nextSiblingElement(QStringLiteral("method"))) {
+            QStringList types;
+            for (QDomElement argument = method.firstChildElement(QStringLiteral("arg")); !argument.isNull();
+                 argument = argument.nextSiblingElement(QStringLiteral("arg"))) {
+                if (argument.attribute(QStringLiteral("direction")) == QLatin1String("in")) {
+                    types.append(argument.attribute(QStringLiteral("type")));
+                }
+            }
+            addMethod(path, name, method.attribute(QStringLiteral("name")), types);
+        }
+        if (!interface.firstChildElement(QStringLiteral("property")).isNull()) {
+            for (const QVariant& sample : samples) {
+                calls.append({path, CompositorBus::cProperties, QStringLiteral("Get"), {name, sample}});
+                calls.append({path, CompositorBus::cProperties, QStringLiteral("GetAll"), {sample}});
+                calls.append({path, CompositorBus::cProperties, QStringLiteral("Set"), {name, sample, sample}});
+            }
+        }
+    }
+    QVERIFY(calls.size() > 200);
+
+    const BusClients clients(20);
+    const auto callAll = [&] {
+        QList<QDBusPendingCall> replies;
+        for (const Call& call : qAsConst(calls)) {
+            for (const QDBusConnection& connection : clients.connections()) {
+                replies.append(BusClients::send(connection, call.path, call.interface, call.member, call.arguments));
+            }
+        }
+        for (int i = 0; i < replies.size(); ++i) {
+            replies[i].waitForFinished();
+            const Call& call = calls.at(i / clients.connections().size());
+            QVERIFY2(replies.at(i).isError() && replies.at(i).error().type() != QDBusError::NoReply,
+                     qPrintable(call.member + QStringLiteral(" with %1 arguments").arg(call.arguments.size())));
+        }
+    };
+    callAll();
+    callAll();
+    CompositorBus::currentView();
+    const int descriptors = mCompositor->descriptorCount();
+    const qint64 before = mCompositor->residentMemory();
+    callAll();
+    callAll();
+    CompositorBus::currentView();
+    QCOMPARE(mCompositor->descriptorCount(), descriptors);
+    const qint64 growth = mCompositor->residentMemory() - before;
+    QVERIFY2(growth < 2 * 1024 * 1024, qPrintable(QString::number(growth)));
+    QCOMPARE(mMonitor->takeNames(), QStringList());
 }
 
 TELVARO_TEST_MAIN(CompositorWireTest)

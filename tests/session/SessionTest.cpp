@@ -7,9 +7,13 @@
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QDir>
+#include <QFile>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
+#include <stdexcept>
 
 #include <sys/types.h>
 
@@ -90,6 +94,18 @@ class SessionTest : public QObject
 {
     Q_OBJECT
 
+private:
+    QTemporaryDir mDirectory;
+
+    QString script(const QByteArray& steps) const
+    {
+        QFile file(mDirectory.filePath(QStringLiteral("script.json")));
+        if (!file.open(QIODevice::WriteOnly) || file.write(steps) != steps.size()) {
+            throw std::runtime_error("cannot write " + file.fileName().toStdString());
+        }
+        return file.fileName();
+    }
+
 private Q_SLOTS:
     void theCommandIsPartOfTheSession()
     {
@@ -159,14 +175,59 @@ private Q_SLOTS:
                                 "telvaro-session: see 'telvaro-session --help'\n"));
     }
 
-    void aCompositorThatDoesNotStartIsAFailure()
+    void whatTheCompositorRefusesIsWrongUsage()
     {
         const Result result = session(
             {QStringLiteral("--headless"), QStringLiteral("--size"), QStringLiteral("huge"), QStringLiteral("true")});
+        QCOMPARE(result.status, 2);
+        QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-compositor: \"huge\" is not a size")),
+                 qPrintable(result.errors));
+    }
+
+    void aCompositorThatDoesNotStartIsAFailure()
+    {
+        ChildProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("none"));
+        process.setProcessEnvironment(environment);
+        start(process, {QStringLiteral("echo"), QStringLiteral("started")});
+        const Result result = finish(process);
         QCOMPARE(result.status, 1);
-        QVERIFY2(result.errors.contains(QLatin1String("\"huge\" is not a size")), qPrintable(result.errors));
+        QCOMPARE(result.output, QString());
         QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor did not start: it ended")),
                  qPrintable(result.errors));
+    }
+
+    void theScriptIsPlayedWhenTheCommandBegins()
+    {
+        const Result result = session(QStringList{QStringLiteral("--headless"), QStringLiteral("--script"), script(R"([
+                {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+                {"set": {"de.Telvaro.screen.orientation": "90"}}
+            ])")} + shell(TELVARO_PROGRAMS "/telvaroctl switch one && " TELVARO_PROGRAMS "/telvaroctl orientation"));
+        QCOMPARE(result.status, 0);
+        QCOMPARE(result.output, QStringLiteral("90\n"));
+        QCOMPARE(result.errors, QString());
+    }
+
+    void aScriptThatIsWrongIsWrongUsage()
+    {
+        const QString file = script(R"([{"freeze": "long"}])");
+        const Result result = session({QStringLiteral("--headless"), QStringLiteral("--script"), file,
+                                       QStringLiteral("echo"), QStringLiteral("started")});
+        QCOMPARE(result.status, 2);
+        QCOMPARE(result.output, QString());
+        QVERIFY2(result.errors.startsWith(QStringLiteral("telvaro-compositor: %1: step 1, \"freeze\": ").arg(file)),
+                 qPrintable(result.errors));
+        QVERIFY2(!result.errors.contains(QLatin1String("telvaro-session")), qPrintable(result.errors));
+    }
+
+    void aStepThatCannotBeTakenEndsTheSession()
+    {
+        const Result result = session({QStringLiteral("--headless"), QStringLiteral("--script"),
+                                       script(R"([{"at": 0.1, "remove-view": "one"}])"), QStringLiteral("sleep"),
+                                       QStringLiteral("1000")});
+        QCOMPARE(result.status, 1);
+        QVERIFY2(result.errors.contains(QLatin1String("step 1: there is no view \"one\"")), qPrintable(result.errors));
     }
 
     void theSizeIsTheOutputs()

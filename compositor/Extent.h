@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+/// How far what a client names may reach. Its numbers go up to where sums of them overflow; no output is that large.
+namespace Extent {
+constexpr int cFarthest = 32767;
+
+inline int bounded(int value)
+{
+    return qBound(-cFarthest, value, cFarthest);
+}
+
+inline QPoint bounded(const QPoint& position)
+{
+    return {bounded(position.x()), bounded(position.y())};
+}
+
+inline QSize bounded(const QSize& size)
+{
+    return {bounded(size.width()), bounded(size.height())};
+}
+
+inline QRect bounded(const QRect& rect)
+{
+    return {bounded(rect.topLeft()), bounded(rect.size())};
+}
+} // namespace Extent

@@ -1,0 +1,298 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CompositorBus.h"
+#include "CompositorTest.h"
+#include "TestMain.h"
+#include "VirtualDesktop.h"
+#include "WireClient.h"
+
+#include <unistd.h>
+
+/// Drags from their begin to the drop, and those that end otherwise.
+class CompositorDragTest : public CompositorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void aDragIsFollowedAndDropped();
+    void aDragWithNothingPressedIsCancelled();
+    void aDragWithoutASourceLeavesThePointerWhereItIs();
+    void aDragEndsWithItsSource();
+    void aDragEndsWithItsClient();
+    void aDragOverAClientThatKnowsOfNoneIsHarmless();
+    void aDragSurvivesTheEndOfWhatItIsOver();
+    void aSecondDragIsCancelled();
+    void aCursorIsSetByWhoHasThePointer();
+
+protected:
+    void startCompositor() override;
+
+private:
+    struct Dragger
+    {
+        std::unique_ptr<WireClient> client;
+        WireClient::Window window = {};
+        quint32 manager = 0;
+        quint32 device = 0;
+        quint32 pointer = 0;
+    };
+
+    Dragger openDragger(const QByteArray& title);
+    static quint32 createSource(const Dragger& dragger);
+    static void startDrag(const Dragger& dragger, quint32 source);
+    /// Moves until the object has got such an event.
+    void moveUntil(const Dragger& dragger, quint32 object, quint16 opcode);
+    static void waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode);
+    /// The pointer still leads to the window of the client.
+    void checkPointer(const Dragger& dragger);
+
+    std::unique_ptr<VirtualDesktop> mDesktop;
+    int mStep = 0;
+};
+
+namespace {
+// Events and requests of the protocol.
+constexpr quint16 cPointerMotion = 2;
+constexpr quint16 cPointerButton = 3;
+constexpr quint16 cDeviceEnter = 1;
+constexpr quint16 cDeviceLeave = 2;
+constexpr quint16 cDeviceMotion = 3;
+constexpr quint16 cDeviceDrop = 4;
+constexpr quint16 cSourceCancelled = 2;
+} // namespace
+
+void CompositorDragTest::initTestCase()
+{
+    mDesktop = std::make_unique<VirtualDesktop>();
+}
+
+void CompositorDragTest::startCompositor()
+{
+    mCompositor->environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    mCompositor->environment().insert(QStringLiteral("DISPLAY"), mDesktop->display());
+    mCompositor->start();
+    mDesktop->movePointer(5, 595);
+}
+
+CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& title)
+{
+    Dragger dragger;
+    dragger.client =
+        std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    const quint32 seat = dragger.client->bind("wl_seat");
+    dragger.manager = dragger.client->bind("wl_data_device_manager");
+    dragger.device = dragger.client->newId();
+    dragger.client->send(WireMessage(dragger.manager, 1).number(dragger.device).number(seat));
+    dragger.pointer = dragger.client->newId();
+    dragger.client->send(WireMessage(seat, 0).number(dragger.pointer));
+    dragger.window = dragger.client->openWindow(title);
+    dragger.client->synchronise();
+    return dragger;
+}
+
+quint32 CompositorDragTest::createSource(const Dragger& dragger)
+{
+    const quint32 source = dragger.client->newId();
+    dragger.client->send(WireMessage(dragger.manager, 0).number(source));
+    dragger.client->send(WireMessage(source, 0).text("text/plain"));
+    return source;
+}
+
+void CompositorDragTest::startDrag(const Dragger& dragger, quint32 source)
+{
+    const quint32 icon = dragger.client->createSurface();
+    dragger.client->send(
+        WireMessage(dragger.device, 0).number(source).number(dragger.window.surface).number(icon).number(0U));
+    QVERIFY2(dragger.client->synchronise(), dragger.client->errorText());
+}
+
+void CompositorDragTest::waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode)
+{
+    const auto hasEvent = [&] {
+        return dragger.client->synchronise() && !dragger.client->events(object, opcode).isEmpty();
+    };
+    TRY_VERIFY(hasEvent());
+}
+
+void CompositorDragTest::moveUntil(const Dragger& dragger, quint32 object, quint16 opcode)
+{
+    const int before = dragger.client->events(object, opcode).size();
+    const auto hasMoved = [&] {
+        ++mStep;
+        mDesktop->movePointer(500 + mStep % 2, 300);
+        return dragger.client->synchronise() && dragger.client->events(object, opcode).size() > before;
+    };
+    TRY_VERIFY(hasMoved());
+}
+
+void CompositorDragTest::checkPointer(const Dragger& dragger)
+{
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    const int before = dragger.client->events(dragger.pointer, cPointerButton).size();
+    mDesktop->click();
+    const auto hasClicked = [&] {
+        return dragger.client->synchronise()
+            && dragger.client->events(dragger.pointer, cPointerButton).size() >= before + 2;
+    };
+    TRY_VERIFY(hasClicked());
+}
+
+void CompositorDragTest::aDragIsFollowedAndDropped()
+{
+    const Dragger dragger = openDragger("Dragger");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    startDrag(dragger, createSource(dragger));
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    QCOMPARE(dragger.client->events(dragger.device, cDeviceEnter).size(), 1);
+    mDesktop->release();
+    waitForEvent(dragger, dragger.device, cDeviceDrop);
+    checkPointer(dragger);
+}
+
+void CompositorDragTest::aDragWithNothingPressedIsCancelled()
+{
+    const Dragger dragger = openDragger("Dragger");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    const quint32 source = createSource(dragger);
+    startDrag(dragger, source);
+    waitForEvent(dragger, source, cSourceCancelled);
+    checkPointer(dragger);
+    QCOMPARE(dragger.client->events(dragger.device, cDeviceEnter).size(), 0);
+}
+
+void CompositorDragTest::aDragWithoutASourceLeavesThePointerWhereItIs()
+{
+    const Dragger dragger = openDragger("Dragger");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    startDrag(dragger, 0);
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->release();
+    checkPointer(dragger);
+}
+
+void CompositorDragTest::aDragEndsWithItsSource()
+{
+    const Dragger dragger = openDragger("Dragger");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    const quint32 source = createSource(dragger);
+    startDrag(dragger, source);
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    dragger.client->send(WireMessage(source, 1));
+    waitForEvent(dragger, dragger.device, cDeviceLeave);
+    mDesktop->release();
+    checkPointer(dragger);
+    QCOMPARE(dragger.client->events(dragger.device, cDeviceDrop).size(), 0);
+}
+
+void CompositorDragTest::aDragEndsWithItsClient()
+{
+    const Dragger other = openDragger("Other");
+    {
+        const Dragger dragger = openDragger("Dragger");
+        TRY_COMPARE(CompositorBus::views().size(), 2);
+        moveUntil(dragger, dragger.pointer, cPointerMotion);
+        mDesktop->press();
+        waitForEvent(dragger, dragger.pointer, cPointerButton);
+        startDrag(dragger, createSource(dragger));
+        moveUntil(dragger, dragger.device, cDeviceMotion);
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    mDesktop->release();
+    checkPointer(other);
+}
+
+void CompositorDragTest::aDragOverAClientThatKnowsOfNoneIsHarmless()
+{
+    const auto ignorant = protocolClient();
+    ignorant->send("open a Ignorant");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    const Dragger dragger = openDragger("Dragger");
+    TRY_COMPARE(CompositorBus::views().size(), 2);
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    const quint32 source = createSource(dragger);
+    startDrag(dragger, source);
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    const QString own = CompositorBus::viewWithTitle(QStringLiteral("Dragger")).uuid;
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       CompositorBus::viewWithTitle(QStringLiteral("Ignorant")).uuid);
+    mDesktop->movePointer(510, 310);
+    waitForEvent(dragger, dragger.device, cDeviceLeave);
+    mDesktop->release();
+    waitForEvent(dragger, source, cSourceCancelled);
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       own);
+    checkPointer(dragger);
+}
+
+void CompositorDragTest::aDragSurvivesTheEndOfWhatItIsOver()
+{
+    const Dragger dragger = openDragger("Dragger");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    startDrag(dragger, createSource(dragger));
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    {
+        const Dragger target = openDragger("Target");
+        TRY_COMPARE(CompositorBus::views().size(), 2);
+        moveUntil(target, target.device, cDeviceMotion);
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    mDesktop->release();
+    waitForEvent(dragger, dragger.device, cDeviceDrop);
+    checkPointer(dragger);
+}
+
+void CompositorDragTest::aSecondDragIsCancelled()
+{
+    const Dragger dragger = openDragger("Dragger");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    const quint32 first = createSource(dragger);
+    const quint32 second = createSource(dragger);
+    startDrag(dragger, first);
+    startDrag(dragger, second);
+    waitForEvent(dragger, second, cSourceCancelled);
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    mDesktop->release();
+    waitForEvent(dragger, dragger.device, cDeviceDrop);
+    QCOMPARE(dragger.client->events(first, cSourceCancelled).size(), 0);
+}
+
+void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
+{
+    const Dragger dragger = openDragger("Pointed");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    const quint32 surface = dragger.client->createSurface();
+    dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
+    dragger.client->commit(surface);
+    dragger.client->send(WireMessage(dragger.pointer, 0).number(0U).number(surface).number(1U).number(1U));
+    QVERIFY(dragger.client->synchronise());
+
+    // One that takes its memory away, and one that is a window.
+    dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
+    QCOMPARE(ftruncate(dragger.client->memory(), 0), 0);
+    dragger.client->commit(surface);
+    TRY_VERIFY(!dragger.client->synchronise());
+    expectComplaints(5);
+    const Dragger other = openDragger("Other");
+    moveUntil(other, other.pointer, cPointerMotion);
+    other.client->send(WireMessage(other.pointer, 0).number(0U).number(other.window.surface).number(1U).number(1U));
+    QVERIFY(!other.client->synchronise());
+}
+
+TELVARO_TEST_MAIN(CompositorDragTest)
+
+#include "CompositorDragTest.moc"

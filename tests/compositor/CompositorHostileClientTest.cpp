@@ -1,0 +1,748 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CompositorBus.h"
+#include "CompositorTest.h"
+#include "TestMain.h"
+#include "WireClient.h"
+
+#include <QLocalSocket>
+
+#include <functional>
+#include <limits>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
+constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
+/// What the table expects of a client that has done no wrong.
+constexpr int cNoError = -1;
+/// The compositor may cut the client or not.
+constexpr int cAnyEnd = -2;
+/// It cuts the client, whatever it calls the error.
+constexpr int cAnyError = -3;
+
+using Attack = std::function<void(WireClient&)>;
+} // namespace
+
+Q_DECLARE_METATYPE(Attack)
+
+/// Clients as no library makes them, beside one that must not notice.
+class CompositorHostileClientTest : public CompositorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aClientThatBreaksTheProtocolHarmsOnlyItself_data();
+    void aClientThatBreaksTheProtocolHarmsOnlyItself();
+    void whatAClientEndsLeavesNothingBehind();
+    void aPopupIsEndedOnce();
+    void moreConnectionsThanThereIsRoomForHarmNobody();
+
+private:
+    std::unique_ptr<WireClient> connectClient() const;
+};
+
+std::unique_ptr<WireClient> CompositorHostileClientTest::connectClient() const
+{
+    return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+}
+
+void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
+{
+    QTest::addColumn<Attack>("attack");
+    QTest::addColumn<int>("error");
+    const auto row = [](const char* name, int error, const Attack& attack) {
+        QTest::newRow(name) << attack << error;
+    };
+
+    row("an object that is not there", cAnyError, [](WireClient& client) {
+        client.send(WireMessage(4711, 0));
+    });
+    row("an opcode that is not there", cAnyError, [](WireClient& client) {
+        client.send(WireMessage(client.createSurface(), 100));
+    });
+    row("an object of another kind", cAnyError, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        client.attach(surface, surface);
+    });
+    row("an id that is in use", cAnyError, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        client.send(WireMessage(surface, 3).number(surface));
+    });
+    row("an id far beyond the others", cAnyError, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        client.send(WireMessage(surface, 3).number(100000000U));
+    });
+    row("an id of the compositor's own", cAnyError, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        client.send(WireMessage(surface, 3).number(0xff000000U));
+    });
+    row("a message that is too short", cAnyError, [](WireClient& client) {
+        client.send(WireMessage(client.createSurface(), 1));
+    });
+    row("a message without a size", cAnyError, [](WireClient& client) {
+        client.sendBytes(QByteArray("\x01\0\0\0\0\0\0\0", 8));
+    });
+    row("half a message", cAnyEnd, [](WireClient& client) {
+        client.sendBytes(WireMessage(1, 0).number(client.newId()).bytes().chopped(2));
+        client.disconnect();
+    });
+    row("a text without an end", cAnyError, [](WireClient& client) {
+        const quint32 toplevel = client.createWindow().toplevel;
+        client.send(WireMessage(toplevel, 2).number(4U).number(0x41414141U));
+    });
+    row("a text that is longer than its message", cAnyError, [](WireClient& client) {
+        const quint32 toplevel = client.createWindow().toplevel;
+        client.send(WireMessage(toplevel, 2).number(0x7fffffffU));
+    });
+    row("a text that is no text", cAnyEnd, [](WireClient& client) {
+        const quint32 toplevel = client.createWindow().toplevel;
+        client.send(WireMessage(toplevel, 2).text(QByteArray("\xff\xfe\x80\xc3")));
+    });
+    row("no descriptor for a pool", cAnyEnd, [](WireClient& client) {
+        client.send(WireMessage(client.bind("wl_shm"), 0).number(client.newId()).number(4096U));
+    });
+    row("a descriptor that is no memory", 2, [](WireClient& client) {
+        int pipes[2];
+        QCOMPARE(pipe(pipes), 0);
+        client.send(WireMessage(client.bind("wl_shm"), 0).number(client.newId()).descriptor(pipes[0]).number(4096U));
+        close(pipes[0]);
+        close(pipes[1]);
+    });
+    row("descriptors that nobody asked for", cAnyError, [](WireClient& client) {
+        for (int i = 0; i < 100; ++i) {
+            client.sendBytes(WireMessage(1, 0).number(client.newId()).bytes(), QVector<int>(20, 0));
+        }
+    });
+    row("a pool of a negative size", 1, [](WireClient& client) {
+        client.createPool(4096, -1);
+    });
+    row("a pool that shrinks", 2, [](WireClient& client) {
+        const quint32 pool = client.createPool(8192, 8192);
+        client.send(WireMessage(pool, 2).number(4096U));
+    });
+    row("a buffer of a negative size", 1, [](WireClient& client) {
+        client.createBuffer(client.createPool(4096, 4096), -1, -1, -4);
+    });
+    row("a buffer without a size", 1, [](WireClient& client) {
+        client.createBuffer(client.createPool(4096, 4096), 0, 0, 0);
+    });
+    row("a buffer beyond its pool", 1, [](WireClient& client) {
+        client.createBuffer(client.createPool(4096, 4096), 1000, 1000, 4000);
+    });
+    row("a buffer of a size that overflows", 1, [](WireClient& client) {
+        client.createBuffer(client.createPool(4096, 4096), 65536, 65536, cHuge);
+    });
+    row("a buffer of an unknown format", 0, [](WireClient& client) {
+        client.createBuffer(client.createPool(4096, 4096), 10, 10, 40, 0x12345678);
+    });
+    row("a buffer whose memory is taken away", 2, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Liar");
+        client.attach(window.surface, client.createBuffer(QSize(300, 200)));
+        client.commit(window.surface);
+        QCOMPARE(ftruncate(client.memory(), 0), 0);
+    });
+    // RGB565, which has to be converted.
+    row("a converted buffer whose memory is taken away", 2, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Liar");
+        const quint32 pool = client.createPool(2000000, 2000000);
+        client.attach(window.surface, client.createBuffer(pool, 1000, 1000, 2000, 0x36314752));
+        client.commit(window.surface);
+        QCOMPARE(ftruncate(client.memory(), 0), 0);
+    });
+    row("a cursor whose memory is taken away", cAnyEnd, [](WireClient& client) {
+        const quint32 seat = client.bind("wl_seat");
+        const quint32 pointer = client.newId();
+        client.send(WireMessage(seat, 0).number(pointer));
+        const quint32 surface = client.createSurface();
+        client.attach(surface, client.createBuffer(QSize(64, 64)));
+        QCOMPARE(ftruncate(client.memory(), 0), 0);
+        client.commit(surface);
+        client.send(WireMessage(pointer, 0).number(0U).number(surface).number(0U).number(0U));
+    });
+    row("a buffer that is destroyed before it is shown", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Hasty");
+        const quint32 buffer = client.createBuffer(QSize(300, 200));
+        client.attach(window.surface, buffer);
+        client.send(WireMessage(buffer, 0));
+        client.commit(window.surface);
+    });
+    row("a scale of zero", 0, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Scaled");
+        client.send(WireMessage(window.surface, 8).number(0U));
+        client.commit(window.surface);
+    });
+    row("a negative scale", 0, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Scaled");
+        client.send(WireMessage(window.surface, 8).number(cLowest));
+        client.commit(window.surface);
+    });
+    row("a huge scale", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Scaled");
+        client.send(WireMessage(window.surface, 8).number(cHuge));
+        client.commit(window.surface);
+    });
+    row("a transform that is none", 1, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Turned");
+        client.send(WireMessage(window.surface, 7).number(4711U));
+        client.commit(window.surface);
+    });
+    row("damage outside", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Damaged");
+        for (const QRect& rect : {QRect(QPoint(cLowest, cLowest), QSize(cHuge, cHuge)),
+                                  QRect(QPoint(0, 0), QSize(-100, -100)), QRect(QPoint(1000, 1000), QSize(10, 10))}) {
+            client.attach(window.surface, client.createBuffer(QSize(300, 200)));
+            client.damage(window.surface, rect);
+            client.commit(window.surface);
+        }
+    });
+    row("a window geometry as large as numbers go", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Large");
+        client.send(WireMessage(window.xdgSurface, 3).number(cLowest).number(cLowest).number(cHuge).number(cHuge));
+        client.commit(window.surface);
+    });
+    row("a window geometry of a negative size", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Negative");
+        client.send(WireMessage(window.xdgSurface, 3).number(0U).number(0U).number(-1).number(-1));
+        client.commit(window.surface);
+    });
+    row("a viewport as large as numbers go", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Large");
+        const quint32 viewporter = client.bind("wp_viewporter");
+        const quint32 id = client.newId();
+        client.send(WireMessage(viewporter, 1).number(id).number(window.surface));
+        client.send(WireMessage(id, 2).number(cHuge).number(cHuge));
+        client.commit(window.surface);
+    });
+
+    row("a surface that goes before its window", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Headless");
+        client.send(WireMessage(window.surface, 0));
+        client.send(WireMessage(window.xdgSurface, 3).number(0U).number(0U).number(10U).number(10U));
+        client.send(WireMessage(window.toplevel, 9));
+        client.send(WireMessage(window.toplevel, 2).text("Still here"));
+    });
+    row("a surface that goes before it gets a role", cAnyEnd, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        client.send(WireMessage(surface, 0));
+        client.createToplevel(xdgSurface);
+    });
+    row("an xdg surface that goes before its window", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window other = client.openWindow("Other");
+        const WireClient::Window window = client.openWindow("Headless");
+        client.send(WireMessage(window.xdgSurface, 0));
+        client.send(WireMessage(window.toplevel, 1).number(other.toplevel));
+        client.send(WireMessage(window.toplevel, 9));
+        client.commit(window.surface);
+    });
+    row("a window that goes before its xdg surface", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Gone");
+        client.send(WireMessage(window.toplevel, 0));
+        client.createWindow();
+        client.send(WireMessage(window.xdgSurface, 4).number(1U));
+        client.commit(window.surface);
+    });
+    row("a shell that goes before its windows", cAnyEnd, [](WireClient& client) {
+        client.openWindow("Orphan");
+        client.send(WireMessage(client.bind("xdg_wm_base"), 0));
+    });
+    row("two xdg surfaces of one surface", cAnyEnd, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        const quint32 one = client.createXdgSurface(surface);
+        const quint32 other = client.createXdgSurface(surface);
+        client.createToplevel(one);
+        client.createToplevel(other);
+        client.commit(surface);
+        client.attach(surface, client.createBuffer(QSize(10, 10)));
+        client.commit(surface);
+    });
+    row("two windows of one xdg surface", 2, [](WireClient& client) {
+        client.createToplevel(client.createWindow().xdgSurface);
+    });
+    row("an answer to a configuration that was none", cAnyEnd, [](WireClient& client) {
+        client.send(WireMessage(client.openWindow("Wrong").xdgSurface, 4).number(4711U));
+    });
+    row("an answer from a surface without a role", 1, [](WireClient& client) {
+        client.send(WireMessage(client.createXdgSurface(client.createSurface()), 4).number(1U));
+    });
+    row("a cursor without the pointer", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Cursor");
+        const quint32 seat = client.bind("wl_seat");
+        const quint32 pointer = client.newId();
+        client.send(WireMessage(seat, 0).number(pointer));
+        client.send(WireMessage(pointer, 0).number(0U).number(window.surface).number(0U).number(0U));
+    });
+    row("answers to pings that were none", cNoError, [](WireClient& client) {
+        const quint32 shell = client.bind("xdg_wm_base");
+        for (int i = 0; i < 10000; ++i) {
+            client.send(WireMessage(shell, 3).number(i));
+        }
+    });
+    row("a buffer larger than any output", 1, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Huge");
+        const quint32 pool = client.createPool(cHuge, cHuge);
+        client.attach(window.surface, client.createBuffer(pool, 23000, 23000, 92000));
+        client.commit(window.surface);
+    });
+    row("more objects than there is room for", 2, [](WireClient& client) {
+        for (int i = 0; i < 20000; ++i) {
+            client.createSurface();
+        }
+    });
+    row("more frames than there is room for", 2, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Frames");
+        for (int i = 0; i < 20000; ++i) {
+            client.send(WireMessage(window.surface, 3).number(client.newId()));
+        }
+    });
+    row("commits without a buffer", cNoError, [](WireClient& client) {
+        const quint32 surface = client.createWindow().surface;
+        for (int i = 0; i < 5000; ++i) {
+            client.commit(surface);
+            if (i % 50 == 0) {
+                client.synchronise();
+            }
+        }
+    });
+    row("damage in ten thousand places", cNoError, [](WireClient& client) {
+        const quint32 surface = client.openWindow("Damaged").surface;
+        for (int i = 0; i < 10000; ++i) {
+            client.damage(surface, QRect(i % 100 * 3, i / 100 * 2, 1, 1));
+        }
+        client.commit(surface);
+    });
+    row("a region in ten thousand pieces", cNoError, [](WireClient& client) {
+        const quint32 surface = client.openWindow("Region").surface;
+        const quint32 compositor = client.bind("wl_compositor");
+        const quint32 region = client.newId();
+        client.send(WireMessage(compositor, 1).number(region));
+        for (int i = 0; i < 10000; ++i) {
+            client.send(WireMessage(region, 1).number(i % 100 * 3).number(i / 100 * 2).number(1U).number(1U));
+        }
+        client.send(WireMessage(surface, 5).number(region));
+        client.commit(surface);
+    });
+    row("one picture on a thousand surfaces", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Many");
+        const quint32 buffer = client.createBuffer(QSize(1000, 1000));
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        for (int i = 0; i < 1000; ++i) {
+            const quint32 surface = client.createSurface();
+            const quint32 subsurface = client.newId();
+            client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
+            client.attach(surface, buffer);
+            client.damage(surface, QRect(0, 0, 1000, 1000));
+            client.commit(surface);
+        }
+    });
+
+    row("a subsurface of itself", cAnyEnd, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        client.send(
+            WireMessage(client.bind("wl_subcompositor"), 1).number(client.newId()).number(surface).number(surface));
+        client.commit(surface);
+    });
+    row("a subsurface twice", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        const quint32 one = client.newId();
+        client.send(WireMessage(subcompositor, 1).number(one).number(surface).number(window.surface));
+        const quint32 other = client.newId();
+        client.send(WireMessage(subcompositor, 1).number(other).number(surface).number(window.surface));
+        client.send(WireMessage(one, 1).number(1U).number(1U));
+        client.send(WireMessage(other, 1).number(1U).number(1U));
+        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(other, 1).number(1U).number(1U));
+    });
+    row("a subsurface that is a window", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window one = client.openWindow("One");
+        const WireClient::Window other = client.openWindow("Other");
+        client.send(WireMessage(client.bind("wl_subcompositor"), 1)
+                        .number(client.newId())
+                        .number(one.surface)
+                        .number(other.surface));
+        client.commit(one.surface);
+        client.commit(other.surface);
+    });
+    row("a subsurface whose surface is gone", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        const quint32 subsurface = client.newId();
+        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
+        client.send(WireMessage(surface, 0));
+        for (int i = 0; i < 20; ++i) {
+            client.createSurface();
+        }
+        client.send(WireMessage(subsurface, 1).number(5U).number(5U));
+        client.send(WireMessage(subsurface, 2).number(window.surface));
+        client.send(WireMessage(subsurface, 5));
+        client.send(WireMessage(subsurface, 0));
+        client.commit(window.surface);
+    });
+    row("a subsurface whose parent is gone", cAnyEnd, [](WireClient& client) {
+        const quint32 parent = client.createSurface();
+        const quint32 surface = client.createSurface();
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        const quint32 subsurface = client.newId();
+        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(parent));
+        client.send(WireMessage(parent, 0));
+        client.send(WireMessage(subsurface, 1).number(cLowest).number(cHuge));
+        client.attach(surface, client.createBuffer(QSize(10, 10)));
+        client.commit(surface);
+        client.send(WireMessage(subsurface, 0));
+        client.commit(surface);
+    });
+    row("a subsurface far away", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        quint32 parent = window.surface;
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        for (int i = 0; i < 10; ++i) {
+            const quint32 surface = client.createSurface();
+            const quint32 subsurface = client.newId();
+            client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(parent));
+            client.send(WireMessage(subsurface, 1).number(cHuge).number(cLowest));
+            client.attach(surface, client.createBuffer(QSize(10, 10)));
+            client.damage(surface, QRect(0, 0, 10, 10));
+            client.commit(surface);
+            parent = surface;
+        }
+        client.commit(window.surface);
+    });
+    row("a subsurface above a stranger", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 stranger = client.createSurface();
+        const quint32 subcompositor = client.bind("wl_subcompositor");
+        const quint32 subsurface = client.newId();
+        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
+        client.send(WireMessage(subsurface, 2).number(stranger));
+        client.send(WireMessage(subsurface, 3).number(surface));
+        client.commit(window.surface);
+    });
+
+    row("a viewport whose surface is gone", 3, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        const quint32 viewporter = client.bind("wp_viewporter");
+        const quint32 viewport = client.newId();
+        client.send(WireMessage(viewporter, 1).number(viewport).number(surface));
+        client.send(WireMessage(surface, 0));
+        client.synchronise();
+        client.send(WireMessage(viewport, 2).number(10U).number(10U));
+    });
+    row("a decoration whose window is gone", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Decorated");
+        const quint32 manager = client.bind("zxdg_decoration_manager_v1");
+        const quint32 decoration = client.newId();
+        client.send(WireMessage(manager, 1).number(decoration).number(window.toplevel));
+        client.send(WireMessage(window.toplevel, 0));
+        client.send(WireMessage(decoration, 1).number(4711U));
+        client.send(WireMessage(decoration, 0));
+    });
+
+    row("a popup without a parent", 3, [](WireClient& client) {
+        client.createPopup(client.createXdgSurface(client.createSurface()), 0, client.createPositioner(QSize(20, 20)));
+    });
+    row("a popup without a positioner", cAnyError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        client.createPopup(client.createXdgSurface(client.createSurface()), window.xdgSurface, 0);
+    });
+    row("a popup of an incomplete positioner", 5, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 shell = client.bind("xdg_wm_base");
+        const quint32 positioner = client.newId();
+        client.send(WireMessage(shell, 1).number(positioner));
+        client.createPopup(client.createXdgSurface(client.createSurface()), window.xdgSurface, positioner);
+    });
+    row("a popup of itself", cAnyEnd, [](WireClient& client) {
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        client.createPopup(xdgSurface, xdgSurface, client.createPositioner(QSize(20, 20)));
+        client.commit(surface);
+        client.attach(surface, client.createBuffer(QSize(20, 20)));
+        client.commit(surface);
+    });
+    row("a popup of a window that is not mapped", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.createWindow();
+        const quint32 surface = client.createSurface();
+        client.createPopup(client.createXdgSurface(surface), window.xdgSurface, client.createPositioner(QSize(20, 20)));
+        client.commit(surface);
+        client.attach(surface, client.createBuffer(QSize(20, 20)));
+        client.commit(surface);
+    });
+    row("a popup of a surface without a role", cAnyEnd, [](WireClient& client) {
+        const quint32 parent = client.createXdgSurface(client.createSurface());
+        const quint32 surface = client.createSurface();
+        client.createPopup(client.createXdgSurface(surface), parent, client.createPositioner(QSize(20, 20)));
+        client.commit(surface);
+        client.attach(surface, client.createBuffer(QSize(20, 20)));
+        client.commit(surface);
+    });
+    row("a popup whose surface is gone", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        const quint32 positioner = client.createPositioner(QSize(20, 20));
+        client.send(WireMessage(surface, 0));
+        client.createPopup(xdgSurface, window.xdgSurface, positioner);
+    });
+    row("a popup that outlives its surface", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
+        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(xdgSurface, 0));
+        client.send(WireMessage(popup, 1).number(0U).number(0U));
+        client.send(WireMessage(popup, 0));
+    });
+    row("a popup that goes and is answered for", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
+        client.commit(surface);
+        client.attach(surface, client.createBuffer(QSize(20, 20)));
+        client.commit(surface);
+        client.send(WireMessage(popup, 0));
+        client.send(WireMessage(xdgSurface, 4).number(1U));
+        client.commit(surface);
+        client.createToplevel(xdgSurface);
+    });
+    row("a popup whose parent goes first", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        quint32 parent = window.xdgSurface;
+        QVector<quint32> surfaces;
+        for (int i = 0; i < 5; ++i) {
+            const quint32 surface = client.createSurface();
+            surfaces.append(surface);
+            const quint32 xdgSurface = client.createXdgSurface(surface);
+            client.createPopup(xdgSurface, parent, client.createPositioner(QSize(20, 20)));
+            client.commit(surface);
+            client.attach(surface, client.createBuffer(QSize(20, 20)));
+            client.commit(surface);
+            parent = xdgSurface;
+        }
+        client.send(WireMessage(window.toplevel, 0));
+        client.send(WireMessage(window.xdgSurface, 0));
+        client.send(WireMessage(window.surface, 0));
+        for (const quint32 surface : surfaces) {
+            client.commit(surface);
+        }
+    });
+    row("a popup at the end of the world", cNoError, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        for (const quint32 adjustment : {0U, 63U}) {
+            for (const qint32 edge : {cLowest, cHuge}) {
+                const quint32 surface = client.createSurface();
+                const quint32 positioner = client.createPositioner(QSize(cHuge, cHuge));
+                client.send(WireMessage(positioner, 2).number(edge).number(edge).number(cHuge).number(cHuge));
+                client.send(WireMessage(positioner, 5).number(adjustment));
+                client.send(WireMessage(positioner, 6).number(edge).number(edge));
+                client.createPopup(client.createXdgSurface(surface), window.xdgSurface, positioner);
+                client.commit(surface);
+                client.attach(surface, client.createBuffer(QSize(20, 20)));
+                client.commit(surface);
+            }
+        }
+    });
+    row("a thousand popups on each other", cNoError, [](WireClient& client) {
+        quint32 parent = client.openWindow("Parent").xdgSurface;
+        const quint32 buffer = client.createBuffer(QSize(20, 20));
+        for (int i = 0; i < 1000; ++i) {
+            const quint32 surface = client.createSurface();
+            const quint32 xdgSurface = client.createXdgSurface(surface);
+            client.createPopup(xdgSurface, parent, client.createPositioner(QSize(20, 20)));
+            client.commit(surface);
+            client.attach(surface, buffer);
+            client.commit(surface);
+            parent = xdgSurface;
+            client.synchronise();
+        }
+    });
+    row("a popup that grabs with nothing pressed", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 surface = client.createSurface();
+        const quint32 xdgSurface = client.createXdgSurface(surface);
+        const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
+        const quint32 seat = client.bind("wl_seat");
+        for (int i = 0; i < 100; ++i) {
+            client.send(WireMessage(popup, 1).number(seat).number(i));
+        }
+        client.commit(surface);
+    });
+
+    row("a clipboard whose source is gone", cAnyEnd, [](WireClient& client) {
+        client.openWindow("Copier");
+        const quint32 seat = client.bind("wl_seat");
+        const quint32 manager = client.bind("wl_data_device_manager");
+        const quint32 device = client.newId();
+        client.send(WireMessage(manager, 1).number(device).number(seat));
+        for (int i = 0; i < 10; ++i) {
+            const quint32 source = client.newId();
+            client.send(WireMessage(manager, 0).number(source));
+            client.send(WireMessage(source, 0).text("text/plain"));
+            client.send(WireMessage(device, 1).number(source).number(0U));
+            client.send(WireMessage(source, 1));
+        }
+        client.send(WireMessage(device, 1).number(0U).number(0U));
+    });
+    row("a drag with nothing pressed", cAnyEnd, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Dragger");
+        const quint32 seat = client.bind("wl_seat");
+        const quint32 manager = client.bind("wl_data_device_manager");
+        const quint32 device = client.newId();
+        client.send(WireMessage(manager, 1).number(device).number(seat));
+        const quint32 source = client.newId();
+        client.send(WireMessage(manager, 0).number(source));
+        const quint32 icon = client.createSurface();
+        client.send(WireMessage(device, 0).number(source).number(window.surface).number(icon).number(0U));
+        client.send(WireMessage(source, 1));
+        client.send(WireMessage(icon, 0));
+    });
+}
+
+void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
+{
+    QFETCH(Attack, attack);
+    QFETCH(int, error);
+    expectComplaints(200);
+    const auto witness = protocolClient();
+    witness->send("open a Witness");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+
+    const auto client = connectClient();
+    attack(*client);
+    client->synchronise();
+    // Everything that is there is painted and arranged anew.
+    screenShot();
+    const bool isConnected = client->synchronise();
+    if (error == cNoError) {
+        QVERIFY2(isConnected, client->errorText());
+    } else if (error != cAnyEnd) {
+        QVERIFY(!isConnected);
+        QVERIFY2(error == cAnyError || client->errorCode() == error,
+                 QByteArray::number(client->errorCode()) + ": " + client->errorText());
+    }
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("fullScreen"), true);
+    screenShot();
+    client->disconnect();
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    QCOMPARE(CompositorBus::views().first().info1, QStringLiteral("Witness"));
+    witness->send("frame 1");
+    witness->waitFor("frame 1");
+    screenShot();
+}
+
+void CompositorHostileClientTest::whatAClientEndsLeavesNothingBehind()
+{
+    const auto client = connectClient();
+    const WireClient::Window window = client->openWindow("Busy");
+    const quint32 subcompositor = client->bind("wl_subcompositor");
+    const quint32 buffer = client->createBuffer(QSize(20, 20));
+    const auto openAndClose = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const quint32 surface = client->createSurface();
+            const quint32 xdgSurface = client->createXdgSurface(surface);
+            const quint32 positioner = client->createPositioner(QSize(20, 20));
+            const quint32 popup = client->createPopup(xdgSurface, window.xdgSurface, positioner);
+            client->send(WireMessage(positioner, 0));
+            client->commit(surface);
+            client->attach(surface, buffer);
+            client->commit(surface);
+            const quint32 part = client->createSurface();
+            const quint32 subsurface = client->newId();
+            client->send(WireMessage(subcompositor, 1).number(subsurface).number(part).number(window.surface));
+            client->attach(part, buffer);
+            client->commit(part);
+            client->send(WireMessage(subsurface, 0));
+            client->send(WireMessage(part, 0));
+            client->send(WireMessage(popup, 0));
+            client->send(WireMessage(xdgSurface, 0));
+            client->send(WireMessage(surface, 0));
+            QVERIFY2(client->synchronise(), client->errorText());
+        }
+    };
+    openAndClose(300);
+    for (int i = 0; i < 5; ++i) {
+        screenShot();
+    }
+    const qint64 before = mCompositor->residentMemory();
+    const int descriptors = mCompositor->descriptorCount();
+    openAndClose(3000);
+    screenShot();
+    QCOMPARE(mCompositor->descriptorCount(), descriptors);
+    const qint64 growth = mCompositor->residentMemory() - before;
+    QVERIFY2(growth < 1024 * 1024, qPrintable(QString::number(growth)));
+}
+
+void CompositorHostileClientTest::aPopupIsEndedOnce()
+{
+    constexpr quint16 popupDone = 1;
+    const auto witness = protocolClient();
+    witness->send("open a Witness");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    const auto client = connectClient();
+    const WireClient::Window window = client->openWindow("Parent");
+    const quint32 surface = client->createSurface();
+    const quint32 xdgSurface = client->createXdgSurface(surface);
+    const quint32 popup = client->createPopup(xdgSurface, window.xdgSurface, client->createPositioner(QSize(40, 40)));
+    client->commit(surface);
+    client->attach(surface, client->createBuffer(QSize(40, 40)));
+    client->commit(surface);
+    QVERIFY(client->synchronise());
+    TRY_COMPARE(CompositorBus::views().size(), 2);
+    QCOMPARE(client->events(popup, popupDone).size(), 0);
+    const QString uuid = CompositorBus::viewWithTitle(QStringLiteral("Parent")).uuid;
+    const QString other = CompositorBus::viewWithTitle(QStringLiteral("Witness")).uuid;
+    const QImage withPopup = screenShot();
+    for (int i = 0; i < 20; ++i) {
+        CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher,
+                           QStringLiteral("currentView"), i % 2 == 0 ? other : uuid);
+    }
+    QVERIFY(client->synchronise());
+    QCOMPARE(client->events(popup, popupDone).size(), 1);
+    // What has been ended is not shown again, though the client has not taken it away.
+    QVERIFY(screenShot().copy(0, 40, 1024, 560) != withPopup.copy(0, 40, 1024, 560));
+    client->send(WireMessage(popup, 0));
+    client->send(WireMessage(xdgSurface, 0));
+    client->send(WireMessage(surface, 0));
+    QVERIFY2(client->synchronise(), client->errorText());
+}
+
+void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
+{
+    QCOMPARE(mCompositor->end(), 0);
+    CompositorProcess limited;
+    limited.startWithLimit(QStringLiteral("ulimit -n 60"));
+    const QString socket = limited.runtimeDirectory() + QLatin1Char('/') + limited.display();
+    WireClient witness(socket);
+    witness.openWindow("Witness");
+    QVERIFY(witness.synchronise());
+    {
+        std::vector<std::unique_ptr<QLocalSocket>> sockets;
+        for (int i = 0; i < 100; ++i) {
+            sockets.push_back(std::make_unique<QLocalSocket>());
+            sockets.back()->connectToServer(socket);
+            QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
+        }
+        TRY_COMPARE(limited.descriptorCount(), 60);
+        for (int i = 0; i < 50; ++i) {
+            QVERIFY(witness.synchronise());
+        }
+        QCOMPARE(CompositorBus::views().size(), 1);
+    }
+    WireClient late(socket);
+    late.openWindow("Late");
+    QVERIFY(late.synchronise());
+    TRY_COMPARE(CompositorBus::views().size(), 2);
+    QCOMPARE(limited.end(), 0);
+    mCompositor->start();
+}
+
+TELVARO_TEST_MAIN(CompositorHostileClientTest)
+
+#include "CompositorHostileClientTest.moc"

@@ -1,0 +1,776 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CompositorBus.h"
+#include "CompositorTest.h"
+#include "InterfaceFiles.h"
+#include "TestMain.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusPendingCall>
+#include <QDBusReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+
+#include <stdexcept>
+
+using CompositorBus::View;
+
+namespace {
+const QString cNotificationName = QStringLiteral("org.freedesktop.Notifications");
+const QString cError = QStringLiteral("org.example.Error.Broken");
+
+QStringList uuidsOf(const QList<View>& views)
+{
+    QStringList uuids;
+    for (const View& view : views) {
+        uuids.append(view.uuid);
+    }
+    return uuids;
+}
+
+QVariant screen(const char* property)
+{
+    return CompositorBus::get(CompositorBus::cScreenPath, CompositorBus::cScreen, QString::fromLatin1(property));
+}
+
+QDBusMessage readOrientation()
+{
+    return CompositorBus::call(CompositorBus::cScreenPath, CompositorBus::cProperties, QStringLiteral("Get"),
+                               {CompositorBus::cScreen, QStringLiteral("orientation")});
+}
+
+QDBusMessage showOverlay(const char* text = "text")
+{
+    return CompositorBus::call(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"),
+                               {QString::fromUtf8(text)});
+}
+
+QDBusPendingCall callLater(const QString& path, const QString& interface, const QString& member,
+                           const QVariantList& arguments = {}, int timeout = -1)
+{
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(QStringLiteral(TELVARO_SERVICE_NAME), path, interface, member);
+    message.setArguments(arguments);
+    return PrivateBus::connection().asyncCall(message, timeout);
+}
+
+bool isOwned(const QString& name)
+{
+    return PrivateBus::connection().interface()->isServiceRegistered(name);
+}
+
+/// A call of every method, with arguments of its types.
+QVariantList argumentsOf(const QString& method)
+{
+    static const QMap<QString, QVariantList> arguments{
+        {QStringLiteral("de.Telvaro.globaloverlay.Show"), {QString()}},
+        {QStringLiteral("de.Telvaro.globaloverlay.Hide"), {}},
+        {QStringLiteral("de.Telvaro.screenshot.ScreenShot"), {QStringLiteral("/")}},
+        {QStringLiteral("org.freedesktop.Notifications.Notify"),
+         {QString(), 0U, QString(), QString(), QString(), QStringList(), QVariantMap(), 0}},
+        {QStringLiteral("org.freedesktop.Notifications.CloseNotification"), {1U}},
+        {QStringLiteral("org.freedesktop.Notifications.GetCapabilities"), {}},
+        {QStringLiteral("org.freedesktop.Notifications.GetServerInformation"), {}},
+    };
+    if (!arguments.contains(method)) {
+        throw std::runtime_error("no arguments for " + method.toStdString());
+    }
+    return arguments.value(method);
+}
+
+QString pathOf(const QString& interface)
+{
+    return interface == CompositorBus::cNotifications ? CompositorBus::cNotificationsPath
+                                                      : QLatin1Char('/') + interface.section(QLatin1Char('.'), -1);
+}
+} // namespace
+
+class CompositorScriptTest : public CompositorTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void viewsOfAScriptAreThereBeforeAnybodyAsks();
+    void aViewAppearsAndVanishesAtItsTime();
+    void aViewOfAScriptCanBeSwitchedTo();
+    void windowsAndViewsOfAScriptLiveSideBySide();
+    void aPropertyChangesAndIsSignalled_data();
+    void aPropertyChangesAndIsSignalled();
+    void theScreenSaverStartsAndEnds();
+    void aMethodIsCalled();
+    void aNotificationIsPosted();
+    void stepsOfOneTimeAreTakenInTheirOrder();
+    void aStepWaitsForAsManyCallsAsItSays();
+    void aStepWaitsForTheViewOfAnApplication();
+    void theTimeOfAStepThatWaitsBeginsWithTheEvent();
+    void whatTheScriptItselfCallsIsNoEventAndMeetsNoFault();
+    void everyMemberOfTheInterfacesCanFail();
+    void aFaultOfAnInterfaceIsForAllItsMembers();
+    void aFaultOfAReadIsAlsoForGetAll();
+    void aFaultOfAReadIsNotForAWrite();
+    void aFaultEndsAfterItsCalls();
+    void aFaultEndsAfterItsTime();
+    void aFaultEndsWhenTheScriptSaysSo();
+    void ofTwoFaultsTheLaterOneCounts();
+    void aDelayedAnswerIsTheRightOne_data();
+    void aDelayedAnswerIsTheRightOne();
+    void aDelayedRefusalIsTheRightOne();
+    void aDelayedErrorComesLater();
+    void whoWaitsForADelayedAnswerKeepsNobodyElseWaiting();
+    void aSilentCallIsNeverAnswered();
+    void theServiceGoesAndComesBack();
+    void aFrozenCompositorAnswersWhenItHasThawed();
+    void aStepThatCannotBeTakenEndsTheCompositor_data();
+    void aStepThatCannotBeTakenEndsTheCompositor();
+
+private:
+    /// A test starts it with a script.
+    void startCompositor() override
+    {
+    }
+
+    void play(const QByteArray& steps);
+    QString scriptFile() const
+    {
+        return mDirectory.filePath(QStringLiteral("script.json"));
+    }
+    void write(const QByteArray& steps) const;
+
+    QTemporaryDir mDirectory;
+};
+
+void CompositorScriptTest::write(const QByteArray& steps) const
+{
+    QFile file(scriptFile());
+    if (!file.open(QIODevice::WriteOnly) || file.write(steps) != steps.size()) {
+        throw std::runtime_error("cannot write " + scriptFile().toStdString());
+    }
+}
+
+void CompositorScriptTest::play(const QByteArray& steps)
+{
+    write(steps);
+    // What the first steps change is not recorded: it is on the bus before this answer, which no script can disturb.
+    mMonitor.reset();
+    mCompositor->start({QStringLiteral("--script"), scriptFile()});
+    CompositorBus::callChecked(CompositorBus::cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                               QStringLiteral("Introspect"));
+    mMonitor = std::make_unique<PropertyMonitor>();
+}
+
+void CompositorScriptTest::viewsOfAScriptAreThereBeforeAnybodyAsks()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "org.example.Player", "pid": 4711, "title": "Song",
+                      "processName": "player", "attributes": {"volume": 11, "gain": 0.5, "muted": true, "width": 5}}},
+        {"add-view": {"uuid": "two", "appId": "org.example.Player", "pid": 4294967295}}
+    ])");
+    const QList<View> views = CompositorBus::views();
+    QCOMPARE(uuidsOf(views), QStringList({QStringLiteral("one"), QStringLiteral("two")}));
+    QCOMPARE(CompositorBus::currentView(), QStringLiteral("two"));
+
+    const View one = views.at(0);
+    QCOMPARE(one.appId, QStringLiteral("org.example.Player"));
+    QCOMPARE(one.info1, QStringLiteral("Song"));
+    QCOMPARE(one.info2, QStringLiteral("player"));
+    QCOMPARE(one.info3, QStringLiteral("background"));
+    QCOMPARE(one.info4, QStringLiteral("window"));
+    QCOMPARE(one.pid, 4711U);
+    QCOMPARE(one.sortIndex, 0U);
+    const QVariantMap expected{
+        {QStringLiteral("title"), QStringLiteral("Song")},
+        {QStringLiteral("processName"), QStringLiteral("player")},
+        {QStringLiteral("current"), false},
+        {QStringLiteral("responding"), true},
+        {QStringLiteral("dialog"), false},
+        {QStringLiteral("width"), 5},
+        {QStringLiteral("height"), 0},
+        {QStringLiteral("volume"), 11},
+        {QStringLiteral("gain"), 0.5},
+        {QStringLiteral("muted"), true},
+    };
+    QCOMPARE(one.attributes, expected);
+
+    const View two = views.at(1);
+    QCOMPARE(two.info1, QStringLiteral("org.example.Player"));
+    QCOMPARE(two.info3, QStringLiteral("current"));
+    QCOMPARE(two.pid, 4294967295U);
+    QCOMPARE(two.sortIndex, 1U);
+}
+
+void CompositorScriptTest::aViewAppearsAndVanishesAtItsTime()
+{
+    QElapsedTimer timer;
+    timer.start();
+    play(R"([
+        {"at": 0.8, "remove-view": "one"},
+        {"at": 0.4, "add-view": {"uuid": "one", "appId": "app", "pid": 1}}
+    ])");
+    TRY_COMPARE(uuidsOf(CompositorBus::views()), QStringList(QStringLiteral("one")));
+    QVERIFY2(timer.elapsed() >= 400, qPrintable(QString::number(timer.elapsed())));
+    TRY_COMPARE(uuidsOf(CompositorBus::views()), QStringList());
+    QVERIFY2(timer.elapsed() >= 800, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(mMonitor->takeNames(),
+             QStringList({QStringLiteral("views"), QStringLiteral("currentView"), QStringLiteral("views"),
+                          QStringLiteral("currentView")}));
+}
+
+void CompositorScriptTest::aViewOfAScriptCanBeSwitchedTo()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "app", "pid": 1}}
+    ])");
+    const auto switchTo = [](const char* uuid) {
+        return CompositorBus::errorOf(CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher,
+                                                         QStringLiteral("currentView"), QString::fromLatin1(uuid)));
+    };
+    QCOMPARE(switchTo("one"), QString());
+    QCOMPARE(CompositorBus::currentView(), QStringLiteral("one"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).currentView, QStringLiteral("one"));
+    QVERIFY(switchTo("three").startsWith(QLatin1String("org.freedesktop.DBus.Error.InvalidArgs: ")));
+    QCOMPARE(CompositorBus::currentView(), QStringLiteral("one"));
+}
+
+void CompositorScriptTest::windowsAndViewsOfAScriptLiveSideBySide()
+{
+    play(R"([
+        {"add-view": {"uuid": "script", "appId": "app", "pid": 1, "title": "Script"}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "remove-view": "script"}
+    ])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("activated 1");
+    const View window = CompositorBus::viewWithTitle(QStringLiteral("Window"));
+    QCOMPARE(CompositorBus::views().size(), 2);
+    QCOMPARE(CompositorBus::currentView(), window.uuid);
+    QCOMPARE(window.sortIndex, 1U);
+    const QImage withWindow = screenShot();
+
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       QStringLiteral("script"));
+    client->waitFor("deactivated 1");
+    QVERIFY(screenShot() != withWindow);
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    client->waitFor("activated 1");
+    QCOMPARE(uuidsOf(CompositorBus::views()), QStringList(window.uuid));
+    client->send("close 1");
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+}
+
+void CompositorScriptTest::aPropertyChangesAndIsSignalled_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QVariant>("value");
+    using namespace CompositorBus;
+    QTest::newRow("text") << cScreenPath << QStringLiteral("de.Telvaro.screen.orientation") << QByteArray("\"270\"")
+                          << QVariant(QStringLiteral("270"));
+    QTest::newRow("bool") << cScreenPath << QStringLiteral("de.Telvaro.screen.fullScreen") << QByteArray("true")
+                          << QVariant(true);
+    QTest::newRow("other bool") << cScreenPath << QStringLiteral("de.Telvaro.screen.screenSaverEnabled")
+                                << QByteArray("false") << QVariant(false);
+    QTest::newRow("number") << cScreenPath << QStringLiteral("de.Telvaro.screen.screenSaverTimeoutSeconds")
+                            << QByteArray("17") << QVariant(17);
+    QTest::newRow("current view") << cTaskSwitcherPath << QStringLiteral("de.Telvaro.taskswitcher.currentView")
+                                  << QByteArray("\"one\"") << QVariant(QStringLiteral("one"));
+}
+
+void CompositorScriptTest::aPropertyChangesAndIsSignalled()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, property);
+    QFETCH(QByteArray, json);
+    QFETCH(QVariant, value);
+    const QString interface = property.section(QLatin1Char('.'), 0, -2);
+    const QString name = property.section(QLatin1Char('.'), -1);
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "app", "pid": 1}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "set": {")"
+         + property.toUtf8() + "\": " + json + "}}]");
+    QVERIFY(CompositorBus::get(path, interface, name) != value);
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    const PropertyMonitor::Change change = mMonitor->waitFor(name);
+    QCOMPARE(change.interface, interface);
+    QCOMPARE(change.values.value(name), value);
+    QCOMPARE(CompositorBus::get(path, interface, name), value);
+}
+
+void CompositorScriptTest::theScreenSaverStartsAndEnds()
+{
+    play(R"([
+        {"set": {"de.Telvaro.screen.screenSaverActive": true}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "set": {"de.Telvaro.screen.screenSaverActive": false}}
+    ])");
+    QCOMPARE(screen("screenSaverActive"), QVariant(true));
+    QImage black = screenShot();
+    black.fill(Qt::black);
+    QCOMPARE(screenShot(), black);
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.first(), QVariant(false));
+    QCOMPARE(screen("screenSaverActive"), QVariant(false));
+    QVERIFY(screenShot() != black);
+}
+
+void CompositorScriptTest::aMethodIsCalled()
+{
+    play(R"([
+        {"after": {"get": "de.Telvaro.screen.orientation"},
+         "call": {"de.Telvaro.globaloverlay.Show": ["The battery is low"]}},
+        {"after": {"get": "de.Telvaro.screen.orientation", "times": 2}, "call": {"de.Telvaro.globaloverlay.Hide": []}}
+    ])");
+    const QImage without = screenShot();
+    readOrientation();
+    const QImage with = screenShot();
+    QVERIFY(with != without);
+    readOrientation();
+    QCOMPARE(screenShot().copy(0, 40, 1024, 560), without.copy(0, 40, 1024, 560));
+    QVERIFY(showOverlay("The battery is low").type() == QDBusMessage::ReplyMessage);
+    QCOMPARE(screenShot().copy(0, 40, 1024, 560), with.copy(0, 40, 1024, 560));
+}
+
+void CompositorScriptTest::aNotificationIsPosted()
+{
+    play(R"([
+        {"call": {"org.freedesktop.Notifications.Notify":
+            ["mail", 0, "mail-unread", "New mail", "From Ann", ["read", "Read"], {"urgency": 2}, -1]}}
+    ])");
+    const auto close = [] {
+        return CompositorBus::call(CompositorBus::cNotificationsPath, CompositorBus::cNotifications,
+                                   QStringLiteral("CloseNotification"), {1U})
+            .type();
+    };
+    QCOMPARE(close(), QDBusMessage::ReplyMessage);
+    QCOMPARE(close(), QDBusMessage::ErrorMessage);
+}
+
+void CompositorScriptTest::stepsOfOneTimeAreTakenInTheirOrder()
+{
+    QByteArray steps = "[";
+    QStringList expected;
+    for (int i = 0; i < 20; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        steps += R"({"at": 0.2, "add-view": {"appId": "app", "pid": 1, "uuid": ")" + number + "\"}},";
+        expected.append(QString::fromLatin1(number));
+    }
+    steps.back() = ']';
+    play(steps);
+    TRY_COMPARE(uuidsOf(CompositorBus::views()), expected);
+}
+
+void CompositorScriptTest::aStepWaitsForAsManyCallsAsItSays()
+{
+    play(R"([
+        {"after": {"call": "de.Telvaro.globaloverlay.Show", "times": 3},
+         "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"after": {"set": "de.Telvaro.screen.fullScreen"}, "set": {"de.Telvaro.screen.orientation": "180"}},
+        {"after": {"interface": "org.freedesktop.Notifications"}, "set": {"de.Telvaro.screen.orientation": "270"}}
+    ])");
+    for (const char* const orientation : {"0", "0", "90", "90"}) {
+        showOverlay();
+        QCOMPARE(screen("orientation").toString(), QString::fromLatin1(orientation));
+    }
+    screen("fullScreen");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("fullScreen"), true);
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("180")));
+    CompositorBus::callChecked(CompositorBus::cNotificationsPath, CompositorBus::cNotifications,
+                               QStringLiteral("GetCapabilities"));
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("270")));
+    showOverlay();
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("270")));
+}
+
+void CompositorScriptTest::aStepWaitsForTheViewOfAnApplication()
+{
+    play(R"([
+        {"after": {"view": "org.example.App", "times": 2},
+         "add-view": {"uuid": "answer", "appId": "app", "pid": 1, "title": "Answer"}}
+    ])");
+    const auto client = testClient();
+    client->send("open org.example.App first");
+    client->waitFor("activated 1");
+    client->send("title 1 another");
+    client->send("open org.example.Other second");
+    client->waitFor("activated 2");
+    QCOMPARE(CompositorBus::views().size(), 2);
+    client->send("open org.example.App third");
+    TRY_COMPARE(CompositorBus::views().size(), 4);
+    QCOMPARE(CompositorBus::views().last().info1, QStringLiteral("Answer"));
+}
+
+void CompositorScriptTest::theTimeOfAStepThatWaitsBeginsWithTheEvent()
+{
+    play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Show"}, "at": 0.3,
+              "set": {"de.Telvaro.screen.orientation": "90"}}])");
+    QElapsedTimer timer;
+    timer.start();
+    showOverlay();
+    mMonitor->waitFor(QStringLiteral("orientation"));
+    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+}
+
+void CompositorScriptTest::whatTheScriptItselfCallsIsNoEventAndMeetsNoFault()
+{
+    play(R"([
+        {"fault": {"interface": "de.Telvaro.globaloverlay", "silent": true}},
+        {"fault": {"set": "de.Telvaro.screen.orientation", "silent": true}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"call": {"de.Telvaro.globaloverlay.Show": ["text"]}},
+        {"set": {"de.Telvaro.screen.orientation": "180"}}
+    ])");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("180")));
+    callLater(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"), {QString()});
+    TRY_COMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::everyMemberOfTheInterfacesCanFail()
+{
+    // Each with its own name as the text.
+    const QStringList members = InterfaceFiles().members();
+    QVERIFY(members.size() >= 14);
+    QJsonArray steps;
+    for (const QString& member : members) {
+        const bool isProperty = member.contains(QLatin1Char(':'));
+        const QString name = QString(member).replace(QLatin1Char(':'), QLatin1Char('.'));
+        steps.append(QJsonObject{{QStringLiteral("fault"),
+                                  QJsonObject{{isProperty ? QStringLiteral("get") : QStringLiteral("call"), name},
+                                              {QStringLiteral("error"), cError},
+                                              {QStringLiteral("text"), name}}}});
+    }
+    play(QJsonDocument(steps).toJson());
+
+    for (const QString& member : members) {
+        const QString name = QString(member).replace(QLatin1Char(':'), QLatin1Char('.'));
+        const QString interface = name.section(QLatin1Char('.'), 0, -2);
+        const QString last = name.section(QLatin1Char('.'), -1);
+        const QDBusMessage reply = member.contains(QLatin1Char(':'))
+            ? CompositorBus::call(pathOf(interface), CompositorBus::cProperties, QStringLiteral("Get"),
+                                  {interface, last})
+            : CompositorBus::call(pathOf(interface), interface, last, argumentsOf(member));
+        QCOMPARE(CompositorBus::errorOf(reply), cError + QStringLiteral(": ") + name);
+    }
+}
+
+void CompositorScriptTest::aFaultOfAnInterfaceIsForAllItsMembers()
+{
+    play(R"([{"fault": {"interface": "de.Telvaro.screen", "error": "org.example.Error.Broken"}}])");
+    QCOMPARE(readOrientation().errorName(), cError);
+    QCOMPARE(CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("fullScreen"), true)
+                 .errorName(),
+             cError);
+    QCOMPARE(CompositorBus::call(CompositorBus::cScreenPath, CompositorBus::cProperties, QStringLiteral("GetAll"),
+                                 {CompositorBus::cScreen})
+                 .errorName(),
+             cError);
+    QCOMPARE(CompositorBus::currentView(), QString());
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+}
+
+void CompositorScriptTest::aFaultOfAReadIsAlsoForGetAll()
+{
+    play(R"([{"fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken"}}])");
+    const auto getAll = [](const QString& path, const QString& interface) {
+        return CompositorBus::call(path, CompositorBus::cProperties, QStringLiteral("GetAll"), {interface}).errorName();
+    };
+    QCOMPARE(getAll(CompositorBus::cScreenPath, CompositorBus::cScreen), cError);
+    QCOMPARE(getAll(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher), QString());
+}
+
+void CompositorScriptTest::aFaultOfAReadIsNotForAWrite()
+{
+    play(R"([
+        {"fault": {"get": "de.Telvaro.screen.fullScreen", "error": "org.example.Error.Broken", "text": "read"}},
+        {"fault": {"set": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken", "text": "write"}}
+    ])");
+    const auto set = [](const char* property, const QVariant& value) {
+        return CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QString::fromLatin1(property),
+                                  value);
+    };
+    QCOMPARE(set("fullScreen", true).type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(set("orientation", QStringLiteral("90")).errorMessage(), QStringLiteral("write"));
+    QCOMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
+    QVERIFY_EXCEPTION_THROWN(screen("fullScreen"), std::runtime_error);
+}
+
+void CompositorScriptTest::aFaultEndsAfterItsCalls()
+{
+    play(R"([{"fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken", "times": 2}}])");
+    QCOMPARE(readOrientation().errorName(), cError);
+    screen("fullScreen");
+    QCOMPARE(readOrientation().errorName(), cError);
+    QCOMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
+}
+
+void CompositorScriptTest::aFaultEndsAfterItsTime()
+{
+    play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Hide"},
+              "fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken",
+                        "seconds": 0.5}}])");
+    QCOMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
+    QElapsedTimer timer;
+    timer.start();
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    const QString first = readOrientation().errorName();
+    // On a machine that is that slow the fault is over already, which is right as well.
+    QVERIFY(first == cError || timer.elapsed() >= 499);
+    TRY_COMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
+    QVERIFY2(timer.elapsed() >= 499, qPrintable(QString::number(timer.elapsed())));
+}
+
+void CompositorScriptTest::aFaultEndsWhenTheScriptSaysSo()
+{
+    play(R"([
+        {"fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken"}},
+        {"fault": {"set": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken"}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "end-fault": {"get": "de.Telvaro.screen.orientation"}}
+    ])");
+    QCOMPARE(readOrientation().errorName(), cError);
+    showOverlay();
+    QCOMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
+    QCOMPARE(CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
+                                QStringLiteral("90"))
+                 .errorName(),
+             cError);
+}
+
+void CompositorScriptTest::ofTwoFaultsTheLaterOneCounts()
+{
+    play(R"([
+        {"fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken", "text": "first"}},
+        {"fault": {"interface": "de.Telvaro.screen", "error": "org.example.Error.Broken", "text": "second", "times": 1}}
+    ])");
+    QCOMPARE(readOrientation().errorMessage(), QStringLiteral("second"));
+    QCOMPARE(readOrientation().errorMessage(), QStringLiteral("first"));
+}
+
+void CompositorScriptTest::aDelayedAnswerIsTheRightOne_data()
+{
+    QTest::addColumn<QByteArray>("calls");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("interface");
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<QVariantList>("arguments");
+    using namespace CompositorBus;
+    QTest::newRow("views") << QByteArray(R"("get": "de.Telvaro.taskswitcher.views")") << cTaskSwitcherPath
+                           << cProperties << QStringLiteral("Get")
+                           << QVariantList{cTaskSwitcher, QStringLiteral("views")};
+    QTest::newRow("all properties") << QByteArray(R"("get": "de.Telvaro.screen.fullScreen")") << cScreenPath
+                                    << cProperties << QStringLiteral("GetAll") << QVariantList{cScreen};
+    QTest::newRow("method without a result")
+        << QByteArray(R"("call": "de.Telvaro.globaloverlay.Show")") << cOverlayPath << cOverlay
+        << QStringLiteral("Show") << QVariantList{QStringLiteral("text")};
+    QTest::newRow("method with several results")
+        << QByteArray(R"("call": "org.freedesktop.Notifications.GetServerInformation")") << cNotificationsPath
+        << cNotifications << QStringLiteral("GetServerInformation") << QVariantList{};
+    QTest::newRow("method with many arguments") << QByteArray(R"("call": "org.freedesktop.Notifications.Notify")")
+                                                << cNotificationsPath << cNotifications << QStringLiteral("Notify")
+                                                << QVariantList{QString(),
+                                                                5U,
+                                                                QString(),
+                                                                QStringLiteral("Summary"),
+                                                                QString(),
+                                                                QStringList{QStringLiteral("a"), QStringLiteral("b")},
+                                                                QVariantMap{{QStringLiteral("urgency"), 1}},
+                                                                0};
+}
+
+void CompositorScriptTest::aDelayedAnswerIsTheRightOne()
+{
+    QFETCH(QByteArray, calls);
+    QFETCH(QString, path);
+    QFETCH(QString, interface);
+    QFETCH(QString, member);
+    QFETCH(QVariantList, arguments);
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1, "attributes": {"a": true, "b": "c"}}},
+        {"call": {"org.freedesktop.Notifications.Notify": ["", 0, "", "", "", [], {}, 0]}},
+        {"fault": {)"
+         + calls + R"(, "delay": 0.3, "times": 1}}])");
+    // Of a notification that is there the identifier is answered again.
+    if (member == QLatin1String("Notify")) {
+        arguments[1] = 1U;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage delayed = CompositorBus::call(path, interface, member, arguments);
+    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(CompositorBus::errorOf(delayed), QString());
+    const QDBusMessage prompt = CompositorBus::call(path, interface, member, arguments);
+    QCOMPARE(delayed.signature(), prompt.signature());
+    if (member == QLatin1String("Get")) {
+        const auto viewsOf = [](const QDBusMessage& reply) {
+            QList<View> views;
+            reply.arguments().value(0).value<QDBusVariant>().variant().value<QDBusArgument>() >> views;
+            return views;
+        };
+        QCOMPARE(viewsOf(delayed).size(), 1);
+        QCOMPARE(viewsOf(delayed).first().uuid, QStringLiteral("one"));
+        QCOMPARE(viewsOf(delayed).first().attributes, viewsOf(prompt).first().attributes);
+    } else if (member == QLatin1String("GetAll")) {
+        QCOMPARE(qdbus_cast<QVariantMap>(delayed.arguments().value(0)),
+                 qdbus_cast<QVariantMap>(prompt.arguments().value(0)));
+    } else {
+        QCOMPARE(delayed.arguments(), prompt.arguments());
+    }
+}
+
+void CompositorScriptTest::aDelayedRefusalIsTheRightOne()
+{
+    play(R"([
+        {"fault": {"set": "de.Telvaro.screen.orientation", "delay": 0.2, "times": 1}},
+        {"fault": {"call": "org.freedesktop.Notifications.CloseNotification", "delay": 0.2, "times": 1}}
+    ])");
+    const auto refused = [] {
+        return CompositorBus::errorOf(CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen,
+                                                         QStringLiteral("orientation"), QStringLiteral("45")));
+    };
+    const QString delayed = refused();
+    QVERIFY(delayed.startsWith(QLatin1String("org.freedesktop.DBus.Error.InvalidArgs: \"45\"")));
+    QCOMPARE(delayed, refused());
+    const auto close = [] {
+        return CompositorBus::call(CompositorBus::cNotificationsPath, CompositorBus::cNotifications,
+                                   QStringLiteral("CloseNotification"), {99U});
+    };
+    const QDBusMessage closed = close();
+    QCOMPARE(closed.type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(closed.signature(), close().signature());
+}
+
+void CompositorScriptTest::aDelayedErrorComesLater()
+{
+    play(R"([{"fault": {"get": "de.Telvaro.screen.orientation", "error": "org.example.Error.Broken", "delay": 0.3}}])");
+    QElapsedTimer timer;
+    timer.start();
+    const QDBusMessage reply = readOrientation();
+    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(reply.errorName(), cError);
+    QCOMPARE(reply.errorMessage(), QString());
+}
+
+void CompositorScriptTest::whoWaitsForADelayedAnswerKeepsNobodyElseWaiting()
+{
+    play(R"([{"fault": {"set": "de.Telvaro.screen.orientation", "delay": 0.5}}])");
+    QDBusPendingCall delayed = callLater(CompositorBus::cScreenPath, CompositorBus::cProperties, QStringLiteral("Set"),
+                                         {CompositorBus::cScreen, QStringLiteral("orientation"),
+                                          QVariant::fromValue(QDBusVariant(QStringLiteral("90")))});
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    QVERIFY(!delayed.isFinished());
+    delayed.waitForFinished();
+    QVERIFY(!delayed.isError());
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::aSilentCallIsNeverAnswered()
+{
+    play(R"([{"fault": {"call": "de.Telvaro.globaloverlay.Show", "silent": true, "times": 1}}])");
+    constexpr int cPatience = 700;
+    QDBusPendingCall silent =
+        callLater(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"), {QString()}, cPatience);
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+    silent.waitForFinished();
+    QCOMPARE(silent.error().type(), QDBusError::NoReply);
+}
+
+void CompositorScriptTest::theServiceGoesAndComesBack()
+{
+    play(R"([
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "service": "gone"},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "service": "back"}
+    ])");
+    const QString service = QStringLiteral(TELVARO_SERVICE_NAME);
+    QVERIFY(isOwned(service));
+    QVERIFY(isOwned(cNotificationName));
+    const QString owner = PrivateBus::connection().interface()->serviceOwner(service);
+    QDBusServiceWatcher watcher(service, PrivateBus::connection());
+    const QSignalSpy gone(&watcher, &QDBusServiceWatcher::serviceUnregistered);
+    const QSignalSpy back(&watcher, &QDBusServiceWatcher::serviceRegistered);
+    showOverlay();
+    TRY_COMPARE(gone.count(), 1);
+    QVERIFY(!isOwned(service));
+    QVERIFY(!isOwned(cNotificationName));
+    QCOMPARE(readOrientation().errorName(), QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
+
+    // Only who knows the connection's own name still reaches it.
+    const QDBusMessage hide = QDBusMessage::createMethodCall(owner, CompositorBus::cOverlayPath,
+                                                             CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(PrivateBus::connection().call(hide).type(), QDBusMessage::ReplyMessage);
+    TRY_COMPARE(back.count(), 1);
+    TRY_VERIFY(isOwned(cNotificationName));
+    QCOMPARE(PrivateBus::connection().interface()->serviceOwner(service).value(), owner);
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+}
+
+void CompositorScriptTest::aFrozenCompositorAnswersWhenItHasThawed()
+{
+    play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Show"}, "freeze": 0.6}])");
+    QElapsedTimer timer;
+    timer.start();
+    showOverlay();
+    const QDBusMessage introspection =
+        CompositorBus::call(CompositorBus::cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                            QStringLiteral("Introspect"));
+    QCOMPARE(introspection.type(), QDBusMessage::ReplyMessage);
+    QVERIFY2(timer.elapsed() >= 599, qPrintable(QString::number(timer.elapsed())));
+}
+
+void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("view that is there") << QByteArray(R"("add-view": {"uuid": "one", "appId": "app", "pid": 1})")
+                                        << QByteArray("there is a view \"one\" already");
+    QTest::newRow("view that is not there")
+        << QByteArray(R"("remove-view": "two")") << QByteArray("there is no view \"two\"");
+    QTest::newRow("current view that is not there")
+        << QByteArray(R"("set": {"de.Telvaro.taskswitcher.currentView": "two"})")
+        << QByteArray("org.freedesktop.DBus.Error.InvalidArgs: there is no view \"two\"; the uuid of one of the views "
+                      "is expected");
+    QTest::newRow("value that is refused")
+        << QByteArray(R"("set": {"de.Telvaro.screen.orientation": "45"})")
+        << QByteArray("org.freedesktop.DBus.Error.InvalidArgs: \"45\" is not an orientation; one of \"0\", \"90\", "
+                      "\"180\", \"270\" is expected");
+    QTest::newRow("screen saver that is disabled")
+        << QByteArray(R"("set": {"de.Telvaro.screen.screenSaverActive": true})")
+        << QByteArray("the screen saver is disabled");
+    QTest::newRow("method that fails") << QByteArray(
+        R"("call": {"de.Telvaro.screenshot.ScreenShot": ["/proc/no/such/directory"]})")
+                                       << QByteArray();
+}
+
+void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor()
+{
+    QFETCH(QByteArray, action);
+    QFETCH(QByteArray, reason);
+    const QByteArray begin = R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"set": {"de.Telvaro.screen.screenSaverEnabled": false}},
+        {)";
+    const QByteArray expected = "telvaro-compositor: " + scriptFile().toLocal8Bit() + ": step 3: " + reason;
+    for (const QByteArray& time : {QByteArray(), QByteArray("\"at\": 0.05, ")}) {
+        write(begin + time + action + "}]");
+        CompositorProcess compositor;
+        QCOMPARE(compositor.runToEnd({QStringLiteral("--script"), scriptFile()}), 1);
+        const QByteArray errors = compositor.errors();
+        QVERIFY2(errors.startsWith(expected), errors.constData());
+        QCOMPARE(errors.count('\n'), 1);
+        QVERIFY(reason.isEmpty() || errors == expected + '\n');
+        QCOMPARE(compositor.sockets(), QStringList());
+        QCOMPARE(compositor.output().isEmpty(), time.isEmpty());
+    }
+    // The one that goes on.
+    play("[]");
+}
+
+TELVARO_TEST_MAIN(CompositorScriptTest)
+
+#include "CompositorScriptTest.moc"

@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "WireClient.h"
+
+#include "ChildProcess.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+constexpr quint32 cDisplay = 1;
+constexpr int cHeaderSize = 8;
+constexpr int cPixelSize = 4;
+
+int connectTo(const QString& path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, name.constData(), sizeof(address.sun_path) - 1);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0 || connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        throw std::runtime_error("cannot connect to " + path.toStdString() + ": " + std::strerror(errno));
+    }
+    return descriptor;
+}
+} // namespace
+
+quint32 WireClient::Event::number(int index) const
+{
+    quint32 value = 0;
+    const int offset = index * static_cast<int>(sizeof(value));
+    if (offset + static_cast<int>(sizeof(value)) <= arguments.size()) {
+        std::memcpy(&value, arguments.constData() + offset, sizeof(value));
+    }
+    return value;
+}
+
+WireClient::WireClient(const QString& socketPath)
+    : mSocket(connectTo(socketPath))
+    , mRegistry(newId())
+{
+    send(WireMessage(cDisplay, 1).number(mRegistry));
+    if (!synchronise()) {
+        throw std::runtime_error("the compositor wants no client");
+    }
+}
+
+WireClient::~WireClient()
+{
+    disconnect();
+    if (mMemory >= 0) {
+        close(mMemory);
+    }
+}
+
+void WireClient::disconnect()
+{
+    if (mSocket >= 0) {
+        close(mSocket);
+        mSocket = -1;
+    }
+    mIsConnected = false;
+}
+
+void WireClient::send(const WireMessage& message)
+{
+    sendBytes(message.bytes(), message.descriptors());
+}
+
+void WireClient::sendBytes(const QByteArray& bytes, const QVector<int>& descriptors)
+{
+    int sent = 0;
+    QElapsedTimer timer;
+    timer.start();
+    while (mIsConnected && sent < bytes.size()) {
+        iovec data = {const_cast<char*>(bytes.constData()) + sent, static_cast<std::size_t>(bytes.size() - sent)};
+        msghdr header = {};
+        header.msg_iov = &data;
+        header.msg_iovlen = 1;
+        QByteArray control;
+        if (sent == 0 && !descriptors.isEmpty()) {
+            const std::size_t size = static_cast<std::size_t>(descriptors.size()) * sizeof(int);
+            control.fill('\0', static_cast<int>(CMSG_SPACE(size)));
+            header.msg_control = control.data();
+            header.msg_controllen = static_cast<std::size_t>(control.size());
+            cmsghdr* const first = CMSG_FIRSTHDR(&header);
+            first->cmsg_level = SOL_SOCKET;
+            first->cmsg_type = SCM_RIGHTS;
+            first->cmsg_len = CMSG_LEN(size);
+            std::memcpy(CMSG_DATA(first), descriptors.constData(), size);
+        }
+        const ssize_t count = sendmsg(mSocket, &header, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (count > 0) {
+            sent += static_cast<int>(count);
+            continue;
+        }
+        if (errno != EAGAIN || timer.elapsed() > ChildProcess::cDeadline) {
+            // What the compositor said before it went is still there to be read.
+            while (receive()) { }
+            return;
+        }
+        pollfd descriptor = {mSocket, POLLIN | POLLOUT, 0};
+        poll(&descriptor, 1, 100);
+        if ((descriptor.revents & POLLIN) != 0) {
+            receive();
+        }
+    }
+}
+
+bool WireClient::receive()
+{
+    char buffer[65536];
+    const ssize_t count = mIsConnected ? recv(mSocket, buffer, sizeof(buffer), MSG_DONTWAIT) : 0;
+    if (count <= 0) {
+        if (count == 0 || errno != EAGAIN) {
+            mIsConnected = false;
+        }
+        return false;
+    }
+    mInput.append(buffer, static_cast<int>(count));
+    int begin = 0;
+    while (mInput.size() - begin >= cHeaderSize) {
+        quint32 header[2];
+        std::memcpy(header, mInput.constData() + begin, sizeof(header));
+        const int size = static_cast<int>(header[1] >> 16);
+        if (mInput.size() - begin < size) {
+            break;
+        }
+        const Event event = {header[0], static_cast<quint16>(header[1]),
+                             mInput.mid(begin + cHeaderSize, size - cHeaderSize)};
+        begin += size;
+        handle(event);
+    }
+    mInput.remove(0, begin);
+    return true;
+}
+
+void WireClient::handle(const Event& event)
+{
+    if (event.object == cDisplay && event.opcode == 0) {
+        mErrorCode = static_cast<int>(event.number(1));
+        mErrorText = event.arguments.mid(12).constData();
+        return;
+    }
+    if (event.object == cDisplay) {
+        mFreeIds.append(event.number(0));
+        return;
+    }
+    if (event.object == mRegistry && event.opcode == 0) {
+        mGlobals.insert(QByteArray(event.arguments.constData() + 8), event.number(0));
+    } else if (event.object == mBound.value("xdg_wm_base") && event.opcode == 0) {
+        send(WireMessage(event.object, 3).number(event.number(0)));
+    } else {
+        mEvents.append(event);
+    }
+}
+
+quint32 WireClient::newId()
+{
+    if (mFreeIds.isEmpty()) {
+        return mNextId++;
+    }
+    const quint32 id = mFreeIds.takeLast();
+    const auto isOld = [id](const Event& event) {
+        return event.object == id;
+    };
+    mEvents.erase(std::remove_if(mEvents.begin(), mEvents.end(), isOld), mEvents.end());
+    return id;
+}
+
+quint32 WireClient::bind(const QByteArray& interface, quint32 version)
+{
+    if (!mGlobals.contains(interface)) {
+        throw std::runtime_error("there is no " + interface.toStdString());
+    }
+    const quint32 id = newId();
+    send(WireMessage(mRegistry, 0).number(mGlobals.value(interface)).text(interface).number(version).number(id));
+    mBound.insert(interface, id);
+    return id;
+}
+
+bool WireClient::synchronise()
+{
+    const quint32 callback = newId();
+    send(WireMessage(cDisplay, 0).number(callback));
+    QElapsedTimer timer;
+    timer.start();
+    while (mIsConnected && events(callback, 0).isEmpty()) {
+        if (timer.elapsed() > ChildProcess::cDeadline) {
+            throw std::runtime_error("the compositor does not answer");
+        }
+        pollfd descriptor = {mSocket, POLLIN, 0};
+        poll(&descriptor, 1, 100);
+        receive();
+    }
+    return mIsConnected;
+}
+
+QVector<WireClient::Event> WireClient::events(quint32 object, quint16 opcode) const
+{
+    QVector<Event> events;
+    for (const Event& event : mEvents) {
+        if (event.object == object && event.opcode == opcode) {
+            events.append(event);
+        }
+    }
+    return events;
+}
+
+quint32 WireClient::createSurface()
+{
+    const quint32 compositor =
+        mBound.contains("wl_compositor") ? mBound.value("wl_compositor") : bind("wl_compositor", 3);
+    const quint32 id = newId();
+    send(WireMessage(compositor, 0).number(id));
+    return id;
+}
+
+void WireClient::attach(quint32 surface, quint32 buffer)
+{
+    send(WireMessage(surface, 1).number(buffer).number(0U).number(0U));
+}
+
+void WireClient::damage(quint32 surface, const QRect& rect)
+{
+    send(WireMessage(surface, 2).number(rect.x()).number(rect.y()).number(rect.width()).number(rect.height()));
+}
+
+void WireClient::commit(quint32 surface)
+{
+    send(WireMessage(surface, 6));
+}
+
+quint32 WireClient::createXdgSurface(quint32 surface)
+{
+    const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
+    const quint32 id = newId();
+    send(WireMessage(shell, 2).number(id).number(surface));
+    return id;
+}
+
+quint32 WireClient::createToplevel(quint32 xdgSurface)
+{
+    const quint32 id = newId();
+    send(WireMessage(xdgSurface, 1).number(id));
+    return id;
+}
+
+quint32 WireClient::createPositioner(const QSize& size)
+{
+    const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
+    const quint32 id = newId();
+    send(WireMessage(shell, 1).number(id));
+    send(WireMessage(id, 1).number(size.width()).number(size.height()));
+    send(WireMessage(id, 2).number(0U).number(0U).number(10U).number(10U));
+    return id;
+}
+
+quint32 WireClient::createPopup(quint32 xdgSurface, quint32 parentXdgSurface, quint32 positioner)
+{
+    const quint32 id = newId();
+    send(WireMessage(xdgSurface, 2).number(id).number(parentXdgSurface).number(positioner));
+    return id;
+}
+
+quint32 WireClient::createPool(qint64 size, qint32 toldSize)
+{
+    if (mMemory >= 0) {
+        close(mMemory);
+    }
+    mMemory = memfd_create("wire-client", MFD_CLOEXEC);
+    if (mMemory < 0 || ftruncate(mMemory, size) != 0) {
+        throw std::runtime_error("no memory");
+    }
+    const quint32 shared = mBound.contains("wl_shm") ? mBound.value("wl_shm") : bind("wl_shm");
+    const quint32 id = newId();
+    send(WireMessage(shared, 0).number(id).descriptor(mMemory).number(toldSize));
+    return id;
+}
+
+quint32 WireClient::createBuffer(quint32 pool, qint32 width, qint32 height, qint32 stride, quint32 format)
+{
+    const quint32 id = newId();
+    send(WireMessage(pool, 0).number(id).number(0U).number(width).number(height).number(stride).number(format));
+    return id;
+}
+
+quint32 WireClient::createBuffer(const QSize& size)
+{
+    const qint32 bytes = size.width() * size.height() * cPixelSize;
+    const quint32 pool = createPool(bytes, bytes);
+    const QByteArray white(bytes, '\xff');
+    if (pwrite(mMemory, white.constData(), static_cast<std::size_t>(bytes), 0) != bytes) {
+        throw std::runtime_error("cannot paint");
+    }
+    return createBuffer(pool, size.width(), size.height(), size.width() * cPixelSize);
+}
+
+WireClient::Window WireClient::createWindow()
+{
+    Window window = {};
+    window.surface = createSurface();
+    window.xdgSurface = createXdgSurface(window.surface);
+    window.toplevel = createToplevel(window.xdgSurface);
+    return window;
+}
+
+WireClient::Window WireClient::openWindow(const QByteArray& title)
+{
+    const Window window = createWindow();
+    send(WireMessage(window.toplevel, 2).text(title));
+    commit(window.surface);
+    attach(window.surface, createBuffer(QSize(300, 200)));
+    damage(window.surface, QRect(0, 0, 300, 200));
+    commit(window.surface);
+    return window;
+}
