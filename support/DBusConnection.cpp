@@ -2,9 +2,22 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "DBusConnection.h"
 
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusReply>
 #include <QString>
+
+namespace {
+
+QDBusMessage createOwnerQuery(const QString& serviceName)
+{
+    QDBusMessage query =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    query.setArguments({serviceName});
+    return query;
+}
+
+} // namespace
 
 QDBusConnection DBusConnection::getQDBusConnection()
 {
@@ -13,13 +26,11 @@ QDBusConnection DBusConnection::getQDBusConnection()
 
 bool DBusConnection::isServiceRegistered(const QString& serviceName)
 {
-    const QDBusConnection connection = getQDBusConnection();
-    QDBusConnectionInterface* const busDaemon = connection.interface();
-    if (busDaemon == nullptr) {
-        return false;
-    }
-    // As isServiceRegistered() of the bus daemon's proxy, which first compares the name of every method that it knows.
+    // Prepared for the first name that is asked for, which as a rule is the only one. It is only read from here on, and
+    // so may be sent by any thread.
+    static const QString cName = serviceName;
+    static const QDBusMessage cQuery = createOwnerQuery(cName);
     const QDBusReply<bool> reply =
-        busDaemon->callWithArgumentList(QDBus::Block, QStringLiteral("NameHasOwner"), {serviceName});
+        getQDBusConnection().call(serviceName == cName ? cQuery : createOwnerQuery(serviceName));
     return reply.value();
 }

@@ -5,6 +5,15 @@
 # and by pkg-config.
 include("${CMAKE_CURRENT_LIST_DIR}/BuildConsumer.cmake")
 set(prefix "${WORK_DIRECTORY}/prefix")
+set(pkg_config_options "")
+if(SYSROOT)
+    # pkg-config takes every path for one of the sysroot's, so that is where the library goes: into a copy of its own.
+    set(sysroot "${WORK_DIRECTORY}/sysroot")
+    file(MAKE_DIRECTORY "${WORK_DIRECTORY}")
+    run(cp -a --link "${SYSROOT}" "${sysroot}")
+    set(prefix "${sysroot}/opt/telvaro")
+    set(pkg_config_options "-DTELVARO_SYSROOT=${sysroot}")
+endif()
 set(library_directory "${prefix}/${LIBRARY_FOLDER}")
 
 foreach(component IN ITEMS Runtime Development)
@@ -41,4 +50,4 @@ endforeach()
 set(ENV{LD_LIBRARY_PATH} "${library_directory}")
 build_and_run(find_package "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_FIND_ROOT_PATH=${prefix}")
 set(ENV{PKG_CONFIG_PATH} "${library_directory}/pkgconfig")
-build_and_run(pkg-config)
+build_and_run(pkg-config ${pkg_config_options})

@@ -105,6 +105,12 @@ void ServiceScript::notifyViews()
     mService.emitSignal(taskSwitcherNotification(cViewsEntry));
 }
 
+void ServiceScript::notifyViewsTimes(int count)
+{
+    mService.emitSignal(taskSwitcherNotification(cViewsEntry), count);
+    PrivateBus::synchronise();
+}
+
 void ServiceScript::notifyCurrentView()
 {
     mService.emitSignal(taskSwitcherNotification(cCurrentViewEntry));

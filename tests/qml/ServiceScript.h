@@ -33,6 +33,8 @@ public:
     /// Views in GVariant's text format.
     Q_INVOKABLE void setViewsText(const QString& views, const QString& currentView);
     Q_INVOKABLE void notifyViews();
+    /// Several notifications that all wait for the event loop when this returns.
+    Q_INVOKABLE void notifyViewsTimes(int count);
     Q_INVOKABLE void notifyCurrentView();
     /// Both in one notification.
     Q_INVOKABLE void notifyAll();

@@ -151,9 +151,7 @@ ServiceTestCase {
         const switcher = make(taskSwitcher);
         service.setViews([maps, music], "s");
         service.takeCalls();
-        for (let i = 0; i < 10; ++i) {
-            service.notifyViews();
-        }
+        service.notifyViewsTimes(10);
         tryCompare(switcher.views, "count", 2);
         compare(callsOf("Get").length, 1);
     }

@@ -151,7 +151,7 @@ void LimitsTest::invalidNamesAndValuesEndTheApplication()
     QFETCH(QString, name);
     ChildProcess application;
     application.setProcessChannelMode(QProcess::SeparateChannels);
-    application.run(QCoreApplication::applicationFilePath(), {QString::fromLatin1(cCase), name});
+    application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
     QVERIFY(application.waitForFinished(ChildProcess::cDeadline));
     QCOMPARE(application.exitStatus(), QProcess::CrashExit);
     QCOMPARE(application.readAllStandardOutput(), QByteArray());
@@ -169,7 +169,7 @@ void LimitsTest::refusedMessageCostsTheConnection()
 {
     QFETCH(QString, name);
     ChildProcess application;
-    application.run(QCoreApplication::applicationFilePath(), {QString::fromLatin1(cCase), name});
+    application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
     // Such a text takes its time, with a sanitizer most of all.
     for (int waited = 0; waited < 5 && !application.waitForOutputLine(); ++waited) { }
     QCOMPARE(application.readOutputLine(), QByteArray("disconnected"));

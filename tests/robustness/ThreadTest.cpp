@@ -107,7 +107,7 @@ private:
 void ThreadTest::firstUseOfEveryNameMayBeInManyThreads()
 {
     ChildProcess process;
-    process.run(QCoreApplication::applicationFilePath(), {QString::fromLatin1(cFirstUse)});
+    process.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cFirstUse)});
     QCOMPARE(process.readOutputLine(), QByteArray("200"));
     QVERIFY(process.waitForFinished(ChildProcess::cDeadline));
     QCOMPARE(process.exitCode(), 0);
