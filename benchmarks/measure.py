@@ -199,13 +199,21 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", required=True, help="folder with the benchmarks' programs")
     parser.add_argument("--interfaces", required=True, help="folder with the interfaces' descriptions")
-    parser.add_argument("--library", required=True, help="the library's file")
-    parser.add_argument("--output", required=True, help="the file of results")
+    parser.add_argument("--library", help="the library's file")
+    parser.add_argument("--output", help="the file of results")
+    parser.add_argument("--check", action="store_true", help="measure nothing; only see to it that all clients agree")
     parser.add_argument("--quick", action="store_true", help="fewer rounds, and no counts for other bindings")
     arguments = parser.parse_args()
 
+    if not arguments.check and not (arguments.library and arguments.output):
+        parser.error("--library and --output are needed")
+
     def new_bus():
         return harness.Bus(arguments.programs, arguments.interfaces)
+
+    if arguments.check:
+        check_equal(new_bus)
+        return
 
     def tell(what):
         print(what, file=sys.stderr, flush=True)

@@ -15,12 +15,12 @@ session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
 )
 
-# What the tests are built with, and what else they run.
+# What the tests and the benchmarks are built with, and what else they run.
 test_build_packages=(
-    libglib2.0-dev python3
+    libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
-    binutils bsdextrautils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc qml-module-qtquick-window2
+    binutils bsdextrautils clang-format doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc qml-module-qtquick-window2
     qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
 )
 
