@@ -52,7 +52,7 @@ bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
     }
     // A const copy, so that the argument itself stays at its beginning; and ended, since what is begun and not ended
     // keeps the whole message.
-    const QDBusArgument copy(argument);
+    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): reading moves its place
     copy.beginArray();
     const bool isEmpty = copy.atEnd();
     copy.endArray();
