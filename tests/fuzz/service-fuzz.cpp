@@ -99,13 +99,12 @@ bool runSeedInChild(unsigned seed, int replyCount)
     const QStringList arguments{QStringLiteral("--seed"), QString::number(seed), QStringLiteral("--replies"),
                                 QString::number(replyCount)};
     ChildProcess process;
-    process.run(QCoreApplication::applicationFilePath(), arguments);
+    process.run(QStringLiteral(TELVARO_OWN_PATH), arguments);
     const bool hasEnded = process.waitForFinished(cSeedDeadline);
     if (hasEnded && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0) {
         return true;
     }
-    std::cout << "Seed " << seed << (hasEnded ? " failed" : " did not end")
-              << ". Again by: " << QCoreApplication::applicationFilePath().toStdString() << ' '
+    std::cout << "Seed " << seed << (hasEnded ? " failed" : " did not end") << ". Again by: " << TELVARO_OWN_PATH << ' '
               << arguments.join(QLatin1Char(' ')).toStdString() << std::endl;
     return false;
 }

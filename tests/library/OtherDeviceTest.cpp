@@ -156,7 +156,7 @@ void OtherDeviceTest::theManifestIsReadOnce()
     }
     device.callEveryOperation();
     // One event of a watched file has no name behind it.
-    inotify_event events[4];
+    alignas(inotify_event) char events[4 * sizeof(inotify_event)];
     QCOMPARE(read(watcher, events, sizeof(events)), ssize_t(sizeof(inotify_event)));
     close(watcher);
 }

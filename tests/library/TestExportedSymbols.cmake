@@ -13,9 +13,10 @@ string(REGEX MATCHALL "[^\n]+" lines "${output}")
 set(symbols "")
 foreach(line IN LISTS lines)
     string(REGEX REPLACE "^[0-9a-f]+ . " "" symbol "${line}")
-    # The address sanitizer marks exported variables with symbols of its own, and without optimisation inline functions
-    # and types of other libraries stay as weak symbols.
-    if(NOT symbol MATCHES "^__odr_asan" AND NOT (line MATCHES "^[0-9a-f]+ [VW] " AND NOT line MATCHES "Telvaro"))
+    # The address sanitizer marks exported variables with symbols of its own; and inline functions and types of other
+    # libraries stay as weak symbols without optimisation, or with another compiler for this library's types.
+    if(NOT symbol MATCHES "^__odr_asan"
+            AND (NOT line MATCHES "^[0-9a-f]+ [VW] " OR symbol MATCHES "^(vtable for |typeinfo (name )?for )?Telvaro"))
         list(APPEND symbols "${symbol}")
     endif()
 endforeach()

@@ -185,8 +185,7 @@ void WrongTypesTest::viewsOfAnyTypeAreReadOrRefused_data()
     const char* const cRead[] = {
         "[(objectpath '/a', 'b', 'c', 'd', 'e', 'f', uint32 1, uint32 2, @a{sv} {})]",
         "[('/a', 'b', 'c', 'd', 'e', objectpath '/f', uint32 1, uint32 2, @a{sv} {})]",
-        "[(objectpath '/a', objectpath '/b', objectpath '/c', objectpath '/d', objectpath '/e', objectpath '/f', "
-        "int64 -1, int16 -1, @a{sv} {})]",
+        "[(@o '/a', @o '/b', @o '/c', @o '/d', @o '/e', @o '/f', int64 -1, int16 -1, @a{sv} {})]",
         "[('/a', 'b', 'c', 'd', 'e', 'f', uint32 1, uint32 2, {'k': <('x', [1, 2])>}, 'more')]",
         "[('/a', 'b', 'c', 'd', 'e', 'f', uint32 1, uint32 2, @a{sv} {}, handle 0, [(1, 'x')], <'more'>)]",
     };
