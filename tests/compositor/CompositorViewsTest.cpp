@@ -467,6 +467,7 @@ void CompositorViewsTest::theLibrarySeesTwoViewsOfOneApplication()
     client->send("open org.example.App Two");
     TRY_COMPARE(connector.getViews().size(), 2);
     TRY_COMPARE(connector.getCurrentView().info1, QStringLiteral("Two"));
+    PrivateBus::deliver();
 
     QSignalSpy currentViewChanged(&connector, &TelvaroTaskSwitcherDBusConnector::currentViewChanged);
     QVERIFY(connector.iterateViews(false));
