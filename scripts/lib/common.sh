@@ -69,7 +69,7 @@ build_preset() {
     local preset=$1 directory=$project_directory/build/$1
     shift
     cd "$project_directory"
-    if [ ! -f "$directory/build.ninja" ] || [ $# -gt 0 ]; then
+    if [ ! -f "$directory/build.ninja" ] || [ CMakePresets.json -nt "$directory/build.ninja" ] || [ $# -gt 0 ]; then
         run_logged "configure-$preset" cmake --preset "$preset" "$@"
     fi
     if ! ninja -C "$directory" -n | grep -q 'no work to do'; then

@@ -729,7 +729,8 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
             sockets.back()->connectToServer(socket);
             QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
         }
-        TRY_COMPARE(limited.descriptorCount(), 60);
+        // More, where this process has handed on some of its own.
+        TRY_VERIFY(limited.descriptorCount() >= 60);
         for (int i = 0; i < 50; ++i) {
             QVERIFY(witness.synchronise());
         }
