@@ -22,11 +22,6 @@ public:
     {
         return mResponding;
     }
-    /// False while what is left of the client is torn down: nothing may be sent to it any more.
-    bool isConnected() const
-    {
-        return !mClient.isNull();
-    }
 
     /// Asks the client for a sign of life, unless it owes one already.
     void ping();

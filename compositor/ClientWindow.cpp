@@ -86,11 +86,6 @@ bool ClientWindow::isResponding() const
     return mWatch != nullptr && mWatch->isResponding();
 }
 
-bool ClientWindow::isConnected() const
-{
-    return mWatch != nullptr && mWatch->isConnected();
-}
-
 void ClientWindow::ping()
 {
     if (mWatch != nullptr) {
@@ -178,13 +173,8 @@ void ClientWindow::map()
 void ClientWindow::unmap()
 {
     if (isMapped()) {
-        mViews.remove({takeUuid()});
+        mViews.remove(std::exchange(mUuid, QString()));
     }
-}
-
-QString ClientWindow::takeUuid()
-{
-    return std::exchange(mUuid, QString());
 }
 
 QString ClientWindow::appId() const

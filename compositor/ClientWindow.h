@@ -33,8 +33,6 @@ public:
     {
         return !mUuid.isEmpty();
     }
-    /// Ends the mapping without a word to the list of views; answers the uuid that the view had.
-    QString takeUuid();
     /// Null when the client has destroyed it.
     ClientSurface* surface() const
     {
@@ -53,8 +51,6 @@ public:
     QRect windowGeometry() const;
 
     bool isResponding() const;
-    /// As ClientWatch::isConnected().
-    bool isConnected() const;
     /// To be called when there is an occasion to ask the client whether it is still there.
     void ping();
     /// As ClientWatch::admitEvent().

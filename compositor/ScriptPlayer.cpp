@@ -120,7 +120,7 @@ void ScriptPlayer::execute(const Script::RemoveView& action)
         mError = QStringLiteral("there is no view \"%1\"").arg(action.uuid);
         return;
     }
-    mViews.remove({action.uuid});
+    mViews.remove(action.uuid);
 }
 
 void ScriptPlayer::execute(const Script::Call& action)

@@ -43,20 +43,17 @@ void ViewList::add(View view)
     Q_EMIT currentChanged();
 }
 
-void ViewList::remove(const QStringList& uuids)
+void ViewList::remove(const QString& uuid)
 {
     const QString oldCurrent = current();
-    const auto isRemoved = [&uuids](const View& view) {
-        return uuids.contains(view.uuid);
-    };
-    const auto end = std::remove_if(mViews.begin(), mViews.end(), isRemoved);
-    if (end == mViews.end()) {
+    const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
+        return view.uuid == uuid;
+    });
+    if (found == mViews.end()) {
         return;
     }
-    mViews.erase(end, mViews.end());
-    for (const QString& uuid : uuids) {
-        mRecent.removeOne(uuid);
-    }
+    mViews.erase(found);
+    mRecent.removeOne(uuid);
     Q_EMIT viewsChanged();
     if (current() != oldCurrent) {
         Q_EMIT currentChanged();

@@ -37,8 +37,8 @@ public:
 
     /// Adds \a view as the current one, with the next sort index of its application.
     void add(View view);
-    /// When the current view is removed, the one that was current before it and stays follows.
-    void remove(const QStringList& uuids);
+    /// When the current view is removed, the one that was current before it follows.
+    void remove(const QString& uuid);
 
     void setAppId(const QString& uuid, const QString& appId);
     void setTitle(const QString& uuid, const QString& title);

@@ -180,17 +180,6 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
     return hit;
 }
 
-void WindowStack::removeDisconnected()
-{
-    QStringList uuids;
-    for (ClientWindow* window : qAsConst(mWindows)) {
-        if (window->isMapped() && !window->isConnected()) {
-            uuids.append(window->takeUuid());
-        }
-    }
-    mViews.remove(uuids);
-}
-
 void WindowStack::dismissPopups()
 {
     for (auto popup = mPopups.crbegin(); popup != mPopups.crend(); ++popup) {

@@ -42,8 +42,6 @@ public:
     ClientWindow* current() const;
     /// What takes input at \a position; all null when nothing does.
     Hit surfaceAt(const QPointF& position) const;
-    /// Ends the views of all windows whose client has gone, in one step.
-    void removeDisconnected();
     void dismissPopups();
     /// Tells the clients that their contents have been shown.
     void sendFrameCallbacks();

@@ -20,8 +20,8 @@ test_build_packages=(
     libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
-    binutils bsdextrautils clang-format doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc qml-module-qtquick-window2
-    qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
+    binutils bsdextrautils clang-format desktop-file-utils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc
+    qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
 )
 
 fail() {
@@ -63,20 +63,22 @@ ensure_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# build_preset NAME [OPTION...]: configures and builds a preset into build/NAME; says nothing where nothing is to be
-# done. The options are cmake's, for the configuration.
+# build_preset NAME: configures and builds a preset into build/NAME; says nothing where nothing is to be done.
 build_preset() {
     local preset=$1 directory=$project_directory/build/$1
-    shift
     cd "$project_directory"
-    if [ ! -f "$directory/build.ninja" ] || [ CMakePresets.json -nt "$directory/build.ninja" ] || [ $# -gt 0 ]; then
-        run_logged "configure-$preset" cmake --preset "$preset" "$@"
+    if [ ! -f "$directory/build.ninja" ] || [ CMakePresets.json -nt "$directory/build.ninja" ]; then
+        run_logged "configure-$preset" cmake --preset "$preset"
     fi
     if ! ninja -C "$directory" -n | grep -q 'no work to do'; then
         echo "Building in build/$preset"
         run_logged "build-$preset" cmake --build "$directory"
     fi
-    # The desk's manifest where the build looks for the device's.
-    cmp -s compositor/data/device-manifest.json "$directory/device-manifest.json" \
-        || cp compositor/data/device-manifest.json "$directory/device-manifest.json"
+    put_manifest "$directory"
+}
+
+# put_manifest DIRECTORY: the desk's manifest where a build in the directory looks for the device's.
+put_manifest() {
+    local manifest=$project_directory/compositor/data/device-manifest.json
+    cmp -s "$manifest" "$1/device-manifest.json" || cp "$manifest" "$1/device-manifest.json"
 }

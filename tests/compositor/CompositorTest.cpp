@@ -8,7 +8,6 @@
 
 void CompositorTest::init()
 {
-    mExpectedErrors.clear();
     mMostComplaints = 0;
     mCompositor = std::make_unique<CompositorProcess>();
     startCompositor();
@@ -25,7 +24,7 @@ void CompositorTest::cleanup()
     if (mMostComplaints > 0) {
         QVERIFY2(errors.count('\n') <= mMostComplaints, errors.left(2000));
     } else {
-        QCOMPARE(errors, mExpectedErrors);
+        QCOMPARE(errors, QByteArray());
     }
     mCompositor.reset();
 }
@@ -33,11 +32,6 @@ void CompositorTest::cleanup()
 void CompositorTest::startCompositor()
 {
     mCompositor->start();
-}
-
-void CompositorTest::expectErrors(const QByteArray& text)
-{
-    mExpectedErrors = text;
 }
 
 void CompositorTest::expectComplaints(int mostLines)

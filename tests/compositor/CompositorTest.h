@@ -28,8 +28,6 @@ protected Q_SLOTS:
 
 protected:
     virtual void startCompositor();
-    /// What the compositor is to complain of instead of nothing.
-    void expectErrors(const QByteArray& text);
     /// For a test function whose clients are worth a complaint: each of them gets its line, but no flood of them.
     void expectComplaints(int mostLines);
 
@@ -45,7 +43,6 @@ protected:
     std::unique_ptr<PropertyMonitor> mMonitor;
 
 private:
-    QByteArray mExpectedErrors;
     int mMostComplaints = 0;
     QTemporaryDir mPictures;
 };

@@ -111,11 +111,6 @@ void ServiceScript::notifyViewsTimes(int count)
     PrivateBus::synchronise();
 }
 
-void ServiceScript::notifyCurrentView()
-{
-    mService.emitSignal(taskSwitcherNotification(cCurrentViewEntry));
-}
-
 void ServiceScript::notifyAll()
 {
     mService.emitSignal(taskSwitcherNotification(cViewsEntry + QStringLiteral(", ") + cCurrentViewEntry));

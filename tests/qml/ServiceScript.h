@@ -35,7 +35,6 @@ public:
     Q_INVOKABLE void notifyViews();
     /// Several notifications that all wait for the event loop when this returns.
     Q_INVOKABLE void notifyViewsTimes(int count);
-    Q_INVOKABLE void notifyCurrentView();
     /// Both in one notification.
     Q_INVOKABLE void notifyAll();
 
