@@ -27,6 +27,10 @@ inline QSize bounded(const QSize& size)
 
 inline QRect bounded(const QRect& rect)
 {
-    return {bounded(rect.topLeft()), bounded(rect.size())};
+    // QRect tells its size as the difference of its corners, which may be more than an int holds.
+    const auto distance = [](int from, int to) {
+        return static_cast<int>(qBound<qint64>(-cFarthest, qint64(to) - from + 1, cFarthest));
+    };
+    return {bounded(rect.topLeft()), QSize(distance(rect.left(), rect.right()), distance(rect.top(), rect.bottom()))};
 }
 } // namespace Extent

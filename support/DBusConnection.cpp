@@ -2,22 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "DBusConnection.h"
 
-#include <QDBusMessage>
+#include <QDBusConnectionInterface>
 #include <QDBusReply>
 #include <QString>
-
-namespace {
-
-QDBusMessage createOwnerQuery(const QString& serviceName)
-{
-    QDBusMessage query =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    query.setArguments({serviceName});
-    return query;
-}
-
-} // namespace
 
 QDBusConnection DBusConnection::getQDBusConnection()
 {
@@ -26,11 +13,13 @@ QDBusConnection DBusConnection::getQDBusConnection()
 
 bool DBusConnection::isServiceRegistered(const QString& serviceName)
 {
-    // Prepared for the first name that is asked for, which as a rule is the only one. It is only read from here on, and
-    // so may be sent by any thread.
-    static const QString cName = serviceName;
-    static const QDBusMessage cQuery = createOwnerQuery(cName);
+    const QDBusConnection connection = getQDBusConnection();
+    QDBusConnectionInterface* const busDaemon = connection.interface();
+    if (busDaemon == nullptr) {
+        return false;
+    }
+    // As isServiceRegistered() of the bus daemon's proxy, which first compares the name of every method that it knows.
     const QDBusReply<bool> reply =
-        getQDBusConnection().call(serviceName == cName ? cQuery : createOwnerQuery(serviceName));
+        busDaemon->callWithArgumentList(QDBus::Block, QStringLiteral("NameHasOwner"), {serviceName});
     return reply.value();
 }
