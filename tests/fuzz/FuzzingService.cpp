@@ -4,21 +4,11 @@
 
 #include "DBusMessageText.h"
 
-#include <memory>
-#include <stdexcept>
-#include <utility>
 #include <vector>
 
 namespace {
 
 const char cPropertiesInterface[] = "org.freedesktop.DBus.Properties";
-
-std::runtime_error failure(GError* error)
-{
-    const std::string reason = error->message;
-    g_error_free(error);
-    return std::runtime_error(reason);
-}
 
 GVariantPointer body(const std::vector<GVariantPointer>& values)
 {
@@ -36,69 +26,21 @@ GVariantPointer string(const std::string& text)
 
 } // namespace
 
-struct FuzzingService::Event
-{
-    FuzzingService* service;
-    GObjectPointer<GDBusMessage> call;
-};
-
 FuzzingService::FuzzingService(const QString& address, const QString& interfaceDirectory, std::uint64_t seed)
-    : mIntrospection(interfaceDirectory)
+    : BusService(address)
+    , mIntrospection(interfaceDirectory)
     , mRandom(seed)
 {
-    GError* error = nullptr;
-    mConnection.reset(g_dbus_connection_new_for_address_sync(
-        address.toUtf8().constData(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                                          | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error));
-    if (!mConnection) {
-        throw failure(error);
-    }
-    mFilter = g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr);
-}
-
-FuzzingService::~FuzzingService()
-{
-    g_dbus_connection_remove_filter(mConnection.get(), mFilter);
 }
 
 QJsonObject FuzzingService::handle(const QJsonObject& command)
 {
     if (command.value(QLatin1String("command")) == QLatin1String("own")) {
-        const guint32 doNotQueue = 4;
-        GError* error = nullptr;
-        const QByteArray name = command.value(QLatin1String("name")).toString().toUtf8();
-        const GVariantPointer reply(g_dbus_connection_call_sync(
-            mConnection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-            g_variant_new("(su)", name.constData(), doNotQueue), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
-        if (!reply) {
-            throw failure(error);
-        }
+        requestName(command.value(QLatin1String("name")).toString());
     }
     return {{QStringLiteral("replies"), mReplies},
             {QStringLiteral("viewsType"), mViewsType},
             {QStringLiteral("viewsCount"), mViewsCount}};
-}
-
-// Runs in GDBus's own thread; everything else runs in the main loop's.
-GDBusMessage* FuzzingService::filter(GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer service)
-{
-    if (incoming == FALSE || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) {
-        return message;
-    }
-    auto event = std::make_unique<Event>();
-    event->service = static_cast<FuzzingService*>(service);
-    event->call.reset(message);
-    g_idle_add_full(G_PRIORITY_DEFAULT, onCall, event.release(), nullptr);
-    return nullptr;
-}
-
-gboolean FuzzingService::onCall(gpointer event)
-{
-    const std::unique_ptr<Event> owned(static_cast<Event*>(event));
-    owned->service->receive(owned->call.get());
-    return G_SOURCE_REMOVE;
 }
 
 void FuzzingService::receive(GDBusMessage* call)
@@ -186,13 +128,4 @@ void FuzzingService::emitNotification()
         DBusMessageText::setBody(message.get(), body(values));
     }
     send(message.get());
-}
-
-void FuzzingService::send(GDBusMessage* message)
-{
-    GError* error = nullptr;
-    if (g_dbus_connection_send_message(mConnection.get(), message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, &error)
-        == FALSE) {
-        throw failure(error);
-    }
 }

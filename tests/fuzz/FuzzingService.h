@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "GObjectPointer.h"
+#include "BusService.h"
 #include "Introspection.h"
 #include "RandomValue.h"
 
@@ -11,34 +11,22 @@
 
 /// A service that answers every call with something, and sends notifications of anything. The same calls get the same
 /// answers from the same seed.
-class FuzzingService
+class FuzzingService : public BusService
 {
 public:
     /// Connects to the bus at the address. Throws std::runtime_error where it cannot.
     FuzzingService(const QString& address, const QString& interfaceDirectory, std::uint64_t seed);
-    ~FuzzingService();
-    FuzzingService(const FuzzingService&) = delete;
-    FuzzingService& operator=(const FuzzingService&) = delete;
 
     /// The command "own" takes the name; "status" tells how many replies there were and what the last one to a read of
     /// the views was: its type and size, or nothing where it was no value.
     QJsonObject handle(const QJsonObject& command);
 
 private:
-    struct Event;
-
-    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
-                                gpointer service);
-    static gboolean onCall(gpointer event);
-
-    void receive(GDBusMessage* call);
+    void receive(GDBusMessage* call) override;
     void answer(GDBusMessage* call);
     GVariantPointer property(const QString& name);
     void emitNotification();
-    void send(GDBusMessage* message);
 
-    GObjectPointer<GDBusConnection> mConnection;
-    guint mFilter;
     Introspection mIntrospection;
     RandomValue mRandom;
     int mReplies = 0;

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <string>
 
 // fuzzing-service BUS_ADDRESS INTERFACE_DIRECTORY SEED
 int main(int argc, char** argv)
@@ -17,17 +18,10 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     try {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        {
-            FuzzingService service(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]),
-                                   std::stoull(argv[3]));
-            const CommandChannel channel(loop, [&service](const QJsonObject& command) {
-                return service.handle(command);
-            });
-            CommandChannel::answer({{QStringLiteral("ready"), true}});
-            g_main_loop_run(loop);
-        }
-        g_main_loop_unref(loop);
+        FuzzingService service(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]), std::stoull(argv[3]));
+        CommandChannel::serve([&service](const QJsonObject& command) {
+            return service.handle(command);
+        });
     } catch (const std::exception& error) {
         std::cerr << "fuzzing-service: " << error.what() << '\n';
         return EXIT_FAILURE;

@@ -20,7 +20,7 @@ namespace {
 const int cFlood = 50000;
 const int cFloodDuringCall = 5000;
 /// What a notification may cost while it waits for the event loop; a reply that is kept for each would not fit.
-const qint64 cKibibytesPerNotification = 4;
+const qint64 cKibibytesPerNotification = 2;
 
 const QString cTaskSwitcherPath = QStringLiteral("/taskswitcher");
 const QString cScreenPath = QStringLiteral("/screen");

@@ -8,13 +8,19 @@
 #include "TelvaroDBusConnectorBase.h"
 #include "TelvaroDBusDefinitions.h"
 #include "TelvaroGlobalOverlayDBusConnector.h"
+#include "TelvaroNotificationDBusConnector.h"
 #include "TelvaroScreenDBusConnector.h"
 #include "TelvaroTaskSwitcherDBusConnector.h"
 #include "TestMain.h"
 
+#include <QAbstractEventDispatcher>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QEventLoop>
+#include <QLocale>
+#include <QTimer>
 
+#include <csignal>
 #include <cstring>
 #include <iostream>
 
@@ -91,6 +97,14 @@ void sendOverlongString()
     tellConnection();
 }
 
+void sendOverlongArray()
+{
+    const int size = 64 * 1024 * 1024;
+    TelvaroNotificationDBusConnector connector;
+    connector.notify({}, {}, {}, {QString(size, QLatin1Char('x'))});
+    tellConnection();
+}
+
 struct Case
 {
     const char* name;
@@ -104,6 +118,7 @@ const Case cCases[] = {
     {"invalid member", writePropertyWithInvalidMember},
     {"deeply nested value", sendDeeplyNestedValue},
     {"overlong string", sendOverlongString},
+    {"overlong array", sendOverlongArray},
 };
 
 int runCase(int argc, char** argv)
@@ -130,9 +145,12 @@ class LimitsTest : public ConnectorTest
 private Q_SLOTS:
     void invalidNamesAndValuesEndTheApplication_data();
     void invalidNamesAndValuesEndTheApplication();
+    void valuesThatQtRefusesAreNotSent_data();
+    void valuesThatQtRefusesAreNotSent();
     void refusedMessageCostsTheConnection_data();
     void refusedMessageCostsTheConnection();
     void busThatDiesBeforeTheEventLoopRunsKeepsTheCaller();
+    void innerEventLoopGetsWhatWasWaitingOnlyWhenWoken();
 
 private:
     Scenario mScenario;
@@ -154,13 +172,36 @@ void LimitsTest::invalidNamesAndValuesEndTheApplication()
     application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
     QVERIFY(application.waitForFinished(ChildProcess::cDeadline));
     QCOMPARE(application.exitStatus(), QProcess::CrashExit);
+    // For a process that a signal has ended, the signal.
+    QCOMPARE(application.exitCode(), SIGABRT);
     QCOMPARE(application.readAllStandardOutput(), QByteArray());
+}
+
+void LimitsTest::valuesThatQtRefusesAreNotSent_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addRow("an invalid one") << QVariant();
+    QTest::addRow("of a type that D-Bus does not have") << QVariant(QLocale::c());
+}
+
+void LimitsTest::valuesThatQtRefusesAreNotSent()
+{
+    QFETCH(QVariant, value);
+    TelvaroScreenDBusConnector screen;
+    mService.takeCalls();
+    screen.setProperty(TelvaroScreenDBusConnector::cScreenOrientationProperty, QDBusVariant(value));
+    QVERIFY(PrivateBus::connection().isConnected());
+    QCOMPARE(mService.takeCalls().size(), 0);
+    const QStringList log = mLog->takeTexts();
+    QCOMPARE(log.size(), 2);
+    QVERIFY2(log.last().startsWith(QLatin1String("QDBusConnection: error: could not send message to service")),
+             qPrintable(log.last()));
 }
 
 void LimitsTest::refusedMessageCostsTheConnection_data()
 {
     QTest::addColumn<QString>("name");
-    for (const char* const name : {"deeply nested value", "overlong string"}) {
+    for (const char* const name : {"deeply nested value", "overlong string", "overlong array"}) {
         QTest::addRow("%s", name) << QString::fromLatin1(name);
     }
 }
@@ -201,6 +242,37 @@ void LimitsTest::busThatDiesBeforeTheEventLoopRunsKeepsTheCaller()
             return !application.isBlocked();
         },
         longEnough));
+}
+
+void LimitsTest::innerEventLoopGetsWhatWasWaitingOnlyWhenWoken()
+{
+    const int longEnough = 1000;
+    const int notifications = 3;
+    ServiceSignal change = ServiceSignal::propertiesChanged(
+        QStringLiteral("/taskswitcher"), QStringLiteral("de.Telvaro.taskswitcher"), QStringLiteral("{'views': <1>}"));
+    change.count = notifications;
+    TelvaroTaskSwitcherDBusConnector taskSwitcher;
+    int received = 0;
+    int receivedUnwoken = 0;
+    int receivedWoken = 0;
+    QObject::connect(&taskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, &taskSwitcher, [&] {
+        if (++received == 1) {
+            QEventLoop loop;
+            QTimer::singleShot(longEnough, &loop, &QEventLoop::quit);
+            loop.exec();
+            receivedUnwoken = received;
+            QAbstractEventDispatcher::instance()->wakeUp();
+            QTimer::singleShot(longEnough, &loop, &QEventLoop::quit);
+            loop.exec();
+            receivedWoken = received;
+        }
+    });
+    mService.emitSignal(change);
+    PrivateBus::deliver();
+    const bool isOnGlib = QAbstractEventDispatcher::instance()->inherits("QEventDispatcherGlib");
+    QCOMPARE(receivedUnwoken, isOnGlib ? 1 : notifications);
+    QCOMPARE(receivedWoken, notifications);
+    QCOMPARE(received, notifications);
 }
 
 int main(int argc, char** argv)

@@ -23,7 +23,7 @@ class OperationProcess : public SteeredProcess
 public:
     OperationProcess();
 
-    /// Connects the application to the bus and runs its event loop once.
+    /// Connects the application to the bus, waits for an answer of it, and runs the event loop once.
     Outcome turn();
 
     /// Makes all connectors, after a turn of the event loop.

@@ -44,8 +44,7 @@ int main(int argc, char** argv)
         QElapsedTimer timer;
         timer.start();
         if (name == QLatin1String("turn")) {
-            PrivateBus::connection();
-            QCoreApplication::processEvents();
+            PrivateBus::deliver();
         } else if (name == QLatin1String("prepare")) {
             PrivateBus::deliver();
             operations->prepare();

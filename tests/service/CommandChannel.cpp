@@ -28,6 +28,17 @@ CommandChannel::~CommandChannel()
     }
 }
 
+void CommandChannel::serve(Handler handler)
+{
+    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
+    {
+        const CommandChannel channel(loop, std::move(handler));
+        answer({{QStringLiteral("ready"), true}});
+        g_main_loop_run(loop);
+    }
+    g_main_loop_unref(loop);
+}
+
 void CommandChannel::answer(const QJsonObject& answer)
 {
     const QByteArray line = QJsonDocument(answer).toJson(QJsonDocument::Compact) + '\n';

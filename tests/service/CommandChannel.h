@@ -16,15 +16,17 @@ class CommandChannel
 public:
     using Handler = std::function<QJsonObject(const QJsonObject& command)>;
 
-    /// Reads commands on the loop's context and quits the loop when standard input ends.
+    /// Tells that it is ready, runs a main loop, and has the handler answer the commands until standard input ends.
+    static void serve(Handler handler);
+
+    static void answer(const QJsonObject& answer);
+
+private:
     CommandChannel(GMainLoop* loop, Handler handler);
     ~CommandChannel();
     CommandChannel(const CommandChannel&) = delete;
     CommandChannel& operator=(const CommandChannel&) = delete;
 
-    static void answer(const QJsonObject& answer);
-
-private:
     static gboolean onReadable(gint descriptor, GIOCondition condition, gpointer channel);
     bool read();
 

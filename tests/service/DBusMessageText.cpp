@@ -4,6 +4,7 @@
 
 #include <QRegularExpression>
 #include <QString>
+#include <QStringList>
 
 #include <fcntl.h>
 #include <gio/gunixfdlist.h>
@@ -58,6 +59,14 @@ QString describeArgument(GVariant* argument)
     if (g_variant_is_of_type(argument, G_VARIANT_TYPE_VARIANT)) {
         const GVariantPointer content(g_variant_get_variant(argument));
         return QLatin1Char('<') + describeArgument(content.get()) + QLatin1Char('>');
+    }
+    if (g_variant_is_of_type(argument, G_VARIANT_TYPE_STRING_ARRAY) && g_variant_n_children(argument) > 0) {
+        QStringList strings;
+        for (gsize index = 0; index < g_variant_n_children(argument); ++index) {
+            const GVariantPointer string(g_variant_get_child_value(argument, index));
+            strings.append(describeString(string.get()));
+        }
+        return QLatin1Char('[') + strings.join(QStringLiteral(", ")) + QLatin1Char(']');
     }
     gchar* const text = g_variant_print(argument, TRUE);
     const QString description = QString::fromUtf8(text);
@@ -126,12 +135,15 @@ GVariantPointer DBusMessageText::parseArguments(const QJsonArray& arguments)
 
 GVariantPointer DBusMessageText::parseValue(const QString& text)
 {
-    // The parser takes minutes for what this tells in short.
-    static const QRegularExpression cRepeatedCharacter(QStringLiteral("^'(.)' \\* (\\d+)$"));
+    // The parser takes minutes for what this tells in short, so the string is handed to it beside the text.
+    static const QRegularExpression cRepeatedCharacter(QStringLiteral("'([^'])' \\* (\\d+)"));
     const QRegularExpressionMatch repeated = cRepeatedCharacter.match(text);
     if (repeated.hasMatch()) {
         const QByteArray string = repeated.captured(1).repeated(repeated.captured(2).toInt()).toUtf8();
-        return GVariantPointer(g_variant_ref_sink(g_variant_new_string(string.constData())));
+        const QString format =
+            QString(text).replace(repeated.capturedStart(), repeated.capturedLength(), QStringLiteral("%s"));
+        return GVariantPointer(
+            g_variant_ref_sink(g_variant_new_parsed(format.toUtf8().constData(), string.constData())));
     }
     GError* error = nullptr;
     GVariantPointer value(g_variant_parse(nullptr, text.toUtf8().constData(), nullptr, nullptr, &error));

@@ -19,8 +19,8 @@ QJsonObject describe(GDBusMessage* message);
 /// value.
 GVariantPointer parseArguments(const QJsonArray& arguments);
 
-/// One value; a string of one repeated character may be written as 'x' * 1000. Throws std::invalid_argument on a text
-/// that is none.
+/// One value; a string in it that is one repeated character, but no more than one, may be written as 'x' * 1000. Throws
+/// std::invalid_argument on a text that is none.
 GVariantPointer parseValue(const QString& text);
 
 /// Sets the body and, where it mentions descriptors, gives the message one to be found at index 0.

@@ -23,13 +23,6 @@ namespace {
 const char cPropertiesInterface[] = "org.freedesktop.DBus.Properties";
 const char cIntrospectableInterface[] = "org.freedesktop.DBus.Introspectable";
 
-std::runtime_error failure(const std::string& action, GError* error)
-{
-    const std::string reason = error->message;
-    g_error_free(error);
-    return std::runtime_error(action + ": " + reason);
-}
-
 QString text(const QJsonObject& object, const char* member)
 {
     return object.value(QLatin1String(member)).toString();
@@ -54,7 +47,7 @@ GVariantPointer stringBody(const QString& string)
 
 } // namespace
 
-struct ScriptedService::Event
+struct ScriptedService::DelayedAnswer
 {
     ScriptedService* service;
     GObjectPointer<GDBusMessage> call;
@@ -68,23 +61,9 @@ bool ScriptedService::Target::operator<(const Target& other) const
 }
 
 ScriptedService::ScriptedService(const QString& address, const QString& interfaceDirectory)
-    : mIntrospection(interfaceDirectory)
+    : BusService(address)
+    , mIntrospection(interfaceDirectory)
 {
-    GError* error = nullptr;
-    mConnection.reset(g_dbus_connection_new_for_address_sync(
-        address.toUtf8().constData(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                                          | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error));
-    if (!mConnection) {
-        throw failure("no connection to the bus", error);
-    }
-    mFilter = g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr);
-}
-
-ScriptedService::~ScriptedService()
-{
-    g_dbus_connection_remove_filter(mConnection.get(), mFilter);
 }
 
 QJsonObject ScriptedService::handle(const QJsonObject& command)
@@ -117,8 +96,7 @@ QJsonObject ScriptedService::handle(const QJsonObject& command)
         answer.insert(QStringLiteral("calls"), mCalls);
         mCalls = {};
     } else if (name == QLatin1String("uniqueName")) {
-        answer.insert(QStringLiteral("uniqueName"),
-                      QString::fromUtf8(g_dbus_connection_get_unique_name(mConnection.get())));
+        answer.insert(QStringLiteral("uniqueName"), QString::fromUtf8(g_dbus_connection_get_unique_name(connection())));
     } else if (name == QLatin1String("reset")) {
         mCalls = {};
         mScripts.clear();
@@ -130,33 +108,9 @@ QJsonObject ScriptedService::handle(const QJsonObject& command)
     return answer;
 }
 
-// Runs in GDBus's own thread; everything else runs in the main loop's.
-GDBusMessage* ScriptedService::filter(GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer service)
+gboolean ScriptedService::onDelayOver(gpointer delayedAnswer)
 {
-    if (incoming == FALSE || g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) {
-        return message;
-    }
-    auto event = std::make_unique<Event>();
-    event->service = static_cast<ScriptedService*>(service);
-    event->call.reset(message);
-    g_idle_add_full(G_PRIORITY_DEFAULT, onCall, event.release(), nullptr);
-    return nullptr;
-}
-
-gboolean ScriptedService::onCall(gpointer event)
-{
-    const std::unique_ptr<Event> owned(static_cast<Event*>(event));
-    try {
-        owned->service->receive(owned->call.get());
-    } catch (const std::exception& error) {
-        std::cerr << "scripted-service: " << error.what() << '\n';
-    }
-    return G_SOURCE_REMOVE;
-}
-
-gboolean ScriptedService::onDelayOver(gpointer event)
-{
-    const std::unique_ptr<Event> owned(static_cast<Event*>(event));
+    const std::unique_ptr<DelayedAnswer> owned(static_cast<DelayedAnswer*>(delayedAnswer));
     try {
         owned->service->answer(owned->call.get(), owned->behaviour);
     } catch (const std::exception& error) {
@@ -189,11 +143,11 @@ void ScriptedService::behave(GDBusMessage* call, const QJsonObject& behaviour)
         answer(call, behaviour);
         return;
     }
-    auto event = std::make_unique<Event>();
-    event->service = this;
-    event->call.reset(G_DBUS_MESSAGE(g_object_ref(call)));
-    event->behaviour = behaviour;
-    g_timeout_add(static_cast<guint>(delay), onDelayOver, event.release());
+    auto delayedAnswer = std::make_unique<DelayedAnswer>();
+    delayedAnswer->service = this;
+    delayedAnswer->call.reset(G_DBUS_MESSAGE(g_object_ref(call)));
+    delayedAnswer->behaviour = behaviour;
+    g_timeout_add(static_cast<guint>(delay), onDelayOver, delayedAnswer.release());
 }
 
 void ScriptedService::answer(GDBusMessage* call, const QJsonObject& behaviour)
@@ -203,7 +157,7 @@ void ScriptedService::answer(GDBusMessage* call, const QJsonObject& behaviour)
     }
     if (behaviour.contains(QLatin1String("exit"))) {
         // The signals above are on their way before the process is gone.
-        g_dbus_connection_flush_sync(mConnection.get(), nullptr, nullptr);
+        g_dbus_connection_flush_sync(connection(), nullptr, nullptr);
         _exit(EXIT_SUCCESS);
     }
     if (behaviour.contains(QLatin1String("kill"))) {
@@ -255,15 +209,6 @@ QList<QJsonObject>* ScriptedService::findScript(const Target& target)
     return script != mScripts.end() && !script->isEmpty() ? &*script : nullptr;
 }
 
-void ScriptedService::send(GDBusMessage* message)
-{
-    GError* error = nullptr;
-    if (g_dbus_connection_send_message(mConnection.get(), message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, &error)
-        == FALSE) {
-        throw failure("cannot send", error);
-    }
-}
-
 void ScriptedService::sendReply(GDBusMessage* call, GVariantPointer body)
 {
     if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) != 0) {
@@ -302,43 +247,8 @@ void ScriptedService::emitSignal(const QJsonObject& signal)
     }
 }
 
-void ScriptedService::requestName(const QString& name)
-{
-    const guint32 doNotQueue = 4;
-    const guint32 primaryOwner = 1;
-    expectResult(callBusDaemon("RequestName", g_variant_new("(su)", name.toUtf8().constData(), doNotQueue)),
-                 primaryOwner);
-}
-
-void ScriptedService::releaseName(const QString& name)
-{
-    const guint32 released = 1;
-    expectResult(callBusDaemon("ReleaseName", g_variant_new("(s)", name.toUtf8().constData())), released);
-}
-
 // The bus daemon handles this call after everything that was sent before it.
 void ScriptedService::waitForBus()
 {
     callBusDaemon("GetId", nullptr);
-}
-
-void ScriptedService::expectResult(const GVariantPointer& reply, guint32 expected)
-{
-    guint32 result = 0;
-    g_variant_get(reply.get(), "(u)", &result);
-    if (result != expected) {
-        throw std::runtime_error("the bus daemon answered " + std::to_string(result));
-    }
-}
-
-GVariantPointer ScriptedService::callBusDaemon(const char* member, GVariant* arguments)
-{
-    GError* error = nullptr;
-    GVariantPointer reply(g_dbus_connection_call_sync(mConnection.get(), "org.freedesktop.DBus",
-                                                      "/org/freedesktop/DBus", "org.freedesktop.DBus", member,
-                                                      arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
-    if (!reply) {
-        throw failure(member, error);
-    }
-    return reply;
 }

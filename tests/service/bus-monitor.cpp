@@ -17,16 +17,10 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     try {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        {
-            BusMonitor monitor(QString::fromLocal8Bit(argv[1]));
-            const CommandChannel channel(loop, [&monitor](const QJsonObject& command) {
-                return monitor.handle(command);
-            });
-            CommandChannel::answer({{QStringLiteral("ready"), true}});
-            g_main_loop_run(loop);
-        }
-        g_main_loop_unref(loop);
+        BusMonitor monitor(QString::fromLocal8Bit(argv[1]));
+        CommandChannel::serve([&monitor](const QJsonObject& command) {
+            return monitor.handle(command);
+        });
     } catch (const std::exception& error) {
         std::cerr << "bus-monitor: " << error.what() << '\n';
         return EXIT_FAILURE;

@@ -17,16 +17,10 @@ int main(int argc, char** argv)
         return EXIT_FAILURE;
     }
     try {
-        GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-        {
-            ScriptedService service(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
-            const CommandChannel channel(loop, [&service](const QJsonObject& command) {
-                return service.handle(command);
-            });
-            CommandChannel::answer({{QStringLiteral("ready"), true}});
-            g_main_loop_run(loop);
-        }
-        g_main_loop_unref(loop);
+        ScriptedService service(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]));
+        CommandChannel::serve([&service](const QJsonObject& command) {
+            return service.handle(command);
+        });
     } catch (const std::exception& error) {
         std::cerr << "scripted-service: " << error.what() << '\n';
         return EXIT_FAILURE;
