@@ -81,6 +81,14 @@ public:
         mSubscription = g_dbus_connection_signal_subscribe(
             mConnection, cService, cPropertiesInterface, "PropertiesChanged", cTaskSwitcherPath, nullptr,
             G_DBUS_SIGNAL_FLAGS_NONE, onPropertiesChanged, this, nullptr);
+        // The subscription is on its way in another thread; the answer to what is sent after it tells that it is there.
+        GVariant* const answer =
+            g_dbus_connection_call_sync(mConnection, cBusDaemon, cBusDaemonPath, cBusDaemon, "GetId", nullptr, nullptr,
+                                        G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error);
+        if (answer == nullptr) {
+            throwError(error);
+        }
+        g_variant_unref(answer);
     }
 
     ~GDBusClient() override

@@ -133,7 +133,7 @@ def count_everything(new_bus, quick):
         operations = operations_of(name, most_views)
         with new_bus() as bus:
             instructions = harness.count_instructions(bus, name, operations)
-            if name == "telvaro" and not quick:
+            if name in CLIENTS_WITH_HANDLES and not quick:
                 largest = [operation for operation in OPERATIONS if operation.views == 10000]
                 instructions.update(harness.count_instructions(bus, name, largest))
             return instructions, harness.count_allocations(bus, name, operations)
