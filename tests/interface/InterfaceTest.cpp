@@ -15,6 +15,8 @@
 #include <QTest>
 
 #include <cstddef>
+#include <dlfcn.h>
+#include <link.h>
 
 namespace {
 
@@ -64,6 +66,22 @@ QString layout()
         + offset("TaskSwitcherEntry::attributes", offsetof(Entry, attributes));
 }
 
+/// How many functions an application finds by their place in the class's table.
+int virtualFunctionCount(const char* className)
+{
+    const QByteArray symbol = "_ZTV" + QByteArray::number(qstrlen(className)) + className;
+    Dl_info info{};
+    const ElfW(Sym)* table = nullptr;
+    if (dladdr1(dlsym(RTLD_DEFAULT, symbol.constData()), &info,
+                const_cast<void**>(reinterpret_cast<const void**>(&table)), RTLD_DL_SYMENT)
+            == 0
+        || table == nullptr) {
+        return 0;
+    }
+    const int beforeTheFirst = 2;
+    return static_cast<int>(table->st_size / sizeof(void*)) - beforeTheFirst;
+}
+
 QString describe(const QMetaMethod& method)
 {
     const char* const access = method.access() == QMetaMethod::Private ? "private "
@@ -84,8 +102,9 @@ QString metaObjects()
          {&TelvaroDBusConnectorBase::staticMetaObject, &TelvaroGlobalOverlayDBusConnector::staticMetaObject,
           &TelvaroNotificationDBusConnector::staticMetaObject, &TelvaroScreenDBusConnector::staticMetaObject,
           &TelvaroScreenShotDBusConnector::staticMetaObject, &TelvaroTaskSwitcherDBusConnector::staticMetaObject}) {
-        text += QStringLiteral("%1 : %2\n")
-                    .arg(QLatin1String(metaObject->className()), QLatin1String(metaObject->superClass()->className()));
+        text += QStringLiteral("%1 : %2, %3 virtual functions\n")
+                    .arg(QLatin1String(metaObject->className()), QLatin1String(metaObject->superClass()->className()),
+                         QString::number(virtualFunctionCount(metaObject->className())));
         for (int i = metaObject->methodOffset(); i < metaObject->methodCount(); ++i) {
             text += describe(metaObject->method(i));
         }
