@@ -16,6 +16,8 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
+#include <wayland-server.h>
+
 namespace {
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
@@ -84,10 +86,8 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
 
 WaylandServer::~WaylandServer()
 {
-    // While everything that hears of it is still there.
-    for (QWaylandClient* client : clients()) {
-        destroyClient(client);
-    }
+    // While everything that hears of it is still there. Qt knows only of those that have asked for something.
+    wl_display_destroy_clients(display());
 }
 
 void WaylandServer::start(const QByteArray& socketName)
