@@ -38,6 +38,9 @@ void PrivateBus::synchronise()
     const QDBusMessage query =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+    // Qt reads the names of this process without a lock, and its own thread may still be noting the first of them. When
+    // the bus has answered twice, that is over.
+    static const QDBusMessage cFirst = connection().call(query);
     connection().call(query);
 }
 
