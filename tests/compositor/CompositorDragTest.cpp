@@ -43,6 +43,7 @@ private:
     static void startDrag(const Dragger& dragger, quint32 source);
     /// Moves until the object has got such an event.
     void moveUntil(const Dragger& dragger, quint32 object, quint16 opcode);
+    void pressOn(const Dragger& dragger);
     static void waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode);
     /// The pointer still leads to the window of the client.
     void checkPointer(const Dragger& dragger);
@@ -126,6 +127,13 @@ void CompositorDragTest::moveUntil(const Dragger& dragger, quint32 object, quint
     TRY_VERIFY(hasMoved());
 }
 
+void CompositorDragTest::pressOn(const Dragger& dragger)
+{
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    mDesktop->press();
+    waitForEvent(dragger, dragger.pointer, cPointerButton);
+}
+
 void CompositorDragTest::checkPointer(const Dragger& dragger)
 {
     moveUntil(dragger, dragger.pointer, cPointerMotion);
@@ -141,9 +149,7 @@ void CompositorDragTest::checkPointer(const Dragger& dragger)
 void CompositorDragTest::aDragIsFollowedAndDropped()
 {
     const Dragger dragger = openDragger("Dragger");
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     startDrag(dragger, createSource(dragger));
     moveUntil(dragger, dragger.device, cDeviceMotion);
     QCOMPARE(dragger.client->events(dragger.device, cDeviceEnter).size(), 1);
@@ -166,9 +172,7 @@ void CompositorDragTest::aDragWithNothingPressedIsCancelled()
 void CompositorDragTest::aDragWithoutASourceLeavesThePointerWhereItIs()
 {
     const Dragger dragger = openDragger("Dragger");
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     startDrag(dragger, 0);
     moveUntil(dragger, dragger.pointer, cPointerMotion);
     mDesktop->release();
@@ -178,9 +182,7 @@ void CompositorDragTest::aDragWithoutASourceLeavesThePointerWhereItIs()
 void CompositorDragTest::aDragEndsWithItsSource()
 {
     const Dragger dragger = openDragger("Dragger");
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     const quint32 source = createSource(dragger);
     startDrag(dragger, source);
     moveUntil(dragger, dragger.device, cDeviceMotion);
@@ -197,9 +199,7 @@ void CompositorDragTest::aDragEndsWithItsClient()
     {
         const Dragger dragger = openDragger("Dragger");
         TRY_COMPARE(CompositorBus::views().size(), 2);
-        moveUntil(dragger, dragger.pointer, cPointerMotion);
-        mDesktop->press();
-        waitForEvent(dragger, dragger.pointer, cPointerButton);
+        pressOn(dragger);
         startDrag(dragger, createSource(dragger));
         moveUntil(dragger, dragger.device, cDeviceMotion);
     }
@@ -215,9 +215,7 @@ void CompositorDragTest::aDragOverAClientThatKnowsOfNoneIsHarmless()
     TRY_COMPARE(CompositorBus::views().size(), 1);
     const Dragger dragger = openDragger("Dragger");
     TRY_COMPARE(CompositorBus::views().size(), 2);
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     const quint32 source = createSource(dragger);
     startDrag(dragger, source);
     moveUntil(dragger, dragger.device, cDeviceMotion);
@@ -237,9 +235,7 @@ void CompositorDragTest::aDragSurvivesTheEndOfWhatItIsOver()
 {
     const Dragger dragger = openDragger("Dragger");
     TRY_COMPARE(CompositorBus::views().size(), 1);
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     startDrag(dragger, createSource(dragger));
     moveUntil(dragger, dragger.device, cDeviceMotion);
     {
@@ -257,9 +253,7 @@ void CompositorDragTest::aDragSurvivesTheEndOfWhatItIsOver()
 void CompositorDragTest::aSecondDragIsCancelled()
 {
     const Dragger dragger = openDragger("Dragger");
-    moveUntil(dragger, dragger.pointer, cPointerMotion);
-    mDesktop->press();
-    waitForEvent(dragger, dragger.pointer, cPointerButton);
+    pressOn(dragger);
     const quint32 first = createSource(dragger);
     const quint32 second = createSource(dragger);
     startDrag(dragger, first);

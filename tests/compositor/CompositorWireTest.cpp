@@ -38,6 +38,30 @@ QMap<QString, QVariant> sampleValues()
     };
 }
 
+/// Arguments that a method of these types has to refuse, by what is wrong with them: every argument once with every
+/// other type and once missing, and one too many.
+QVector<QPair<QString, QVariantList>> wrongArguments(const QStringList& types)
+{
+    const QMap<QString, QVariant> samples = sampleValues();
+    QVariantList right;
+    for (const QString& type : types) {
+        right.append(samples.value(type));
+    }
+    QVector<QPair<QString, QVariantList>> all;
+    for (int i = 0; i < types.size(); ++i) {
+        for (auto sample = samples.cbegin(); sample != samples.cend(); ++sample) {
+            if (sample.key() != types.at(i)) {
+                QVariantList wrong = right;
+                wrong[i] = sample.value();
+                all.append({QStringLiteral("argument %1 %2").arg(i).arg(sample.key()), wrong});
+            }
+        }
+        all.append({QStringLiteral("with %1 arguments").arg(i), QVariantList(right.mid(0, i))});
+    }
+    all.append({QStringLiteral("with %1 arguments").arg(types.size() + 1), right + QVariantList({1})});
+    return all;
+}
+
 bool isWrongCall(const QDBusMessage& reply)
 {
     const QString error = reply.errorName();
@@ -245,26 +269,11 @@ void CompositorWireTest::methodsRefuseWrongArguments_data()
     QTest::addColumn<QString>("interface");
     QTest::addColumn<QString>("member");
     QTest::addColumn<QVariantList>("arguments");
-    const QMap<QString, QVariant> samples = sampleValues();
-    // Every argument of every method once with every other type, once missing, and once with one too many.
-    const auto rows = [&samples](const QString& path, const QString& interface, const char* member,
-                                 const QStringList& types) {
+    const auto rows = [](const QString& path, const QString& interface, const char* member, const QStringList& types) {
         const QString name = QString::fromLatin1(member);
-        QVariantList right;
-        for (const QString& type : types) {
-            right.append(samples.value(type));
-        }
-        for (int i = 0; i < types.size(); ++i) {
-            for (auto sample = samples.cbegin(); sample != samples.cend(); ++sample) {
-                if (sample.key() != types.at(i)) {
-                    QVariantList wrong = right;
-                    wrong[i] = sample.value();
-                    QTest::newRow(qPrintable(QStringLiteral("%1 argument %2 %3").arg(name).arg(i).arg(sample.key())))
-                        << path << interface << name << wrong;
-                }
-            }
-            QTest::newRow(qPrintable(QStringLiteral("%1 with %2 arguments").arg(name).arg(i)))
-                << path << interface << name << QVariantList(right.mid(0, i));
+        for (const auto& wrong : wrongArguments(types)) {
+            QTest::newRow(qPrintable(name + QLatin1Char(' ') + wrong.first))
+                << path << interface << name << wrong.second;
         }
     };
     const auto list = [](const char* types) {
@@ -334,25 +343,6 @@ void CompositorWireTest::twentyClientsCallEverythingWronglyAtOnce()
     };
     const QMap<QString, QVariant> samples = sampleValues();
     QVector<Call> calls;
-    // Every method that is described: with every other type for each argument, with too few, and with one too many.
-    const auto addMethod = [&](const QString& path, const QString& interface, const QString& member,
-                               const QStringList& types) {
-        QVariantList right;
-        for (const QString& type : types) {
-            right.append(samples.value(type));
-        }
-        for (int i = 0; i < types.size(); ++i) {
-            for (auto sample = samples.cbegin(); sample != samples.cend(); ++sample) {
-                if (sample.key() != types.at(i)) {
-                    QVariantList wrong = right;
-                    wrong[i] = sample.value();
-                    calls.append({path, interface, member, wrong});
-                }
-            }
-            calls.append({path, interface, member, QVariantList(right.mid(0, i))});
-        }
-        calls.append({path, interface, member, right + QVariantList({1})});
-    };
     const QFileInfoList files =
         QDir(QStringLiteral(TELVARO_INTERFACE_DIRECTORY)).entryInfoList({QStringLiteral("*.xml")});
     for (const QFileInfo& info : files) {
@@ -371,7 +361,9 @@ void CompositorWireTest::twentyClientsCallEverythingWronglyAtOnce()
                     types.append(argument.attribute(QStringLiteral("type")));
                 }
             }
-            addMethod(path, name, method.attribute(QStringLiteral("name")), types);
+            for (const auto& wrong : wrongArguments(types)) {
+                calls.append({path, name, method.attribute(QStringLiteral("name")), wrong.second});
+            }
         }
         if (!interface.firstChildElement(QStringLiteral("property")).isNull()) {
             for (const QVariant& sample : samples) {
