@@ -718,7 +718,8 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
     // A sanitizer's check of virtual calls opens descriptors, and ends the process without; it is off in the presets.
     QCOMPARE(mCompositor->end(), 0);
     CompositorProcess limited;
-    limited.startWithLimit(QStringLiteral("ulimit -n 60"));
+    constexpr int limit = 60;
+    limited.startWithLimit(QStringLiteral("ulimit -n %1").arg(limit));
     const QString socket = limited.runtimeDirectory() + QLatin1Char('/') + limited.display();
     WireClient witness(socket);
     witness.openWindow("Witness");
@@ -730,8 +731,8 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
             sockets.back()->connectToServer(socket);
             QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
         }
-        // More, where this process has handed on some of its own.
-        TRY_VERIFY(limited.descriptorCount() >= 60);
+        // A connection takes two descriptors, so one may stay free; more are open where this process has handed some on.
+        TRY_VERIFY(limited.descriptorCount() >= limit - 1);
         for (int i = 0; i < 50; ++i) {
             QVERIFY(witness.synchronise());
         }
