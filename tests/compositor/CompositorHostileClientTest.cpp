@@ -731,7 +731,7 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
             sockets.back()->connectToServer(socket);
             QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
         }
-        // A connection takes two descriptors, so one may stay free; more are open where this process has handed some on.
+        // A connection takes two, so one may stay free. More are open where this process has handed some on.
         TRY_VERIFY(limited.descriptorCount() >= limit - 1);
         for (int i = 0; i < 50; ++i) {
             QVERIFY(witness.synchronise());

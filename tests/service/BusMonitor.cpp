@@ -6,8 +6,6 @@
 #include "DBusMessageText.h"
 
 #include <memory>
-#include <stdexcept>
-#include <string>
 
 namespace {
 
@@ -22,30 +20,9 @@ struct BusMonitor::Event
 };
 
 BusMonitor::BusMonitor(const QString& address)
+    : mConnection(address, filter, this)
 {
-    GError* error = nullptr;
-    mConnection.reset(g_dbus_connection_new_for_address_sync(
-        address.toUtf8().constData(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                                          | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error));
-    GVariantPointer reply;
-    if (mConnection) {
-        mFilter = g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr);
-        reply.reset(g_dbus_connection_call_sync(
-            mConnection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Monitoring",
-            "BecomeMonitor", g_variant_new("(asu)", nullptr, 0), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
-    }
-    if (!reply) {
-        const std::string reason = error->message;
-        g_error_free(error);
-        throw std::runtime_error("cannot monitor the bus: " + reason);
-    }
-}
-
-BusMonitor::~BusMonitor()
-{
-    g_dbus_connection_remove_filter(mConnection.get(), mFilter);
+    mConnection.callBusDaemon("org.freedesktop.DBus.Monitoring", "BecomeMonitor", g_variant_new("(asu)", nullptr, 0));
 }
 
 QJsonObject BusMonitor::handle(const QJsonObject& command)

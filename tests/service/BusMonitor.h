@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "GObjectPointer.h"
+#include "BusConnection.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -14,7 +14,6 @@ class BusMonitor
 public:
     /// Becomes a monitor of the bus at the address. Throws std::runtime_error where it cannot.
     explicit BusMonitor(const QString& address);
-    ~BusMonitor();
     BusMonitor(const BusMonitor&) = delete;
     BusMonitor& operator=(const BusMonitor&) = delete;
 
@@ -30,8 +29,7 @@ private:
     static gboolean onMessage(gpointer event);
     void receive(const QJsonObject& message);
 
-    GObjectPointer<GDBusConnection> mConnection;
-    guint mFilter = 0;
+    BusConnection mConnection;
     QJsonArray mCalls;
     QString mLastMarker;
     QString mAwaitedMarker;

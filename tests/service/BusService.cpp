@@ -11,13 +11,6 @@
 
 namespace {
 
-std::runtime_error failure(const std::string& action, GError* error)
-{
-    const std::string reason = error->message;
-    g_error_free(error);
-    return std::runtime_error(action + ": " + reason);
-}
-
 void expectResult(const GVariantPointer& reply, guint32 expected)
 {
     guint32 result = 0;
@@ -36,23 +29,11 @@ struct BusService::Event
 };
 
 BusService::BusService(const QString& address)
+    : mConnection(address, filter, this)
 {
-    GError* error = nullptr;
-    mConnection.reset(g_dbus_connection_new_for_address_sync(
-        address.toUtf8().constData(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                                          | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, &error));
-    if (!mConnection) {
-        throw failure("no connection to the bus", error);
-    }
-    mFilter = g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr);
 }
 
-BusService::~BusService()
-{
-    g_dbus_connection_remove_filter(mConnection.get(), mFilter);
-}
+BusService::~BusService() = default;
 
 GDBusConnection* BusService::connection() const
 {
@@ -61,11 +42,7 @@ GDBusConnection* BusService::connection() const
 
 void BusService::send(GDBusMessage* message)
 {
-    GError* error = nullptr;
-    if (g_dbus_connection_send_message(mConnection.get(), message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, &error)
-        == FALSE) {
-        throw failure("cannot send", error);
-    }
+    mConnection.send(message);
 }
 
 void BusService::requestName(const QString& name)
@@ -84,14 +61,7 @@ void BusService::releaseName(const QString& name)
 
 GVariantPointer BusService::callBusDaemon(const char* member, GVariant* arguments)
 {
-    GError* error = nullptr;
-    GVariantPointer reply(g_dbus_connection_call_sync(mConnection.get(), "org.freedesktop.DBus",
-                                                      "/org/freedesktop/DBus", "org.freedesktop.DBus", member,
-                                                      arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, &error));
-    if (!reply) {
-        throw failure(member, error);
-    }
-    return reply;
+    return mConnection.callBusDaemon("org.freedesktop.DBus", member, arguments);
 }
 
 // Runs in GDBus's own thread; everything else runs in the main loop's.

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "GObjectPointer.h"
+#include "BusConnection.h"
 
 #include <QString>
 
@@ -35,6 +35,5 @@ private:
                                 gpointer service);
     static gboolean onCall(gpointer event);
 
-    GObjectPointer<GDBusConnection> mConnection;
-    guint mFilter;
+    BusConnection mConnection;
 };
