@@ -38,16 +38,27 @@ void PrivateBus::synchronise()
     const QDBusMessage query =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    // Qt reads the names of this process without a lock, and its own thread may still be noting the first of them. When
-    // the bus has answered twice, that is over.
-    static const QDBusMessage cFirst = connection().call(query);
     connection().call(query);
 }
 
 void PrivateBus::deliver()
 {
+    static const bool cIsReady = waitForNames();
+    Q_UNUSED(cIsReady)
     synchronise();
     QCoreApplication::processEvents();
+}
+
+// From the first turn of the event loop on Qt's own thread notes the names of this process, without the lock under
+// which a call to a service reads them. When the bus itself, for which they are not read, has answered twice, the first
+// of them is noted.
+bool PrivateBus::waitForNames()
+{
+    synchronise();
+    QCoreApplication::processEvents();
+    synchronise();
+    synchronise();
+    return true;
 }
 
 qint64 PrivateBus::processId() const

@@ -38,6 +38,7 @@ public:
     void thaw();
 
 private:
+    static bool waitForNames();
     void writeConfiguration(const QString& path) const;
 
     QTemporaryDir mDirectory;
