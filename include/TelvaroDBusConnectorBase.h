@@ -16,8 +16,9 @@ class DBusConnectionParameter;
 /// the service: one that was made before the service started becomes usable once the service is there and the event
 /// loop of its thread has run. It is not copyable.
 ///
-/// Constructing a connector blocks while Qt introspects the service's object, once per interface and process, up to
-/// 25 seconds with a service that does not answer; without a service it does not wait.
+/// Constructing a connector blocks while Qt introspects the service's object, until that has succeeded once per
+/// interface and process; with a service that does not answer each construction waits 25 seconds for it. Without a
+/// service it does not wait.
 ///
 /// The proxy sends method names unchecked: a derived connector must call valid D-Bus member names only, and give a
 /// valid object path, since libdbus ends the process on others. A message above 128 MiB costs the connection. Run the
@@ -30,7 +31,8 @@ class TELVARO_EXPORT TelvaroDBusConnectorBase : public QObject
 public:
     /// Makes the proxy from the parameter's service, path and interface on the process's shared bus connection. Does
     /// not test the result: an unusable proxy is reported by isInterfaceValid(). The path must be a valid D-Bus object
-    /// path. The parameter is read, not kept.
+    /// path. The parameter is read, not kept; its class is not installed, so that only the library's own connectors can
+    /// be built on this one.
     explicit TelvaroDBusConnectorBase(DBusConnectionParameter&& parameter, QObject* parent = nullptr);
     ~TelvaroDBusConnectorBase() override;
 
@@ -41,7 +43,8 @@ public:
     ///    `DBus Service for Telvaro "<service>" is not registered`;
     /// 3. the proxy is valid, else the warning `Invalid DBus interface!`.
     ///
-    /// Nothing is cached: each call sends one query (NameHasOwner) to the bus daemon and blocks until its answer.
+    /// Nothing is cached but the device: on a compositor device each call sends one query (NameHasOwner) to the bus
+    /// daemon and blocks until its answer.
     bool isInterfaceValid() const;
 
 protected:

@@ -4,7 +4,7 @@
 
 #include "TelvaroExport.h"
 
-class QString;
+#include <QString>
 
 /// The names under which the compositor service is reached on D-Bus.
 ///

@@ -6,17 +6,18 @@
 #include "TelvaroExport.h"
 
 #include <QObject>
+#include <QString>
 
-class QString;
 class QVariant;
 
 /// Shows a message over everything on the screen and takes it away again.
 ///
 /// D-Bus: object "/globaloverlay", interface "de.Telvaro.globaloverlay".
 ///
-/// Both operations first ask isInterfaceValid() and do nothing if it is false (it has logged why). They block until
-/// the service has answered, up to 25 seconds with a service that hangs. The answer is not looked at: an error is
-/// neither logged nor reported. Whether a message is shown now is the service's business; nothing is remembered here.
+/// Both operations first ask isInterfaceValid() and do nothing if it is false; it has logged why, except on another
+/// device. They block until the service has answered, up to 25 seconds with a service that hangs. The answer is not
+/// looked at: an error is neither logged nor reported. Whether a message is shown now is the service's business;
+/// nothing is remembered here.
 class TELVARO_EXPORT TelvaroGlobalOverlayDBusConnector : public TelvaroDBusConnectorBase
 {
     Q_OBJECT

@@ -32,7 +32,7 @@ class QDBusVariant;
 /// notification names as changed, the new value is read from the bus (blocking, one call each), whatever the
 /// notification says of it, and the signal is emitted if it differs from the last known one. The last known values at
 /// construction are the screen saver's state as read then, no orientation, and no full screen: the first notification
-/// of an orientation is always signalled. A read that fails counts as false or empty. Properties that are only
+/// of an orientation is signalled whichever it is. A read that fails counts as false or empty. Properties that are only
 /// invalidated are ignored.
 class TELVARO_EXPORT TelvaroScreenDBusConnector : public TelvaroDBusConnectorBase
 {
@@ -88,7 +88,8 @@ public Q_SLOTS:
     /// Allows the screen saver to become active. Property "screenSaverEnabled", b.
     void enableScreenSaver();
 
-    /// Ends the screen saver and keeps it from becoming active. Property "screenSaverEnabled", b.
+    /// Keeps the screen saver from becoming active; whether one that is active ends is the service's business. Property
+    /// "screenSaverEnabled", b.
     void disableScreenSaver();
 
     /// Sets the seconds without input after which the screen saver becomes active. Property

@@ -21,13 +21,13 @@ public:
     explicit TelvaroScreenShotDBusConnector(QObject* parent = nullptr);
 
     /// Has the service store a screenshot in the directory and returns the string that it answers, unchanged, an empty
-    /// one included; the reference compositor answers the new file's absolute path.
+    /// one included. What the string says, such as the path of the new file, is the service's business.
     ///
     /// The directory must exist for this process, else nothing is sent; it goes to the service exactly as it is passed,
     /// so use an absolute path. An empty string is this process's current directory here and an empty string there.
     ///
     /// Returns an empty optional
-    /// - if isInterfaceValid(), which is asked first, is false (it has logged why);
+    /// - if isInterfaceValid(), which is asked first, is false; it has logged why, except on another device;
     /// - if the directory does not exist, with the warning
     ///   `Unable to capture screenshot, store directory does not exists "<directory>"`;
     /// - on an error reply or a reply without a string, with the warning

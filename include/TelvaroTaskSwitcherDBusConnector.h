@@ -74,7 +74,8 @@ public:
     /// - `Invalid DBus interface!`: the proxy is not valid;
     /// - `Unable to read views!`: the service answered with an error, without a value, or not at all;
     /// - `Unable to parse dbus-reply to dbus-argument`: the value is not an array of views. Read are structures that
-    ///   begin with six strings (or object paths), two integers of any width and a dictionary a{sv}, and empty arrays.
+    ///   begin with six strings (or object paths), two integers of any width and a dictionary a{sv}, and empty arrays
+    ///   of anything but strings or bytes.
     QList<TaskSwitcherEntry> getViews();
 
     /// The current view. Reads the views first and the current view's uuid then: two calls to the service and one
@@ -91,7 +92,8 @@ public:
     /// one query to the bus daemon.
     ///
     /// Returns an invalid QDBusError when the service accepted; otherwise the service's error, or
-    /// - QDBusError::UnknownInterface, "Invalid QDBus Interface", if isInterfaceValid() is false (it has logged why);
+    /// - QDBusError::UnknownInterface, "Invalid QDBus Interface", if isInterfaceValid() is false; it has logged why,
+    ///   except on another device;
     /// - QDBusError::InvalidArgs, "uuid should not be empty"; the service is not called.
     ///
     /// Logs nothing itself and does not wait for currentViewChanged().
@@ -122,9 +124,11 @@ public:
     ///
     /// Returns true when the service accepted, and when the application has no other view, which sends no write.
     /// Returns false with one of the warnings
-    /// - `iterate view failed: no view is in the view list with current appID`, also when the views or the current
-    ///   view cannot be read;
+    /// - `iterate view failed: no view is in the view list with current appID`, also when the views cannot be read;
     /// - `iterateViews failed:` and the error, if the service refused.
+    ///
+    /// A current view that cannot be read counts as one of an empty appId, and one that is no longer in the list as the
+    /// first of its application.
     bool iterateViews(bool backward);
 
     /// The process id of the running program with that name, as the device's program "pidof" tells it. Blocks until

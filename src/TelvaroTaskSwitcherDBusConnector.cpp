@@ -110,7 +110,8 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
 
 TelvaroTaskSwitcherDBusConnector::~TelvaroTaskSwitcherDBusConnector() = default;
 
-QList<TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
+// A warning carries the whole signature of its operation, in which compilers would leave an alias as it is.
+QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
 {
     QList<TaskSwitcherEntry> views;
     if (!mInterface.isValid()) {
@@ -133,7 +134,7 @@ QList<TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
     return views;
 }
 
-TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::getCurrentView()
+TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::getCurrentView()
 {
     const QList<TaskSwitcherEntry> views = getViews();
     if (!isInterfaceValid()) {
@@ -174,7 +175,8 @@ QDBusError TelvaroTaskSwitcherDBusConnector::setCurrentView(const TaskSwitcherEn
                                       QVariant::fromValue(QDBusVariant(entry.uuid))));
 }
 
-TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::pidToTaskSwitcherEntry(uint32_t pid)
+TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry
+TelvaroTaskSwitcherDBusConnector::pidToTaskSwitcherEntry(uint32_t pid)
 {
     const QList<TaskSwitcherEntry> views = getViews();
     const auto found = std::find_if(views.begin(), views.end(), [pid](const TaskSwitcherEntry& view) {
@@ -187,7 +189,8 @@ TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::pidToTaskSwitcherEntry(uint3
     return *found;
 }
 
-TaskSwitcherEntry TelvaroTaskSwitcherDBusConnector::idsToTaskSwitcherEntry(const QString& appId, uint32_t sortIndex)
+TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry
+TelvaroTaskSwitcherDBusConnector::idsToTaskSwitcherEntry(const QString& appId, uint32_t sortIndex)
 {
     const QList<TaskSwitcherEntry> views = getViews();
     const auto found = std::find_if(views.begin(), views.end(), [&appId, sortIndex](const TaskSwitcherEntry& view) {

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 
-# Builds and runs an application that uses the library, in the folder WORK_DIRECTORY, which begins empty.
+# Builds and runs an application that uses the library, in the folder WORK_DIRECTORY, which begins empty. The library has
+# the name of the service compiled in.
 file(REMOVE_RECURSE "${WORK_DIRECTORY}")
 
 function(run)
@@ -13,7 +14,7 @@ function(run)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-function(build_and_run way)
+function(build_and_run way service)
     set(build_directory "${WORK_DIRECTORY}/${way}")
     set(toolchain "")
     if(TOOLCHAIN_FILE)
@@ -27,7 +28,7 @@ function(build_and_run way)
         "DBUS_SESSION_BUS_ADDRESS=unix:path=${WORK_DIRECTORY}/nobody"
         "DBUS_SYSTEM_BUS_ADDRESS=unix:path=${WORK_DIRECTORY}/nobody"
         ${EMULATOR} "${build_directory}/consumer")
-    if(NOT output STREQUAL "de.Telvaro.screen\n")
+    if(NOT output STREQUAL "de.Telvaro.screen of ${service}\n")
         message(FATAL_ERROR "${way}: the application printed \"${output}\"")
     endif()
 endfunction()

@@ -48,6 +48,6 @@ foreach(name IN ITEMS pkgconfig/Telvaro.pc cmake/Telvaro/TelvaroConfig.cmake cma
 endforeach()
 
 set(ENV{LD_LIBRARY_PATH} "${library_directory}")
-build_and_run(find_package "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_FIND_ROOT_PATH=${prefix}")
+build_and_run(find_package "${SERVICE_NAME}" "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_FIND_ROOT_PATH=${prefix}")
 set(ENV{PKG_CONFIG_PATH} "${library_directory}/pkgconfig")
-build_and_run(pkg-config ${pkg_config_options})
+build_and_run(pkg-config "${SERVICE_NAME}" ${pkg_config_options})

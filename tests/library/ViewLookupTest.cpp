@@ -47,6 +47,8 @@ private Q_SLOTS:
     void aPidWithoutViewIsEmptyAndLogged();
     void aPidIsNotFoundInViewsThatCannotBeRead();
 
+    void warningsCarryTheWholeSignatureOfTheirOperation();
+
     void idsFindTheirFirstView();
     void idsMustBothMatch_data();
     void idsMustBothMatch();
@@ -153,6 +155,29 @@ void ViewLookupTest::aPidIsNotFoundInViewsThatCannotBeRead()
     QVERIFY(isEmpty(connector.pidToTaskSwitcherEntry(1)));
     QCOMPARE(mLog->takeDescriptions(),
              (QStringList{warning(cGetViews, cUnreadableViews), warning(cPidTo, cPidNotMatched)}));
+}
+
+void ViewLookupTest::warningsCarryTheWholeSignatureOfTheirOperation()
+{
+    setViews({}, QStringLiteral("gone"));
+    TelvaroTaskSwitcherDBusConnector connector;
+    connector.getCurrentView();
+    connector.pidToTaskSwitcherEntry(1);
+    connector.idsToTaskSwitcherEntry(cApplication, 1);
+    scriptViews({Behaviour::error(cFailed, QStringLiteral("no views"))});
+    connector.getViews();
+    QStringList functions;
+    for (const LogMessage& message : mLog->take()) {
+        // Compilers differ in the blanks.
+        functions.append(QString(message.function).remove(QLatin1Char(' ')));
+    }
+    const QString scope = QStringLiteral("TelvaroTaskSwitcherDBusConnector::");
+    const QString entry = scope + QStringLiteral("TaskSwitcherEntry");
+    QCOMPARE(functions,
+             (QStringList{entry + scope + QStringLiteral("getCurrentView()"),
+                          entry + scope + QStringLiteral("pidToTaskSwitcherEntry(uint32_t)"),
+                          entry + scope + QStringLiteral("idsToTaskSwitcherEntry(constQString&,uint32_t)"),
+                          QStringLiteral("QList<%1>%2getViews()").arg(entry, scope)}));
 }
 
 void ViewLookupTest::idsFindTheirFirstView()

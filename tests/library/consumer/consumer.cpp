@@ -42,6 +42,7 @@ int main(int argc, char** argv)
         std::cerr << "the last warning came from " << (file != nullptr ? file : "nowhere") << '\n';
         return 1;
     }
-    std::cout << TelvaroDBusDefinitions::getScreenInterface().toStdString() << '\n';
+    std::cout << TelvaroDBusDefinitions::getScreenInterface().toStdString() << " of "
+              << TelvaroDBusDefinitions::getServiceName().toStdString() << '\n';
     return 0;
 }
