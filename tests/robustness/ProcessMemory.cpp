@@ -34,7 +34,7 @@ qint64 statusValue(const QByteArray& name)
 
 bool ProcessMemory::isMeaningful()
 {
-#if defined(TELVARO_SANITIZED)
+#if defined(TELVARO_SANITIZED) || defined(TELVARO_EMULATED)
     return false;
 #else
     return !qEnvironmentVariableIsSet("TELVARO_UNDER_VALGRIND");
