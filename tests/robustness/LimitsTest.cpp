@@ -236,12 +236,13 @@ void LimitsTest::busThatDiesBeforeTheEventLoopRunsKeepsTheCaller()
             return service.takeDescriptions().join(QLatin1Char(' ')).contains(QLatin1String("views"));
         },
         ChildProcess::cDeadline));
-    bus.kill();
-    QVERIFY(!QTest::qWaitFor(
+    QVERIFY(QTest::qWaitFor(
         [&application] {
-            return !application.isBlocked();
+            return application.isBlocked();
         },
-        longEnough));
+        ChildProcess::cDeadline));
+    bus.kill();
+    QVERIFY(!application.returnsWithin(longEnough));
 }
 
 void LimitsTest::innerEventLoopGetsWhatWasWaitingOnlyWhenWoken()

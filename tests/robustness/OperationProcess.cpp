@@ -56,6 +56,11 @@ Outcome OperationProcess::finishWithin(int deadlines)
     return finish();
 }
 
+bool OperationProcess::returnsWithin(int milliseconds)
+{
+    return waitForAnswer(milliseconds);
+}
+
 bool OperationProcess::isBlocked() const
 {
     // The id of a process is that of its first thread, whose state follows the name in parentheses.

@@ -36,6 +36,8 @@ public:
     Outcome finish();
     /// Waits longer than usual for the second half.
     Outcome finishWithin(int deadlines);
+    /// Whether the second half can return by then.
+    bool returnsWithin(int milliseconds);
     /// Whether the application's main thread waits for something.
     bool isBlocked() const;
 

@@ -51,10 +51,10 @@ void ChildProcess::run(const QString& program, const QStringList& arguments)
     }
 }
 
-bool ChildProcess::waitForOutputLine()
+bool ChildProcess::waitForOutputLine(int milliseconds)
 {
     while (!canReadLine()) {
-        if (!waitForReadyRead(cDeadline)) {
+        if (!waitForReadyRead(milliseconds)) {
             return false;
         }
     }

@@ -24,7 +24,7 @@ public:
     void run(const QString& program, const QStringList& arguments = {});
 
     /// Waits for a line of standard output; false where none comes.
-    bool waitForOutputLine();
+    bool waitForOutputLine(int milliseconds = cDeadline);
 
     /// The next line of standard output, without the line break. Throws std::runtime_error where none comes.
     QByteArray readOutputLine();

@@ -72,9 +72,9 @@ QJsonObject SteeredProcess::readAnswer()
     return answer;
 }
 
-bool SteeredProcess::waitForAnswer()
+bool SteeredProcess::waitForAnswer(int milliseconds)
 {
-    return mProcess.waitForOutputLine();
+    return mProcess.waitForOutputLine(milliseconds);
 }
 
 qint64 SteeredProcess::processId() const

@@ -35,8 +35,8 @@ protected:
     /// The two halves of command(), for what a test does between them.
     void send(const QJsonObject& command);
     QJsonObject readAnswer();
-    /// Whether there is an answer, after a wait of at most the usual deadline.
-    bool waitForAnswer();
+    /// Whether there is an answer, after a wait of at most that long.
+    bool waitForAnswer(int milliseconds = ChildProcess::cDeadline);
 
     qint64 processId() const;
 
