@@ -46,6 +46,8 @@ void CommandInterpreter::run(const QString& line)
         std::puts("pong");
         std::fflush(stdout);
     } else if (command == QLatin1String("hang")) {
+        std::puts("hanging");
+        std::fflush(stdout);
         for (;;) {
             pause();
         }

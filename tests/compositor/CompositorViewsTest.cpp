@@ -538,6 +538,7 @@ void CompositorViewsTest::theLibrarySeesAClientThatHangs()
     TRY_COMPARE(connector.getViews().size(), 2);
     QCOMPARE(connector.getCurrentView().info1, QStringLiteral("Other"));
     client->send("hang");
+    client->waitFor("hanging");
 
     QVERIFY(connector.switchToView(QStringLiteral("a"), 0));
     TRY_COMPARE(connector.getCurrentView().attributes.value(QStringLiteral("responding")), QVariant(false));
