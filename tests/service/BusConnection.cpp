@@ -2,8 +2,13 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusConnection.h"
 
+#include <cerrno>
+#include <exception>
+#include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -30,9 +35,17 @@ GDBusConnection* connectTo(const QString& address)
 
 } // namespace
 
-BusConnection::BusConnection(const QString& address, GDBusMessageFilterFunction filter, gpointer owner)
-    : mConnection(connectTo(address))
-    , mFilter(g_dbus_connection_add_filter(mConnection.get(), filter, owner, nullptr))
+struct BusConnection::Event
+{
+    BusConnection* self;
+    GObjectPointer<GDBusMessage> message;
+};
+
+BusConnection::BusConnection(const QString& address, const std::set<GDBusMessageType>& types, Receiver receiver)
+    : mTypes(types)
+    , mReceiver(std::move(receiver))
+    , mConnection(connectTo(address))
+    , mFilter(g_dbus_connection_add_filter(mConnection.get(), filter, this, nullptr))
 {
 }
 
@@ -55,7 +68,7 @@ void BusConnection::send(GDBusMessage* message)
     }
 }
 
-GVariantPointer BusConnection::callBusDaemon(const char* interface, const char* member, GVariant* arguments)
+GVariantPointer BusConnection::callBusDaemon(const char* member, GVariant* arguments, const char* interface)
 {
     GError* error = nullptr;
     GVariantPointer reply(g_dbus_connection_call_sync(mConnection.get(), "org.freedesktop.DBus",
@@ -65,4 +78,30 @@ GVariantPointer BusConnection::callBusDaemon(const char* interface, const char* 
         throw failure(member, error);
     }
     return reply;
+}
+
+// Runs in GDBus's own thread; everything else runs in the main loop's.
+GDBusMessage* BusConnection::filter(GDBusConnection*, GDBusMessage* message, gboolean incoming, gpointer self)
+{
+    auto* const connection = static_cast<BusConnection*>(self);
+    if (incoming == FALSE || connection->mTypes.count(g_dbus_message_get_message_type(message)) == 0) {
+        return message;
+    }
+    auto event = std::make_unique<Event>();
+    event->self = connection;
+    event->message.reset(message);
+    g_idle_add_full(G_PRIORITY_DEFAULT, onMessage, event.release(), nullptr);
+    return nullptr;
+}
+
+gboolean BusConnection::onMessage(gpointer event)
+{
+    const std::unique_ptr<Event> owned(static_cast<Event*>(event));
+    // GLib's frames are C, through which no exception may pass.
+    try {
+        owned->self->mReceiver(owned->message.get());
+    } catch (const std::exception& error) {
+        std::cerr << program_invocation_short_name << ": " << error.what() << '\n';
+    }
+    return G_SOURCE_REMOVE;
 }

@@ -6,22 +6,36 @@
 
 #include <QString>
 
-/// A connection to the bus with one filter, which sees each message before any object model does. Whatever fails here
-/// throws std::runtime_error.
+#include <functional>
+#include <set>
+
+/// A connection to the bus on which messages are seen before any object model sees them. Whatever fails here throws
+/// std::runtime_error.
 class BusConnection
 {
 public:
-    /// The filter gets the owner and runs in GDBus's own thread.
-    BusConnection(const QString& address, GDBusMessageFilterFunction filter, gpointer owner);
+    using Receiver = std::function<void(GDBusMessage* message)>;
+
+    /// Incoming messages of these types end here: the receiver gets them in the main loop's thread. An exception of its
+    /// is told on standard error.
+    BusConnection(const QString& address, const std::set<GDBusMessageType>& types, Receiver receiver);
     ~BusConnection();
     BusConnection(const BusConnection&) = delete;
     BusConnection& operator=(const BusConnection&) = delete;
 
     GDBusConnection* get() const;
     void send(GDBusMessage* message);
-    GVariantPointer callBusDaemon(const char* interface, const char* member, GVariant* arguments);
+    GVariantPointer callBusDaemon(const char* member, GVariant* arguments,
+                                  const char* interface = "org.freedesktop.DBus");
 
 private:
+    struct Event;
+
+    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming, gpointer self);
+    static gboolean onMessage(gpointer event);
+
+    const std::set<GDBusMessageType> mTypes;
+    const Receiver mReceiver;
     GObjectPointer<GDBusConnection> mConnection;
     guint mFilter;
 };

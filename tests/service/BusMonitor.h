@@ -22,11 +22,6 @@ public:
     QJsonObject handle(const QJsonObject& command);
 
 private:
-    struct Event;
-
-    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
-                                gpointer monitor);
-    static gboolean onMessage(gpointer event);
     void receive(const QJsonObject& message);
 
     BusConnection mConnection;

@@ -8,32 +8,18 @@
 
 /// A service that sits on the raw connection below any object model, so that it sees every method call and nothing is
 /// answered on its behalf.
-class BusService
+class BusService : protected BusConnection
 {
 public:
     /// Connects to the bus at the address. Throws std::runtime_error where it cannot.
     explicit BusService(const QString& address);
     virtual ~BusService();
-    BusService(const BusService&) = delete;
-    BusService& operator=(const BusService&) = delete;
 
 protected:
     /// Called in the main loop's thread. An exception is told on standard error.
     virtual void receive(GDBusMessage* call) = 0;
 
-    GDBusConnection* connection() const;
-    void send(GDBusMessage* message);
     /// Throws std::runtime_error where the name belongs to another or the bus refuses it.
     void requestName(const QString& name);
     void releaseName(const QString& name);
-    GVariantPointer callBusDaemon(const char* member, GVariant* arguments);
-
-private:
-    struct Event;
-
-    static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message, gboolean incoming,
-                                gpointer service);
-    static gboolean onCall(gpointer event);
-
-    BusConnection mConnection;
 };

@@ -96,7 +96,7 @@ QJsonObject ScriptedService::handle(const QJsonObject& command)
         answer.insert(QStringLiteral("calls"), mCalls);
         mCalls = {};
     } else if (name == QLatin1String("uniqueName")) {
-        answer.insert(QStringLiteral("uniqueName"), QString::fromUtf8(g_dbus_connection_get_unique_name(connection())));
+        answer.insert(QStringLiteral("uniqueName"), QString::fromUtf8(g_dbus_connection_get_unique_name(get())));
     } else if (name == QLatin1String("reset")) {
         mCalls = {};
         mScripts.clear();
@@ -157,7 +157,7 @@ void ScriptedService::answer(GDBusMessage* call, const QJsonObject& behaviour)
     }
     if (behaviour.contains(QLatin1String("exit"))) {
         // The signals above are on their way before the process is gone.
-        g_dbus_connection_flush_sync(connection(), nullptr, nullptr);
+        g_dbus_connection_flush_sync(get(), nullptr, nullptr);
         _exit(EXIT_SUCCESS);
     }
     if (behaviour.contains(QLatin1String("kill"))) {
