@@ -300,8 +300,7 @@ void CompositorStartTest::endsWhenTheBusGoesAway()
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     PrivateBus bus;
     CompositorProcess compositor;
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+    PrivateBus::setAddress(address);
 
     compositor.start();
     QVERIFY(!isNameOwned(cServiceName));

@@ -50,8 +50,7 @@ int main(int argc, char** argv)
     prepareTestEnvironment();
     const QTemporaryDir directory;
     const QByteArray address = "unix:path=" + directory.filePath(QStringLiteral("nobody")).toUtf8();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+    PrivateBus::setAddress(address);
     QCoreApplication application(argc, argv);
     AbsentBusTest test;
     return QTest::qExec(&test, argc, argv);

@@ -5,6 +5,11 @@
 # the name of the service compiled in.
 file(REMOVE_RECURSE "${WORK_DIRECTORY}")
 
+set(toolchain "")
+if(TOOLCHAIN_FILE)
+    set(toolchain "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN_FILE}")
+endif()
+
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)
@@ -16,10 +21,6 @@ endfunction()
 
 function(build_and_run way service)
     set(build_directory "${WORK_DIRECTORY}/${way}")
-    set(toolchain "")
-    if(TOOLCHAIN_FILE)
-        set(toolchain "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN_FILE}")
-    endif()
     run("${CMAKE_COMMAND}" -G Ninja -S "${CMAKE_CURRENT_LIST_DIR}/consumer" -B "${build_directory}"
         "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}" ${toolchain}
         "-DTELVARO_FROM=${way}" ${ARGN})

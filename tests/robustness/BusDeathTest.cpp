@@ -58,16 +58,6 @@ struct RelayedStage : Stage
     BusRelay relay;
 };
 
-// A construction is to introspect the service, which it does where no connector has been made before.
-void prepare(OperationProcess& application, const QString& operation)
-{
-    if (operation.startsWith(QLatin1String("new "))) {
-        application.turn();
-    } else {
-        application.prepare();
-    }
-}
-
 /// A message that an operation sends, and what the operation logs where the bus is lost with it.
 struct Message
 {
@@ -321,7 +311,7 @@ void BusDeathTest::everyOperationSendsTheMessagesItIsKnownFor()
     QFETCH(QString, operation);
     RelayedStage stage;
     stage.application.start();
-    prepare(stage.application, operation);
+    stage.application.prepareFor(operation);
     stage.relay.takeMessages();
     QCOMPARE(stage.application.perform(operation).result, Scenario::result(operation));
     // A question to the bus, so that all that was sent before it is known.
@@ -348,7 +338,7 @@ void BusDeathTest::everyMessageMayBeTheLast()
     QFETCH(int, number);
     RelayedStage stage;
     stage.application.start();
-    prepare(stage.application, operation);
+    stage.application.prepareFor(operation);
     stage.relay.takeMessages();
     stage.relay.endAt(number);
     const Outcome outcome = stage.application.perform(operation);

@@ -54,12 +54,6 @@ QByteArray socketPath(const QByteArray& busAddress)
     return busAddress.mid(prefix.size(), end < 0 ? -1 : end - prefix.size());
 }
 
-void setBusAddress(const QByteArray& address)
-{
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
-}
-
 /// Nothing where the other side is gone.
 QByteArray receive(int socket)
 {
@@ -168,7 +162,7 @@ BusRelay::BusRelay()
     if (::connect(mBus.get(), reinterpret_cast<const sockaddr*>(&bus), sizeof bus) != 0) {
         throw failure("connect to " + mBusAddress.toStdString());
     }
-    setBusAddress("unix:path=" + path);
+    PrivateBus::setAddress("unix:path=" + path);
     mThread = std::thread([this] {
         run();
     });
@@ -179,7 +173,7 @@ BusRelay::~BusRelay()
     // Wakes the thread wherever it waits.
     ::shutdown(mListener.get(), SHUT_RDWR);
     mThread.join();
-    setBusAddress(mBusAddress);
+    PrivateBus::setAddress(mBusAddress);
 }
 
 QStringList BusRelay::takeMessages()

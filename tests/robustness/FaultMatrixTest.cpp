@@ -136,7 +136,7 @@ Expectation expectationWithoutProperty(Fault fault, const ServiceCall& call)
     if (call.operation == QLatin1String("getProperty")) {
         return {QString(), isRead ? QStringList() : QStringList{unread}};
     }
-    const bool hasResult = !call.operation.startsWith(QLatin1String("new "));
+    const bool hasResult = !Operations::isConstruction(call.operation);
     return {isText || !hasResult ? QString() : QStringLiteral("false"),
             isRead ? QStringList{unconverted} : QStringList{unread, unconverted}};
 }

@@ -212,7 +212,7 @@ void LimitsTest::refusedMessageCostsTheConnection()
     ChildProcess application;
     application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
     // Such a text takes its time, with a sanitizer most of all.
-    for (int waited = 0; waited < 5 && !application.waitForOutputLine(); ++waited) { }
+    QVERIFY(application.waitForOutputLine(5 * ChildProcess::cDeadline));
     QCOMPARE(application.readOutputLine(), QByteArray("disconnected"));
     QCOMPARE(application.readOutputLine(), QByteArray("returned"));
     QVERIFY(application.waitForFinished(ChildProcess::cDeadline));

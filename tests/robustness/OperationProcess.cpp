@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "OperationProcess.h"
 
+#include "Operations.h"
+
 #include <QFile>
 #include <QJsonArray>
 
@@ -35,6 +37,11 @@ Outcome OperationProcess::prepare()
     return performCommand(QStringLiteral("prepare"));
 }
 
+Outcome OperationProcess::prepareFor(const QString& operation)
+{
+    return Operations::isConstruction(operation) ? turn() : prepare();
+}
+
 Outcome OperationProcess::perform(const QString& operation)
 {
     return performCommand(operation);
@@ -48,12 +55,6 @@ void OperationProcess::begin(const QString& operation)
 Outcome OperationProcess::finish()
 {
     return toOutcome(readAnswer());
-}
-
-Outcome OperationProcess::finishWithin(int deadlines)
-{
-    for (int waited = 0; waited < deadlines && !waitForAnswer(); ++waited) { }
-    return finish();
 }
 
 bool OperationProcess::returnsWithin(int milliseconds)

@@ -29,13 +29,15 @@ public:
     /// Makes all connectors, after a turn of the event loop.
     Outcome prepare();
 
+    /// What the operation needs to make all its calls: a turn for a construction, which introspects the service only
+    /// where no connector has been made before, and all connectors for another.
+    Outcome prepareFor(const QString& operation);
+
     Outcome perform(const QString& operation);
 
     /// The two halves of perform(): the first returns when the application is about to perform the operation.
     void begin(const QString& operation);
     Outcome finish();
-    /// Waits longer than usual for the second half.
-    Outcome finishWithin(int deadlines);
     /// Whether the second half can return by then.
     bool returnsWithin(int milliseconds);
     /// Whether the application's main thread waits for something.

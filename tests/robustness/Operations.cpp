@@ -190,6 +190,11 @@ QStringList Operations::names()
     return names;
 }
 
+bool Operations::isConstruction(const QString& name)
+{
+    return name.startsWith(QLatin1String("new "));
+}
+
 QString Operations::perform(const QString& name)
 {
     const auto entry = std::find_if(table().begin(), table().end(), [&name](const Entry& candidate) {

@@ -23,6 +23,8 @@ class Operations
 {
 public:
     static QStringList names();
+    /// Whether the operation makes a connector and ends it again.
+    static bool isConstruction(const QString& name);
 
     /// Throws std::invalid_argument on a name that is none.
     QString perform(const QString& name);

@@ -72,7 +72,7 @@ void SoakTest::perform(int operationCount, int constructionCount)
     QStringList constructions;
     QStringList others;
     for (const QString& name : Operations::names()) {
-        (name.startsWith(QLatin1String("new ")) ? constructions : others).append(name);
+        (Operations::isConstruction(name) ? constructions : others).append(name);
     }
     const auto repeat = [this](Operations& operations, const QStringList& names, int count) {
         for (int done = 0; done < count; ++done) {

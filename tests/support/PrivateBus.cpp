@@ -17,14 +17,18 @@ PrivateBus::PrivateBus()
     mDaemon.run(QStringLiteral("dbus-daemon"),
                 {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                  QStringLiteral("--config-file=") + configuration});
-    const QByteArray address = mDaemon.readOutputLine();
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
+    setAddress(mDaemon.readOutputLine());
 }
 
 QString PrivateBus::address()
 {
     return qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+}
+
+void PrivateBus::setAddress(const QByteArray& address)
+{
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
 }
 
 QDBusConnection PrivateBus::connection()

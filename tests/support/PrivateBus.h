@@ -16,6 +16,8 @@ public:
     PrivateBus();
 
     static QString address();
+    /// Has this process, and those that it starts, take the bus at the address for the session's and the system's.
+    static void setAddress(const QByteArray& address);
 
     /// This process's shared connection to the bus, the one that the library uses.
     static QDBusConnection connection();
