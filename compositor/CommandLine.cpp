@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CommandLine.h"
 
-#include "ScriptFile.h"
+#include "script/ScriptFile.h"
 
 #include <QRegularExpression>
 

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "Script.h"
+#include "script/Script.h"
 
 #include <QByteArray>
 #include <QSize>

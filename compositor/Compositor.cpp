@@ -3,7 +3,7 @@
 #include "Compositor.h"
 
 #include "CommandLine.h"
-#include "WaylandSocketName.h"
+#include "wayland/WaylandSocketName.h"
 
 Compositor::Compositor(const CommandLine& commandLine)
     : mCommandLine(commandLine)

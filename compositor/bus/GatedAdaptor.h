@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "bus/CallGate.h"
+
+#include <QDBusAbstractAdaptor>
+
+/// An adaptor whose calls pass the gate. Its object also derives from QDBusContext.
+template <typename Adaptor> class GatedAdaptor : public Adaptor
+{
+public:
+    template <typename Object>
+    GatedAdaptor(Object* object, CallGate& gate)
+        : Adaptor(object)
+        , mGate(gate)
+    {
+    }
+
+    /// This is how QtDBus delivers a call, whatever the interface.
+    int qt_metacall(QMetaObject::Call call, int id, void** arguments) override
+    {
+        const bool isAdmitted = call != QMetaObject::InvokeMetaMethod || mGate.admit(*this, id);
+        return isAdmitted ? Adaptor::qt_metacall(call, id, arguments) : -1;
+    }
+
+private:
+    CallGate& mGate;
+};

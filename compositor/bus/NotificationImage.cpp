@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "bus/NotificationImage.h"
+
+#include <QDBusArgument>
+#include <QFileInfo>
+#include <QIcon>
+#include <QImageReader>
+#include <QPainter>
+#include <QUrl>
+
+namespace {
+constexpr qint64 cLargestFile = 16 * 1024 * 1024;
+constexpr int cLargestEdge = 8192;
+
+QImage scaled(const QImage& image, int size)
+{
+    if (image.isNull() || (image.width() <= size && image.height() <= size)) {
+        return image;
+    }
+    return image.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+QImage loadFile(const QString& path, int size)
+{
+    // Anything but an ordinary file might block or never end, and so might the kernel's own, which have no size.
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() == 0 || file.size() > cLargestFile) {
+        return {};
+    }
+    QImageReader reader(path);
+    const QSize full = reader.size();
+    if (!full.isValid() || full.width() > cLargestEdge || full.height() > cLargestEdge) {
+        return {};
+    }
+    if (full.width() > size || full.height() > size) {
+        reader.setScaledSize(full.scaled(size, size, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    }
+    return reader.read();
+}
+
+/// Symbolic icons are drawn in one colour that their user chooses.
+QImage tinted(QImage image)
+{
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), Qt::white);
+    return image;
+}
+} // namespace
+
+QImage NotificationImage::load(const QString& source, int size)
+{
+    if (source.isEmpty()) {
+        return {};
+    }
+    if (source.startsWith(QLatin1String("file://"))) {
+        return loadFile(QUrl(source).toLocalFile(), size);
+    }
+    if (source.startsWith(QLatin1Char('/'))) {
+        return loadFile(source, size);
+    }
+    if (source.contains(QLatin1Char('/'))) {
+        return {};
+    }
+    // Themes have ever fewer coloured icons, but most of them have the symbolic one.
+    const QString symbolic = QStringLiteral("-symbolic");
+    const bool isSymbolic = source.endsWith(symbolic) || !QIcon::hasThemeIcon(source);
+    const QString name = isSymbolic && !source.endsWith(symbolic) ? source + symbolic : source;
+    const QImage image = QIcon::fromTheme(name).pixmap(size, size).toImage();
+    return isSymbolic && !image.isNull() ? tinted(image.convertToFormat(QImage::Format_ARGB32_Premultiplied)) : image;
+}
+
+QImage NotificationImage::fromHint(const QVariant& hint, int size)
+{
+    if (hint.userType() != qMetaTypeId<QDBusArgument>()) {
+        return {};
+    }
+    const auto argument = hint.value<QDBusArgument>();
+    if (argument.currentSignature() != QLatin1String("(iiibiiay)")) {
+        return {};
+    }
+    int width = 0;
+    int height = 0;
+    int rowStride = 0;
+    bool hasAlpha = false;
+    int bitsPerSample = 0;
+    int channels = 0;
+    QByteArray data;
+    argument.beginStructure();
+    argument >> width >> height >> rowStride >> hasAlpha >> bitsPerSample >> channels >> data;
+    argument.endStructure();
+
+    const bool isPlausible = width > 0 && width <= cLargestEdge && height > 0 && height <= cLargestEdge
+        && bitsPerSample == 8 && channels == (hasAlpha ? 4 : 3) && rowStride >= width * channels;
+    // The last row may lack its padding.
+    if (!isPlausible || data.size() < qint64(rowStride) * (height - 1) + qint64(width) * channels) {
+        return {};
+    }
+    const auto format = hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888;
+    const QImage image(reinterpret_cast<const uchar*>(data.constData()), width, height, rowStride, format);
+    return scaled(image.convertToFormat(QImage::Format_ARGB32_Premultiplied), size);
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "bus/ScreenShotObject.h"
+
+#include "ScreenShotObjectAdaptor.h"
+#include "bus/GatedAdaptor.h"
+#include "bus/ScreenshotFile.h"
+#include "shell/Scene.h"
+
+ScreenShotObject::ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent)
+    : QObject(parent)
+    , mScene(scene)
+{
+    new GatedAdaptor<ScreenShotObjectAdaptor>(this, gate);
+}
+
+QString ScreenShotObject::ScreenShot(const QString& directory)
+{
+    ScreenshotFile file(directory);
+    if (!file.isDirectoryOpen() || !file.write(mScene.toImage())) {
+        sendErrorReply(file.errorName(), file.errorText());
+        return {};
+    }
+    return file.path();
+}

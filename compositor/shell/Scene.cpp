@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "shell/Scene.h"
+
+#include "shell/SceneLayer.h"
+#include "state/Output.h"
+#include "state/ScreenSaver.h"
+
+#include <QPainter>
+
+Scene::Scene(const Output& output, const ScreenSaver& screenSaver, QObject* parent)
+    : QObject(parent)
+    , mOutput(output)
+    , mScreenSaver(screenSaver)
+{
+    connect(&output, &Output::geometryChanged, this, &Scene::damageAll);
+    connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::damageAll);
+}
+
+void Scene::damage(const QRegion& region)
+{
+    mDamage |= region;
+    Q_EMIT frameNeeded();
+}
+
+void Scene::damageAll()
+{
+    damage(mOutput.rect());
+}
+
+QRegion Scene::takeDamage()
+{
+    const QRegion damage = std::exchange(mDamage, QRegion()).intersected(mOutput.rect());
+    return mOutput.toWindow().map(damage);
+}
+
+void Scene::paint(QPainter* painter) const
+{
+    if (mScreenSaver.isActive()) {
+        painter->fillRect(QRect(QPoint(), mOutput.physicalSize()), Qt::black);
+        return;
+    }
+    painter->setTransform(mOutput.toWindow(), true);
+    for (const SceneLayer* layer : mLayers) {
+        painter->save();
+        layer->paint(painter);
+        painter->restore();
+    }
+}
+
+QImage Scene::toImage()
+{
+    update();
+    QImage image(mOutput.physicalSize(), QImage::Format_RGB32);
+    QPainter painter(&image);
+    paint(&painter);
+    return image;
+}

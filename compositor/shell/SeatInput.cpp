@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "shell/SeatInput.h"
+
+#include "shell/NotificationCards.h"
+#include "state/ScreenSaver.h"
+#include "wayland/RequestGuard.h"
+
+#include <QKeyEvent>
+#include <QWaylandSeat>
+#include <QWaylandSurface>
+
+SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
+                     ScreenSaver& screenSaver, QWindow& window)
+    : mSeat(seat)
+    , mStack(stack)
+    , mCards(cards)
+    , mScreenSaver(screenSaver)
+    , mCursor(window)
+    , mDrag(seat, guard)
+{
+    guard.setCursorRule([this](wl_client* client) {
+        return hasPointer(client);
+    });
+    guard.setDragRule([this](wl_client* client) {
+        return hasPressedButton(client) && !mDrag.isActive();
+    });
+    connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
+    connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
+        mCursor.set(surface, QPoint(x, y));
+    });
+    connect(seat, &QWaylandSeat::mouseFocusChanged, this, [this](const QWaylandView* newFocus) {
+        if (newFocus == nullptr) {
+            mCursor.reset();
+        }
+    });
+}
+
+bool SeatInput::wakesScreen()
+{
+    const bool wasAsleep = mScreenSaver.isActive();
+    mScreenSaver.noteInput();
+    return wasAsleep;
+}
+
+void SeatInput::pointerMotion(const QPointF& position)
+{
+    mPosition = position;
+    mIsInside = true;
+    if (!wakesScreen()) {
+        updatePointerFocus();
+    }
+}
+
+void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
+{
+    mPosition = position;
+    mIsInside = true;
+    if (wakesScreen()) {
+        return;
+    }
+    if (mCards.press(position.toPoint())) {
+        return;
+    }
+    updatePointerFocus();
+    if (!mPressedButtons) {
+        const WindowStack::Hit hit = mStack.surfaceAt(position);
+        if (hit.surface == nullptr) {
+            mStack.dismissPopups();
+        }
+        mGrabbingWindow = hit.window;
+        mGrabbingSurface = hit.surface;
+        mGrabOrigin = position - hit.position;
+    }
+    if (admitPointerEvent()) {
+        mPressedButtons |= button;
+        mSeat->sendMousePressEvent(button);
+    }
+}
+
+void SeatInput::pointerRelease(const QPointF& position, Qt::MouseButton button)
+{
+    mPosition = position;
+    mScreenSaver.noteInput();
+    mCards.release(position.toPoint());
+    if (!mPressedButtons.testFlag(button)) {
+        return;
+    }
+    mPressedButtons.setFlag(button, false);
+    if (mDrag.isActive()) {
+        mDrag.drop();
+    }
+    mSeat->sendMouseReleaseEvent(button);
+    updatePointerFocus();
+}
+
+void SeatInput::pointerLeft()
+{
+    mIsInside = false;
+    if (!mPressedButtons) {
+        setPointerFocus({});
+    }
+}
+
+void SeatInput::wheel(const QPointF& position, const QPoint& angleDelta)
+{
+    pointerMotion(position);
+    if (!admitPointerEvent()) {
+        return;
+    }
+    if (angleDelta.x() != 0) {
+        mSeat->sendMouseWheelEvent(Qt::Horizontal, angleDelta.x());
+    }
+    if (angleDelta.y() != 0) {
+        mSeat->sendMouseWheelEvent(Qt::Vertical, angleDelta.y());
+    }
+}
+
+void SeatInput::key(QKeyEvent* event)
+{
+    const quint32 code = event->nativeScanCode();
+    if (event->type() == QEvent::KeyRelease) {
+        mScreenSaver.noteInput();
+        if (!event->isAutoRepeat() && mPressedKeys.remove(code) && mSeat->keyboardFocus() != nullptr) {
+            mSeat->sendFullKeyEvent(event);
+        }
+        return;
+    }
+    ClientWindow* const window = mStack.current();
+    if (wakesScreen() || event->isAutoRepeat() || window == nullptr || mSeat->keyboardFocus() == nullptr) {
+        return;
+    }
+    if (window->admitEvent()) {
+        mPressedKeys.insert(code);
+        mSeat->sendFullKeyEvent(event);
+    }
+}
+
+void SeatInput::releaseKeys()
+{
+    for (const quint32 code : std::exchange(mPressedKeys, QSet<quint32>())) {
+        if (mSeat->keyboardFocus() != nullptr) {
+            mSeat->sendKeyReleaseEvent(code);
+        }
+    }
+}
+
+void SeatInput::updatePointerFocus()
+{
+    if (!mIsInside) {
+        return;
+    }
+    if (mDrag.isActive()) {
+        const WindowStack::Hit hit = mStack.surfaceAt(mPosition);
+        if (hit.window == nullptr || hit.window->admitEvent()) {
+            mDrag.move(hit.surface == nullptr ? nullptr : hit.surface->surface(), hit.position);
+        }
+        return;
+    }
+    if (mPressedButtons) {
+        if (mGrabbingWindow != nullptr && mGrabbingSurface != nullptr && mGrabbingSurface->surface() != nullptr) {
+            setPointerFocus({mGrabbingWindow, mGrabbingSurface, mPosition - mGrabOrigin});
+            return;
+        }
+        mPressedButtons = Qt::NoButton;
+    }
+    const bool isOverCard = mCards.contains(mPosition.toPoint());
+    setPointerFocus(isOverCard ? WindowStack::Hit() : mStack.surfaceAt(mPosition));
+}
+
+void SeatInput::setPointerFocus(const WindowStack::Hit& target)
+{
+    const bool hasMoved = target.window != mPointerWindow;
+    // A client that ends takes its surfaces along one after the other, and Qt does not survive an event for one that is
+    // about to go.
+    const bool isThere =
+        target.surface != nullptr && target.surface->surface() != nullptr && !target.surface->surface()->isDestroyed();
+    const bool isAdmitted = isThere && target.window != nullptr && target.window->admitEvent();
+    if (isAdmitted) {
+        mPointerWindow = target.window;
+        mSeat->sendMouseMoveEvent(target.surface, target.position, mPosition);
+    } else if (hasMoved) {
+        mPointerWindow = nullptr;
+        mSeat->setMouseFocus(nullptr);
+    }
+}
+
+bool SeatInput::admitPointerEvent()
+{
+    return mPointerWindow != nullptr && mSeat->mouseFocus() != nullptr && mPointerWindow->admitEvent();
+}
+
+bool SeatInput::hasPointer(wl_client* client) const
+{
+    const QWaylandView* const focus = mSeat->mouseFocus();
+    return focus != nullptr && focus->surface() != nullptr && focus->surface()->waylandClient() == client;
+}
+
+bool SeatInput::hasPressedButton(wl_client* client) const
+{
+    return mPressedButtons && mGrabbingSurface != nullptr && mGrabbingSurface->surface() != nullptr
+        && mGrabbingSurface->surface()->waylandClient() == client;
+}

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "shell/StatusBar.h"
+
+#include "shell/Scene.h"
+#include "shell/Theme.h"
+#include "state/Output.h"
+#include "state/ViewList.h"
+
+#include <QPainter>
+#include <QTime>
+
+namespace {
+constexpr int cMargin = 14;
+constexpr int cClockWidth = 60;
+constexpr int cLongestTitle = 400;
+} // namespace
+
+StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, QObject* parent)
+    : QObject(parent)
+    , mOutput(output)
+    , mViews(views)
+    , mScene(scene)
+{
+    mClock.setSingleShot(true);
+    connect(&mClock, &QTimer::timeout, this, [this] {
+        mScene.damage(mOutput.statusBarRect());
+        waitForNextMinute();
+    });
+    connect(&output, &Output::geometryChanged, this, &StatusBar::waitForNextMinute);
+    connect(&views, &ViewList::viewsChanged, this, &StatusBar::update);
+    connect(&views, &ViewList::currentChanged, this, &StatusBar::update);
+    waitForNextMinute();
+}
+
+void StatusBar::waitForNextMinute()
+{
+    if (mOutput.statusBarRect().isEmpty()) {
+        mClock.stop();
+        return;
+    }
+    const QTime now = QTime::currentTime();
+    mClock.start(60000 - now.second() * 1000 - now.msec());
+}
+
+void StatusBar::update()
+{
+    if (mTitle != title()) {
+        mTitle = title();
+        mScene.damage(mOutput.statusBarRect());
+    }
+}
+
+QString StatusBar::title() const
+{
+    const View* const view = mViews.currentView();
+    if (view == nullptr) {
+        return {};
+    }
+    const QString title = Theme::plainText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
+    return view->isResponding ? title : QStringLiteral("%1 (not responding)").arg(title);
+}
+
+void StatusBar::paint(QPainter* painter) const
+{
+    const QRect bar = mOutput.statusBarRect();
+    if (bar.isEmpty()) {
+        return;
+    }
+    painter->fillRect(bar, Theme::cBar);
+    painter->fillRect(bar.adjusted(0, bar.height() - 1, 0, 0), Theme::cCardEdge);
+
+    painter->setPen(Theme::cText);
+    const QFont font = Theme::font(15, QFont::Medium);
+    Theme::drawText(painter, bar.adjusted(cMargin, 0, -2 * cMargin - cClockWidth, 0), mTitle, font,
+                    Qt::AlignLeft | Qt::AlignVCenter, 1);
+    painter->setPen(Theme::cMutedText);
+    painter->setFont(font);
+    painter->drawText(bar.adjusted(0, 0, -cMargin, 0), Qt::AlignRight | Qt::AlignVCenter,
+                      QTime::currentTime().toString(QStringLiteral("HH:mm")));
+}

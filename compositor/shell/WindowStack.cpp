@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "shell/WindowStack.h"
+
+#include "shell/Scene.h"
+#include "state/Output.h"
+#include "state/ViewList.h"
+#include "wayland/ClientBounds.h"
+#include "wayland/ClientPopup.h"
+#include "wayland/ClientSurface.h"
+#include "wayland/ClientWindow.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+/// Of one client. Finding the place of one takes a step for each that it hangs on.
+constexpr int cMostPopups = 50;
+} // namespace
+
+WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)
+    : QObject(parent)
+    , mOutput(output)
+    , mViews(views)
+    , mScene(scene)
+{
+    connect(&output, &Output::geometryChanged, this, [this] {
+        dismissPopups();
+        configureAll();
+    });
+    connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
+    connect(&scene, &Scene::aboutToPaint, this, &WindowStack::updateContents);
+}
+
+void WindowStack::addWindow(ClientWindow* window)
+{
+    mWindows.append(window);
+    connect(window, &QObject::destroyed, this, [this, window] {
+        mWindows.removeOne(window);
+    });
+    connect(window, &ClientWindow::committed, this, [this, window] {
+        handleCommit(window);
+    });
+    connect(window, &ClientWindow::configureRequested, this, &WindowStack::configureAll);
+    connect(window, &ClientWindow::caughtUp, this, &WindowStack::arrangementChanged);
+    configureAll();
+}
+
+void WindowStack::addPopup(ClientPopup* popup)
+{
+    const auto count = std::count_if(mPopups.cbegin(), mPopups.cend(), [popup](const ClientPopup* other) {
+        return other->client() == popup->client();
+    });
+    if (count >= cMostPopups) {
+        popup->dismiss();
+        return;
+    }
+    mPopups.append(popup);
+    connect(popup, &QObject::destroyed, this, [this, popup] {
+        mPopups.removeOne(popup);
+        mScene.damageAll();
+        Q_EMIT arrangementChanged();
+    });
+    connect(popup, &ClientPopup::committed, this, [this, popup] {
+        handleCommit(popup);
+    });
+    popup->place(mOutput.workArea().translated(-originOf(popup->parentXdgSurface())));
+}
+
+ClientWindow* WindowStack::current() const
+{
+    const QString uuid = mViews.current();
+    const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [&uuid](const ClientWindow* window) {
+        return window->isMapped() && window->uuid() == uuid;
+    });
+    return found == mWindows.cend() ? nullptr : *found;
+}
+
+ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
+{
+    const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [toplevel](const ClientWindow* window) {
+        return window->toplevel() == toplevel;
+    });
+    return toplevel == nullptr || found == mWindows.cend() ? nullptr : *found;
+}
+
+QVector<ClientWindow*> WindowStack::visibleWindows() const
+{
+    QVector<ClientWindow*> windows;
+    // A client may name its windows as each other's parents in a circle.
+    for (ClientWindow* window = current(); window != nullptr && !windows.contains(window);
+         window = windowOf(window->parentToplevel())) {
+        if (window->isMapped()) {
+            windows.prepend(window);
+        }
+    }
+    return windows;
+}
+
+ClientWindow* WindowStack::windowOfPopup(const ClientPopup* popup) const
+{
+    const QWaylandXdgSurface* ancestor = popup->parentXdgSurface();
+    for (int steps = 0; ancestor != nullptr && steps <= mPopups.size(); ++steps) {
+        if (ancestor->toplevel() != nullptr) {
+            return windowOf(ancestor->toplevel());
+        }
+        const auto parent = std::find_if(mPopups.cbegin(), mPopups.cend(), [ancestor](const ClientPopup* other) {
+            return other->xdgSurface() == ancestor;
+        });
+        ancestor = parent == mPopups.cend() ? nullptr : (*parent)->parentXdgSurface();
+    }
+    return nullptr;
+}
+
+QVector<ClientPopup*> WindowStack::visiblePopups() const
+{
+    const QVector<ClientWindow*> windows = visibleWindows();
+    QVector<ClientPopup*> popups;
+    for (ClientPopup* popup : mPopups) {
+        ClientWindow* const window = windowOfPopup(popup);
+        if (popup->isOpen() && window != nullptr && windows.contains(window)) {
+            popups.append(popup);
+        }
+    }
+    return popups;
+}
+
+QRect WindowStack::frameOf(const ClientWindow* window) const
+{
+    const QSize size = window->windowGeometry().size();
+    const QRect area = mOutput.workArea();
+    const QPoint margin((area.width() - size.width()) / 2, (area.height() - size.height()) / 2);
+    return {area.topLeft() + QPoint(qMax(0, margin.x()), qMax(0, margin.y())), size};
+}
+
+/// Where the window geometry begins on the output.
+QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
+{
+    QPoint origin;
+    for (int steps = 0; xdgSurface != nullptr && steps <= mPopups.size(); ++steps) {
+        if (const ClientWindow* const window = windowOf(xdgSurface->toplevel())) {
+            return origin + frameOf(window).topLeft();
+        }
+        const auto popup = std::find_if(mPopups.cbegin(), mPopups.cend(), [xdgSurface](const ClientPopup* other) {
+            return other->xdgSurface() == xdgSurface;
+        });
+        if (popup == mPopups.cend()) {
+            break;
+        }
+        origin += (*popup)->position();
+        xdgSurface = (*popup)->parentXdgSurface();
+    }
+    return origin + mOutput.workArea().topLeft();
+}
+
+QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
+{
+    return xdgSurface == nullptr ? QPoint()
+                                 : originOf(xdgSurface) - ClientBounds::bounded(xdgSurface->windowGeometry()).topLeft();
+}
+
+WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
+{
+    Hit hit;
+    const QVector<ClientPopup*> popups = visiblePopups();
+    for (auto popup = popups.crbegin(); popup != popups.crend(); ++popup) {
+        hit.surface = (*popup)->surface()->surfaceAt(position - surfacePosition((*popup)->xdgSurface()), &hit.position);
+        if (hit.surface != nullptr) {
+            hit.window = windowOfPopup(*popup);
+            return hit;
+        }
+    }
+    // Only the topmost window takes input: what lies beneath it waits for its dialog.
+    ClientWindow* const window = current();
+    if (window != nullptr && window->surface() != nullptr && mOutput.workArea().contains(position.toPoint())) {
+        hit.surface = window->surface()->surfaceAt(position - surfacePosition(window->xdgSurface()), &hit.position);
+        hit.window = hit.surface == nullptr ? nullptr : window;
+    }
+    return hit;
+}
+
+void WindowStack::dismissPopups()
+{
+    for (auto popup = mPopups.crbegin(); popup != mPopups.crend(); ++popup) {
+        (*popup)->dismiss();
+    }
+    if (!mPopups.isEmpty()) {
+        mScene.damageAll();
+        Q_EMIT arrangementChanged();
+    }
+}
+
+void WindowStack::sendFrameCallbacks()
+{
+    for (const ClientWindow* window : visibleWindows()) {
+        if (window->surface() != nullptr) {
+            window->surface()->sendFrameCallbacks();
+        }
+    }
+    for (const ClientPopup* popup : visiblePopups()) {
+        popup->surface()->sendFrameCallbacks();
+    }
+}
+
+void WindowStack::paint(QPainter* painter) const
+{
+    painter->setClipRect(mOutput.workArea(), Qt::IntersectClip);
+    const QVector<ClientWindow*> windows = visibleWindows();
+    for (const ClientWindow* window : windows) {
+        if (window->surface() == nullptr) {
+            continue;
+        }
+        if (window != windows.first()) {
+            painter->fillRect(mOutput.workArea(), QColor(0, 0, 0, 110));
+        }
+        window->surface()->paint(painter, surfacePosition(window->xdgSurface()));
+    }
+    for (const ClientPopup* popup : visiblePopups()) {
+        popup->surface()->paint(painter, surfacePosition(popup->xdgSurface()));
+    }
+}
+
+void WindowStack::configureAll()
+{
+    const ClientWindow* const active = current();
+    for (ClientWindow* window : qAsConst(mWindows)) {
+        window->configure(mOutput.workArea().size(), mOutput.isFullScreen(), window == active);
+    }
+}
+
+void WindowStack::handleCurrentChanged()
+{
+    dismissPopups();
+    configureAll();
+    mScene.damageAll();
+    Q_EMIT arrangementChanged();
+}
+
+void WindowStack::handleCommit(const QObject* source)
+{
+    const auto isSource = [source](const QObject* other) {
+        return other == source;
+    };
+    const QVector<ClientWindow*> windows = visibleWindows();
+    const QVector<ClientPopup*> popups = visiblePopups();
+    if (std::any_of(windows.cbegin(), windows.cend(), isSource)
+        || std::any_of(popups.cbegin(), popups.cend(), isSource)) {
+        mScene.damage(QRegion());
+    }
+}
+
+void WindowStack::updateContents()
+{
+    QRegion damage;
+    QVector<QRect> arrangement;
+    const auto update = [&](ClientSurface* surface, const QWaylandXdgSurface* xdgSurface) {
+        const QRegion changed = surface->update();
+        const QPoint position = surfacePosition(xdgSurface);
+        damage |= changed.translated(position);
+        arrangement.append(QRect(position, surface->size()));
+    };
+    for (const ClientWindow* window : visibleWindows()) {
+        if (window->surface() != nullptr) {
+            update(window->surface(), window->xdgSurface());
+        }
+    }
+    for (const ClientPopup* popup : visiblePopups()) {
+        update(popup->surface(), popup->xdgSurface());
+    }
+
+    if (arrangement != mArrangement) {
+        mArrangement = arrangement;
+        damage = mOutput.rect();
+        Q_EMIT arrangementChanged();
+    }
+    if (!damage.isEmpty()) {
+        mScene.damage(damage & mOutput.workArea());
+    }
+}

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "state/ViewList.h"
+
+#include <algorithm>
+
+const View* ViewList::find(const QString& uuid) const
+{
+    const auto found = std::find_if(mViews.cbegin(), mViews.cend(), [&uuid](const View& view) {
+        return view.uuid == uuid;
+    });
+    return found == mViews.cend() ? nullptr : &*found;
+}
+
+View* ViewList::find(const QString& uuid)
+{
+    const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
+        return view.uuid == uuid;
+    });
+    return found == mViews.end() ? nullptr : &*found;
+}
+
+bool ViewList::setCurrent(const QString& uuid)
+{
+    if (uuid.isEmpty() || !mRecent.contains(uuid)) {
+        return false;
+    }
+    if (uuid != current()) {
+        mRecent.removeOne(uuid);
+        mRecent.append(uuid);
+        Q_EMIT viewsChanged();
+        Q_EMIT currentChanged();
+    }
+    return true;
+}
+
+void ViewList::add(View view)
+{
+    view.sortIndex = nextSortIndex(view.appId);
+    mViews.append(view);
+    mRecent.append(view.uuid);
+    Q_EMIT viewsChanged();
+    Q_EMIT currentChanged();
+}
+
+void ViewList::remove(const QString& uuid)
+{
+    const QString oldCurrent = current();
+    const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
+        return view.uuid == uuid;
+    });
+    if (found == mViews.end()) {
+        return;
+    }
+    mViews.erase(found);
+    mRecent.removeOne(uuid);
+    Q_EMIT viewsChanged();
+    if (current() != oldCurrent) {
+        Q_EMIT currentChanged();
+    }
+}
+
+void ViewList::setAppId(const QString& uuid, const QString& appId)
+{
+    View* view = find(uuid);
+    if (view != nullptr && view->appId != appId) {
+        const quint32 sortIndex = nextSortIndex(appId);
+        view->appId = appId;
+        view->sortIndex = sortIndex;
+        Q_EMIT viewsChanged();
+    }
+}
+
+void ViewList::setTitle(const QString& uuid, const QString& title)
+{
+    assign(uuid, &View::title, title);
+}
+
+void ViewList::setSize(const QString& uuid, const QSize& size)
+{
+    assign(uuid, &View::size, size);
+}
+
+void ViewList::setDialog(const QString& uuid, bool isDialog)
+{
+    assign(uuid, &View::isDialog, isDialog);
+}
+
+void ViewList::setResponding(const QString& uuid, bool isResponding)
+{
+    assign(uuid, &View::isResponding, isResponding);
+}
+
+quint32 ViewList::nextSortIndex(const QString& appId) const
+{
+    quint32 next = 0;
+    for (const View& view : mViews) {
+        if (view.appId == appId) {
+            next = std::max(next, view.sortIndex + 1);
+        }
+    }
+    return next;
+}
+
+template <typename Value> void ViewList::assign(const QString& uuid, Value View::*member, const Value& value)
+{
+    View* view = find(uuid);
+    if (view != nullptr && view->*member != value) {
+        view->*member = value;
+        Q_EMIT viewsChanged();
+    }
+}

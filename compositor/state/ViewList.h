@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "state/View.h"
+
+#include <QObject>
+#include <QStringList>
+#include <QVector>
+
+/// All views in the order of their appearance, and which of them is the current one.
+class ViewList : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    const QVector<View>& views() const
+    {
+        return mViews;
+    }
+    /// Null when there is no such view.
+    const View* find(const QString& uuid) const;
+
+    /// Empty when there is no view.
+    QString current() const
+    {
+        return mRecent.isEmpty() ? QString() : mRecent.last();
+    }
+    const View* currentView() const
+    {
+        return find(current());
+    }
+    /// False, and nothing changed, when there is no such view.
+    bool setCurrent(const QString& uuid);
+
+    /// Adds \a view as the current one, with the next sort index of its application.
+    void add(View view);
+    /// When the current view is removed, the one that was current before it follows.
+    void remove(const QString& uuid);
+
+    void setAppId(const QString& uuid, const QString& appId);
+    void setTitle(const QString& uuid, const QString& title);
+    void setSize(const QString& uuid, const QSize& size);
+    void setDialog(const QString& uuid, bool isDialog);
+    void setResponding(const QString& uuid, bool isResponding);
+
+Q_SIGNALS:
+    /// Comes before currentChanged() when both change.
+    void viewsChanged();
+    void currentChanged();
+
+private:
+    View* find(const QString& uuid);
+    quint32 nextSortIndex(const QString& appId) const;
+    template <typename Value> void assign(const QString& uuid, Value View::*member, const Value& value);
+
+    QVector<View> mViews;
+    /// The uuids, the most recently current one at the end.
+    QStringList mRecent;
+};
