@@ -3,12 +3,14 @@
 #include "CommandLine.h"
 
 #include "script/ScriptFile.h"
+#include "state/Limits.h"
 
 #include <QRegularExpression>
 
 namespace {
+
 constexpr int cSmallestEdge = 64;
-constexpr int cLargestEdge = 8192;
+
 } // namespace
 
 CommandLine::CommandLine(const QStringList& arguments)
@@ -93,12 +95,12 @@ void CommandLine::setSize(const QString& text)
     static const QRegularExpression pattern(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
     const QRegularExpressionMatch match = pattern.match(text);
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
-    if (!match.hasMatch() || size.boundedTo({cLargestEdge, cLargestEdge}) != size
+    if (!match.hasMatch() || size.boundedTo({Limits::cLargestEdge, Limits::cLargestEdge}) != size
         || size.expandedTo({cSmallestEdge, cSmallestEdge}) != size) {
         refuse(QStringLiteral("\"%1\" is not a size: WIDTHxHEIGHT is expected, each from %2 to %3")
                    .arg(text)
                    .arg(cSmallestEdge)
-                   .arg(cLargestEdge));
+                   .arg(Limits::cLargestEdge));
         return;
     }
     mSize = size;

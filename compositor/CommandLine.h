@@ -21,7 +21,7 @@ public:
         Refuse
     };
 
-    /// \a arguments are those after the program's name.
+    /// `arguments` are those after the program's name.
     explicit CommandLine(const QStringList& arguments);
 
     Task task() const

@@ -14,6 +14,7 @@
 #include <mutex>
 
 namespace {
+
 /// A client that is wrong can be wrong a hundred thousand times a second.
 constexpr int cMostLinesPerSecond = 50;
 
@@ -66,6 +67,7 @@ void handleWaylandMessage(const char* format, va_list arguments)
     std::vsnprintf(text, sizeof(text), format, arguments);
     writeBounded(text);
 }
+
 } // namespace
 
 void Log::install()

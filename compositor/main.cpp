@@ -13,6 +13,7 @@
 #include <cstdio>
 
 namespace {
+
 constexpr int cExitFailed = 1;
 constexpr int cExitWrongUsage = 2;
 
@@ -67,6 +68,7 @@ int run(int argc, char* argv[], const CommandLine& commandLine)
     std::fflush(stdout);
     return QGuiApplication::exec();
 }
+
 } // namespace
 
 int main(int argc, char* argv[])

@@ -9,6 +9,7 @@ struct QMetaObject;
 
 /// The interfaces of the compositor's objects, as their introspection files describe them.
 namespace BusInterfaces {
+
 struct Interface
 {
     QString name;
@@ -24,4 +25,5 @@ const Interface* find(const QString& name);
 
 /// The interface that an adaptor is for.
 QString nameOf(const QMetaObject* adaptor);
+
 } // namespace BusInterfaces

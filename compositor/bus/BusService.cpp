@@ -7,6 +7,7 @@
 #include <QDebug>
 
 namespace {
+
 const auto cBus = QStringLiteral(TELVARO_BUS);
 const auto cServiceName = QStringLiteral(TELVARO_SERVICE_NAME);
 const auto cNotificationName = QStringLiteral("org.freedesktop.Notifications");
@@ -22,6 +23,7 @@ bool requestName(const QDBusConnection& connection, const QString& name)
         name, QDBusConnectionInterface::DontQueueService, QDBusConnectionInterface::DontAllowReplacement);
     return reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
+
 } // namespace
 
 BusService::BusService(QObject* parent)

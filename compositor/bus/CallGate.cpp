@@ -11,6 +11,7 @@
 #include <QTimer>
 
 namespace {
+
 BusCall describe(const QString& interface, const QDBusMessage& message)
 {
     if (interface != QLatin1String("org.freedesktop.DBus.Properties")) {
@@ -21,6 +22,7 @@ BusCall describe(const QString& interface, const QDBusMessage& message)
     return {isWrite ? BusCall::Kind::Write : BusCall::Kind::Read, message.arguments().value(0).toString(),
             message.arguments().value(1).toString()};
 }
+
 } // namespace
 
 bool CallGate::admit(const QDBusAbstractAdaptor& adaptor, int methodIndex)

@@ -25,7 +25,7 @@ public:
         return mFaults;
     }
 
-    /// To be asked before \a adaptor executes the method; false when it must not.
+    /// To be asked before `adaptor` executes the method; false when it must not.
     bool admit(const QDBusAbstractAdaptor& adaptor, int methodIndex);
 
     /// Calls an object of this program as another program would, past all faults; answers the reply.

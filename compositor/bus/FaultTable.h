@@ -33,7 +33,7 @@ public:
     void add(const CallFault& fault);
     /// Ends those that were made for just these calls.
     void remove(const CallPattern& calls);
-    /// The fault for \a call, which is counted; of several, the one that was added last.
+    /// The fault for `call`, which is counted; of several, the one that was added last.
     std::optional<CallFault> take(const BusCall& call);
 
 private:

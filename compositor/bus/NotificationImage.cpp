@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "bus/NotificationImage.h"
 
+#include "state/Limits.h"
+
 #include <QDBusArgument>
 #include <QFileInfo>
 #include <QIcon>
@@ -10,8 +12,8 @@
 #include <QUrl>
 
 namespace {
+
 constexpr qint64 cLargestFile = 16 * 1024 * 1024;
-constexpr int cLargestEdge = 8192;
 
 QImage scaled(const QImage& image, int size)
 {
@@ -30,7 +32,7 @@ QImage loadFile(const QString& path, int size)
     }
     QImageReader reader(path);
     const QSize full = reader.size();
-    if (!full.isValid() || full.width() > cLargestEdge || full.height() > cLargestEdge) {
+    if (!full.isValid() || full.width() > Limits::cLargestEdge || full.height() > Limits::cLargestEdge) {
         return {};
     }
     if (full.width() > size || full.height() > size) {
@@ -47,6 +49,7 @@ QImage tinted(QImage image)
     painter.fillRect(image.rect(), Qt::white);
     return image;
 }
+
 } // namespace
 
 QImage NotificationImage::load(const QString& source, int size)
@@ -91,7 +94,7 @@ QImage NotificationImage::fromHint(const QVariant& hint, int size)
     argument >> width >> height >> rowStride >> hasAlpha >> bitsPerSample >> channels >> data;
     argument.endStructure();
 
-    const bool isPlausible = width > 0 && width <= cLargestEdge && height > 0 && height <= cLargestEdge
+    const bool isPlausible = width > 0 && width <= Limits::cLargestEdge && height > 0 && height <= Limits::cLargestEdge
         && bitsPerSample == 8 && channels == (hasAlpha ? 4 : 3) && rowStride >= width * channels;
     // The last row may lack its padding.
     if (!isPlausible || data.size() < qint64(rowStride) * (height - 1) + qint64(width) * channels) {

@@ -10,10 +10,10 @@
 class NotificationImage
 {
 public:
-    /// \a source is a name of the icon theme, an absolute path or a file:// address. Null when there is no such
+    /// `source` is a name of the icon theme, an absolute path or a file:// address. Null when there is no such
     /// picture.
     static QImage load(const QString& source, int size);
-    /// \a hint is the structure (iiibiiay) of the hint "image-data". Null when it is something else or contradicts
+    /// `hint` is the structure (iiibiiay) of the hint "image-data". Null when it is something else or contradicts
     /// itself.
     static QImage fromHint(const QVariant& hint, int size);
 };

@@ -6,15 +6,15 @@
 #include "bus/GatedAdaptor.h"
 #include "bus/NotificationImage.h"
 #include "shell/Theme.h"
+#include "state/Limits.h"
 #include "state/NotificationCenter.h"
 
 #include <QDBusError>
 #include <QRegularExpression>
 
 namespace {
+
 constexpr int cDefaultTimeoutMilliseconds = 5000;
-constexpr int cIconSize = 40;
-constexpr int cActionIconSize = 20;
 constexpr int cLongestSummary = 500;
 constexpr int cLongestBody = 2000;
 constexpr int cLongestAction = 500;
@@ -43,19 +43,19 @@ QString plainBody(QString body)
 QImage iconOf(const QVariantMap& hints, const QString& appIcon)
 {
     for (const auto& key : {QStringLiteral("image-data"), QStringLiteral("image_data")}) {
-        const QImage image = NotificationImage::fromHint(hints.value(key), cIconSize);
+        const QImage image = NotificationImage::fromHint(hints.value(key), Limits::cNotificationIconSize);
         if (!image.isNull()) {
             return image;
         }
     }
     for (const QString& source : {hints.value(QStringLiteral("image-path")).toString(),
                                   hints.value(QStringLiteral("image_path")).toString(), appIcon}) {
-        const QImage image = NotificationImage::load(source, cIconSize);
+        const QImage image = NotificationImage::load(source, Limits::cNotificationIconSize);
         if (!image.isNull()) {
             return image;
         }
     }
-    return NotificationImage::fromHint(hints.value(QStringLiteral("icon_data")), cIconSize);
+    return NotificationImage::fromHint(hints.value(QStringLiteral("icon_data")), Limits::cNotificationIconSize);
 }
 
 /// The list holds a key and a label by turns; a key without a label is its own label.
@@ -70,12 +70,13 @@ QVector<Notification::Action> actionsOf(const QStringList& list, bool keysAreIco
             continue;
         }
         if (keysAreIcons) {
-            action.icon = NotificationImage::load(action.key, cActionIconSize);
+            action.icon = NotificationImage::load(action.key, Limits::cActionIconSize);
         }
         actions.append(action);
     }
     return actions;
 }
+
 } // namespace
 
 NotificationsObject::NotificationsObject(NotificationCenter& center, CallGate& gate, QObject* parent)

@@ -8,10 +8,12 @@
 #include <QDBusMetaType>
 
 namespace {
+
 QString signatureOf(int type)
 {
     return QString::fromLatin1(QDBusMetaType::typeToSignature(type));
 }
+
 } // namespace
 
 PropertiesAdaptor::PropertiesAdaptor(QObject* object)

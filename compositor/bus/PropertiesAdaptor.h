@@ -19,7 +19,7 @@ class PropertiesAdaptor : public QDBusAbstractAdaptor
     Q_CLASSINFO("D-Bus Introspection", "")
 
 public:
-    /// \a object also derives from QDBusContext.
+    /// `object` also derives from QDBusContext.
     explicit PropertiesAdaptor(QObject* object);
 
 public Q_SLOTS:

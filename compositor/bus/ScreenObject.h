@@ -28,10 +28,10 @@ public:
     bool screenSaverEnabled() const;
     void setScreenSaverEnabled(bool enabled);
     int screenSaverTimeoutSeconds() const;
-    /// Answers with an error when \a seconds is negative.
+    /// Answers with an error when `seconds` is negative.
     void setScreenSaverTimeoutSeconds(int seconds);
     QString orientation() const;
-    /// Answers with an error when \a orientation is not one of those that there are.
+    /// Answers with an error when `orientation` is not one of those that there are.
     void setOrientation(const QString& orientation);
     bool fullScreen() const;
     void setFullScreen(bool fullScreen);

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 namespace {
+
 constexpr char cInvalidArgs[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr char cFileNotFound[] = "org.freedesktop.DBus.Error.FileNotFound";
 constexpr char cAccessDenied[] = "org.freedesktop.DBus.Error.AccessDenied";
@@ -38,6 +39,7 @@ bool writeAll(int descriptor, const QByteArray& data)
     }
     return true;
 }
+
 } // namespace
 
 ScreenshotFile::ScreenshotFile(const QString& directory)

@@ -11,8 +11,10 @@
 #include <QDBusMetaType>
 
 namespace {
+
 constexpr int cSmallestDistanceMilliseconds = 20;
-}
+
+} // namespace
 
 TaskSwitcherObject::TaskSwitcherObject(ViewList& views, CallGate& gate, QObject* parent)
     : QObject(parent)

@@ -15,6 +15,7 @@
 
 /// What a script tells the compositor to do, and when.
 namespace Script {
+
 struct AddView
 {
     View view;
@@ -83,4 +84,5 @@ struct Plan
     QString fileName;
     std::vector<Step> steps;
 };
+
 } // namespace Script

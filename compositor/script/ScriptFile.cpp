@@ -18,6 +18,7 @@
 #include <limits>
 
 namespace {
+
 constexpr double cMostSeconds = 1000000;
 constexpr int cLongestErrorName = 255;
 
@@ -53,7 +54,7 @@ QString toText(const QString& where, const QJsonValue& value)
     return value.toString();
 }
 
-/// \a Number is a whole number's type.
+/// `Number` is a whole number's type.
 template <typename Number> Number toNumber(const QString& where, const QJsonValue& value, Number smallest)
 {
     constexpr Number largest = std::numeric_limits<Number>::max();
@@ -196,7 +197,7 @@ public:
         return toNumber<int>(where(key), take(key), 1);
     }
 
-    /// The one of \a keys that is there.
+    /// The one of `keys` that is there.
     QString choose(const QStringList& keys) const
     {
         QStringList found;
@@ -549,6 +550,7 @@ QJsonArray parse(const QByteArray& content)
     }
     return document.array();
 }
+
 } // namespace
 
 std::variant<Script::Plan, ScriptFile::Error> ScriptFile::read(const QString& fileName)

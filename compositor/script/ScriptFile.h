@@ -10,6 +10,7 @@
 
 /// Reads scripts.
 namespace ScriptFile {
+
 struct Error
 {
     QString text;
@@ -17,4 +18,5 @@ struct Error
 
 /// An error says what is wrong with which part of the file.
 std::variant<Script::Plan, Error> read(const QString& fileName);
+
 } // namespace ScriptFile

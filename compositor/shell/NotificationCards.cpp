@@ -4,20 +4,20 @@
 
 #include "shell/Scene.h"
 #include "shell/Theme.h"
+#include "state/Limits.h"
 #include "state/NotificationCenter.h"
 #include "state/Output.h"
 
 #include <QPainter>
 
 namespace {
+
 constexpr int cWidth = 360;
 constexpr int cMargin = 12;
 constexpr int cPadding = 14;
 constexpr int cSpacing = 10;
 constexpr int cRadius = 12;
-constexpr int cIconSize = 40;
 constexpr int cButtonHeight = 36;
-constexpr int cButtonIconSize = 20;
 constexpr int cButtonsPerRow = 3;
 constexpr int cSummaryLines = 2;
 constexpr int cBodyLines = 4;
@@ -33,6 +33,7 @@ QFont bodyFont()
 {
     return Theme::font(14);
 }
+
 } // namespace
 
 NotificationCards::NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent)
@@ -105,10 +106,10 @@ NotificationCards::Card NotificationCards::layOutCard(const Notification& notifi
     int textWidth = width - 2 * cPadding;
     int bottom = content.y();
     if (!notification.icon.isNull()) {
-        card.iconRect = QRect(content, QSize(cIconSize, cIconSize));
-        textLeft += cIconSize + cPadding;
-        textWidth -= cIconSize + cPadding;
-        bottom += cIconSize;
+        card.iconRect = QRect(content, QSize(Limits::cNotificationIconSize, Limits::cNotificationIconSize));
+        textLeft += Limits::cNotificationIconSize + cPadding;
+        textWidth -= Limits::cNotificationIconSize + cPadding;
+        bottom += Limits::cNotificationIconSize;
     }
     textWidth = qMax(1, textWidth);
 
@@ -237,7 +238,7 @@ void NotificationCards::paintButton(QPainter* painter, const Button& button) con
     painter->setBrush(Theme::cButton);
     painter->drawRoundedRect(button.rect, 8, 8);
     if (!button.action.icon.isNull()) {
-        QRect target(0, 0, cButtonIconSize, cButtonIconSize);
+        QRect target(0, 0, Limits::cActionIconSize, Limits::cActionIconSize);
         target.moveCenter(button.rect.center());
         painter->drawImage(target, button.action.icon);
         return;

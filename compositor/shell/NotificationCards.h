@@ -22,7 +22,7 @@ public:
     NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent = nullptr);
 
     bool contains(const QPoint& position);
-    /// True when \a position is on a card: then the press is meant for it.
+    /// True when `position` is on a card: then the press is meant for it.
     bool press(const QPoint& position);
     /// Does what was pressed, if the pointer is still there.
     void release(const QPoint& position);

@@ -13,8 +13,10 @@
 #include <QWheelEvent>
 
 namespace {
+
 constexpr int cFrameMilliseconds = 16;
-}
+
+} // namespace
 
 OutputWindow::OutputWindow(Output& output, Scene& scene)
     : mOutput(output)

@@ -10,6 +10,7 @@
 #include <QTextLayout>
 
 namespace {
+
 constexpr int cLargestFont = 44;
 constexpr int cSmallestFont = 13;
 constexpr int cRadius = 18;
@@ -41,6 +42,7 @@ Fit fit(const QString& message, const QSizeF& room)
         }
     }
 }
+
 } // namespace
 
 OverlayPanel::OverlayPanel(const Output& output, Scene& scene, QObject* parent)

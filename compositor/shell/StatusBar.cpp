@@ -11,9 +11,11 @@
 #include <QTime>
 
 namespace {
+
 constexpr int cMargin = 14;
 constexpr int cClockWidth = 60;
 constexpr int cLongestTitle = 400;
+
 } // namespace
 
 StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, QObject* parent)

@@ -15,8 +15,10 @@
 #include <algorithm>
 
 namespace {
+
 /// Of one client. Finding the place of one takes a step for each that it hangs on.
 constexpr int cMostPopups = 50;
+
 } // namespace
 
 WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)

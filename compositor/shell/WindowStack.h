@@ -40,7 +40,7 @@ public:
 
     /// Null when there is no view.
     ClientWindow* current() const;
-    /// What takes input at \a position; all null when nothing does.
+    /// What takes input at `position`; all null when nothing does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
     /// Tells the clients that their contents have been shown.

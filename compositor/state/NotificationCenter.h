@@ -31,7 +31,7 @@ public:
     /// The oldest first.
     QVector<Notification> notifications() const;
 
-    /// Takes the place of the notification \a replacesId if that is still there, else gets a new id. Answers the id.
+    /// Takes the place of the notification `replacesId` if that is still there, else gets a new id. Answers the id.
     quint32 notify(Notification notification, quint32 replacesId);
     /// False when there is no such notification.
     bool close(quint32 id, CloseReason reason);

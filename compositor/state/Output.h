@@ -33,7 +33,7 @@ public:
     {
         return QString::number(mRotation);
     }
-    /// False, and nothing changed, when \a orientation is none of orientations().
+    /// False, and nothing changed, when `orientation` is none of orientations().
     bool setOrientation(const QString& orientation);
     static QStringList orientations();
 

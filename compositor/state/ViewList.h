@@ -35,7 +35,7 @@ public:
     /// False, and nothing changed, when there is no such view.
     bool setCurrent(const QString& uuid);
 
-    /// Adds \a view as the current one, with the next sort index of its application.
+    /// Adds `view` as the current one, with the next sort index of its application.
     void add(View view);
     /// When the current view is removed, the one that was current before it follows.
     void remove(const QString& uuid);
