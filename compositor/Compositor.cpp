@@ -3,6 +3,8 @@
 #include "Compositor.h"
 
 #include "CommandLine.h"
+#include "wayland/ClientPopup.h"
+#include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
 
 Compositor::Compositor(const CommandLine& commandLine)
@@ -16,7 +18,7 @@ Compositor::Compositor(const CommandLine& commandLine)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
-    , mServer(mOutput, mWindow, mViews, mWindowStack)
+    , mServer(mOutput, mWindow, mViews)
     , mTaskSwitcherObject(mViews, mCallGate)
     , mScreenObject(mOutput, mScreenSaver, mCallGate)
     , mGlobalOverlayObject(mOverlayPanel, mCallGate)
@@ -29,6 +31,8 @@ Compositor::Compositor(const CommandLine& commandLine)
     mScene.addLayer(&mStatusBar);
     mScene.addLayer(&mNotificationCards);
     mScene.addLayer(&mOverlayPanel);
+    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
+    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
 }
 

@@ -26,6 +26,7 @@ SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack
         return hasPressedButton(client) && !mDrag.isActive();
     });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
+    connect(&stack, &WindowStack::currentChanged, this, &SeatInput::updateKeyboardFocus);
     connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
         mCursor.set(surface, QPoint(x, y));
     });
@@ -142,6 +143,16 @@ void SeatInput::releaseKeys()
         if (mSeat->keyboardFocus() != nullptr) {
             mSeat->sendKeyReleaseEvent(code);
         }
+    }
+}
+
+void SeatInput::updateKeyboardFocus()
+{
+    ClientWindow* const window = mStack.current();
+    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
+    mSeat->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
+    if (window != nullptr) {
+        window->ping();
     }
 }
 

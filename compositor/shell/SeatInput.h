@@ -41,6 +41,7 @@ public:
 private:
     /// True when the input has only ended the screen saver.
     bool wakesScreen();
+    void updateKeyboardFocus();
     void updatePointerFocus();
     void setPointerFocus(const WindowStack::Hit& target);
     /// Whether a press or a turn of the wheel may be sent to what has the pointer.

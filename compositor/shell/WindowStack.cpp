@@ -159,7 +159,7 @@ QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
 QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
 {
     return xdgSurface == nullptr ? QPoint()
-                                 : originOf(xdgSurface) - ClientBounds::bounded(xdgSurface->windowGeometry()).topLeft();
+                                 : originOf(xdgSurface) - ClientBounds::clamped(xdgSurface->windowGeometry()).topLeft();
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -237,6 +237,7 @@ void WindowStack::handleCurrentChanged()
     configureAll();
     mScene.damageAll();
     Q_EMIT arrangementChanged();
+    Q_EMIT currentChanged();
 }
 
 void WindowStack::handleCommit(const QObject* source)

@@ -51,6 +51,8 @@ public:
 Q_SIGNALS:
     /// Another surface may lie under the pointer.
     void arrangementChanged();
+    /// current() has changed, and all windows have been configured.
+    void currentChanged();
 
 private:
     ClientWindow* windowOf(const QWaylandXdgToplevel* toplevel) const;

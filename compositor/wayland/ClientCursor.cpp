@@ -7,8 +7,10 @@
 #include <QWindow>
 
 namespace {
+
 constexpr int cLargestEdge = 256;
-}
+
+} // namespace
 
 ClientCursor::ClientCursor(QWindow& window, QObject* parent)
     : QObject(parent)

@@ -14,6 +14,7 @@
 #include <vector>
 
 namespace {
+
 std::vector<wl_resource*> dataDevicesOf(wl_client* client)
 {
     std::vector<wl_resource*> devices;
@@ -28,11 +29,11 @@ std::vector<wl_resource*> dataDevicesOf(wl_client* client)
         &devices);
     return devices;
 }
+
 } // namespace
 
 ClientDrag::ClientDrag(QWaylandSeat* seat, RequestGuard& guard)
     : mSeat(seat)
-    , mGuard(guard)
 {
     connect(&guard, &RequestGuard::dragStarting, this, &ClientDrag::begin);
 }
@@ -40,11 +41,9 @@ ClientDrag::ClientDrag(QWaylandSeat* seat, RequestGuard& guard)
 void ClientDrag::begin(wl_resource* source)
 {
     mSource = source;
-    mGuard.watch(source, this, [this, source] {
-        if (mSource == source) {
-            leave();
-            mSource = nullptr;
-        }
+    mSourceListener = std::make_unique<ResourceListener>(source, [this] {
+        leave();
+        mSource = nullptr;
     });
 }
 
@@ -62,31 +61,37 @@ void ClientDrag::drop()
 {
     mSeat->drag()->drop();
     mSource = nullptr;
-    mTarget = nullptr;
+    mSourceListener.reset();
+    setTarget(nullptr);
 }
 
 void ClientDrag::leave()
 {
     mSeat->drag()->cancelDrag();
-    mTarget = nullptr;
+    setTarget(nullptr);
 }
 
-/// False when the client does not listen to drags.
+/// Returns false when the client has no wl_data_device.
 bool ClientDrag::follow(wl_client* client)
 {
     if (client == mTarget) {
         return true;
     }
     const std::vector<wl_resource*> devices = dataDevicesOf(client);
+    if (devices.empty()) {
+        return false;
+    }
+    setTarget(client);
     for (wl_resource* device : devices) {
-        mGuard.watch(device, this, [this, client] {
-            if (mTarget == client) {
-                leave();
-            }
-        });
+        mTargetListeners.push_back(std::make_unique<ResourceListener>(device, [this] {
+            leave();
+        }));
     }
-    if (!devices.empty()) {
-        mTarget = client;
-    }
-    return !devices.empty();
+    return true;
+}
+
+void ClientDrag::setTarget(wl_client* client)
+{
+    mTarget = client;
+    mTargetListeners.clear();
 }

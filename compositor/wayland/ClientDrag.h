@@ -2,8 +2,13 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ResourceListener.h"
+
 #include <QObject>
 #include <QPointF>
+
+#include <memory>
+#include <vector>
 
 class QWaylandSeat;
 class QWaylandSurface;
@@ -11,9 +16,8 @@ class RequestGuard;
 struct wl_client;
 struct wl_resource;
 
-/// What a client drags, from the begin to the drop. Qt's own keeps pointers to objects that the clients may end at any
-/// time, and takes every client under the pointer for one that wants to know; here it is only asked to touch what is
-/// there.
+/// One drag and drop. QWaylandDrag keeps raw pointers to objects of the clients; this calls it only while they exist
+/// and the client under the pointer has a wl_data_device.
 class ClientDrag : public QObject
 {
     Q_OBJECT
@@ -32,10 +36,12 @@ private:
     void begin(wl_resource* source);
     void leave();
     bool follow(wl_client* client);
+    void setTarget(wl_client* client);
 
     QWaylandSeat* mSeat;
-    RequestGuard& mGuard;
     wl_resource* mSource = nullptr;
-    /// The client that the drag is over, if it takes part.
+    std::unique_ptr<ResourceListener> mSourceListener;
+    /// The client under the pointer, if it has a wl_data_device.
     wl_client* mTarget = nullptr;
+    std::vector<std::unique_ptr<ResourceListener>> mTargetListeners;
 };

@@ -8,13 +8,14 @@
 #include <utility>
 
 namespace {
+
 constexpr int cPatienceMilliseconds = 3000;
 constexpr int cIntervalMilliseconds = 1000;
 constexpr int cEventsPerPing = 32;
-/// A connection takes some 250 small messages.
+/// Half of the small events that a connection buffers.
 constexpr int cMostUnconfirmed = 128;
 
-/// A client that has broken the protocol may have lost its shell object and still be there for a moment.
+/// Whether the client has an xdg_wm_base. One that has broken the protocol may have lost it before it is disconnected.
 bool hasShell(wl_client* client)
 {
     bool found = false;
@@ -30,6 +31,7 @@ bool hasShell(wl_client* client)
         &found);
     return found;
 }
+
 } // namespace
 
 ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent)

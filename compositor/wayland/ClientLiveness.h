@@ -9,8 +9,8 @@
 #include <QWaylandClient>
 #include <QWaylandXdgShell>
 
-/// Finds out whether a client still takes part: it is asked from time to time, when there is an occasion, and has to
-/// answer.
+/// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. Pings are
+/// sent on occasions, not on a timer: an idle client is left alone.
 class ClientLiveness : public QObject
 {
     Q_OBJECT
@@ -23,15 +23,15 @@ public:
         return mResponding;
     }
 
-    /// Asks the client for a sign of life, unless it owes one already.
+    /// Sends a ping, unless a pong is already due.
     void ping();
-    /// To be called before an event that may come in any number. False when the client has left so many unread that
-    /// it must not be sent: its connection would fill, and the compositor's end of it would cut it.
+    /// Must be asked before an input or configure event. Returns false when the client does not respond or has left
+    /// too many events unread: libwayland disconnects a client whose connection is full.
     bool admitEvent();
 
 Q_SIGNALS:
     void respondingChanged();
-    /// The client has read again after events were held back from it.
+    /// The client has responded after admitEvent() had returned false.
     void caughtUp();
 
 private:
@@ -43,7 +43,7 @@ private:
     bool mWaiting = false;
     bool mResponding = true;
     uint mSerial = 0;
-    /// Events that the client has not shown to have read, and those of them that came after the last ping.
+    /// Events that no pong has confirmed as read, and those of them sent after the last ping.
     int mUnconfirmed = 0;
     int mSincePingCount = 0;
     bool mHeldBack = false;

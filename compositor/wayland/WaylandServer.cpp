@@ -2,7 +2,6 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/WaylandServer.h"
 
-#include "shell/WindowStack.h"
 #include "state/Output.h"
 #include "state/ViewList.h"
 #include "wayland/ClientLiveness.h"
@@ -19,11 +18,12 @@
 #include <wayland-server.h>
 
 namespace {
+
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
 
-/// Keeps Qt from finding the plugins that take buffers in a GPU's memory. There would be nothing to paint them with,
-/// and a client that does not find them uses shared memory.
+/// Hides Qt's plugins for client buffers in a GPU's memory. Only shared memory can be painted, and without those
+/// globals that is what clients use.
 class WithoutPlugins
 {
 public:
@@ -44,7 +44,7 @@ private:
 
 QWaylandOutput::Transform transformOf(const Output& output)
 {
-    // Wayland counts the turn of the contents anticlockwise.
+    // wl_output.transform counts anticlockwise.
     switch (output.rotation()) {
     case 90:
         return QWaylandOutput::Transform270;
@@ -56,37 +56,36 @@ QWaylandOutput::Transform transformOf(const Output& output)
         return QWaylandOutput::TransformNormal;
     }
 }
+
 } // namespace
 
-WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& views, WindowStack& stack)
-    : mGeometry(output)
+WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& views)
+    : mOutput(output)
     , mViews(views)
-    , mStack(stack)
-    , mOutput(this, &window)
+    , mWaylandOutput(this, &window)
     , mShell(this)
     , mGuard(*this, mShell)
     , mViewporter(this)
 {
     setUseHardwareIntegrationExtension(false);
-    mOutput.setSizeFollowsWindow(false);
-    mOutput.setManufacturer(QStringLiteral("Telvaro"));
-    mOutput.setModel(QStringLiteral("Reference display"));
+    mWaylandOutput.setSizeFollowsWindow(false);
+    mWaylandOutput.setManufacturer(QStringLiteral("Telvaro"));
+    mWaylandOutput.setModel(QStringLiteral("Reference display"));
     mShell.setFocusPolicy(QWaylandShell::ManualFocus);
     mDecorations.setPreferredMode(QWaylandXdgToplevel::ServerSideDecoration);
     mDecorations.setExtensionContainer(this);
 
     connect(this, &QWaylandCompositor::surfaceCreated, this, [this](QWaylandSurface* surface) {
-        new ClientSurface(surface, this);
+        new ClientSurface(surface, recordOf(surface->client()).budget, this);
     });
     connect(&mShell, &QWaylandXdgShell::toplevelCreated, this, &WaylandServer::addWindow);
     connect(&mShell, &QWaylandXdgShell::popupCreated, this, &WaylandServer::addPopup);
-    connect(&mGeometry, &Output::geometryChanged, this, &WaylandServer::describeOutput);
-    connect(&mViews, &ViewList::currentChanged, this, &WaylandServer::focusCurrent);
+    connect(&mOutput, &Output::geometryChanged, this, &WaylandServer::describeOutput);
 }
 
 WaylandServer::~WaylandServer()
 {
-    // While everything that hears of it is still there. Qt knows only of those that have asked for something.
+    // Must happen while the receivers of the signals still exist. QWaylandCompositor destroys only some clients.
     wl_display_destroy_clients(display());
 }
 
@@ -99,15 +98,15 @@ void WaylandServer::start(const QByteArray& socketName)
         create();
     }
     mGuard.start();
-    // The globals are announced by events of their own; the first client must find all of them.
+    // Qt creates globals in Polish events; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
     mDecorations.initialize();
-    mXdgOutput = std::make_unique<XdgOutput>(display(), mGeometry);
+    mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
 QWaylandSeat* WaylandServer::createSeat()
 {
-    // Touches arrive as the mouse events that Qt makes of them.
+    // Touches arrive as synthesized mouse events.
     auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
     seat->setParent(this);
     return seat;
@@ -115,50 +114,40 @@ QWaylandSeat* WaylandServer::createSeat()
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)
 {
-    ClientLiveness* const watch = watchOf(xdgSurface->surface()->client());
-    mStack.addWindow(new ClientWindow(toplevel, xdgSurface, watch, mViews, this));
-    mOutput.surfaceEnter(xdgSurface->surface());
+    ClientLiveness* const liveness = recordOf(xdgSurface->surface()->client()).liveness;
+    Q_EMIT windowCreated(new ClientWindow(toplevel, xdgSurface, liveness, mViews, this));
+    mWaylandOutput.surfaceEnter(xdgSurface->surface());
 }
 
 void WaylandServer::addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface)
 {
-    mStack.addPopup(new ClientPopup(popup, xdgSurface, this));
-    mOutput.surfaceEnter(xdgSurface->surface());
+    Q_EMIT popupCreated(new ClientPopup(popup, mGuard.newPopup(), xdgSurface, this));
+    mWaylandOutput.surfaceEnter(xdgSurface->surface());
 }
 
-ClientLiveness* WaylandServer::watchOf(QWaylandClient* client)
+const WaylandServer::ClientRecord& WaylandServer::recordOf(QWaylandClient* client)
 {
-    ClientLiveness*& watch = mWatches[client];
-    if (watch == nullptr) {
-        watch = new ClientLiveness(&mShell, client, this);
+    auto record = mClients.find(client);
+    if (record == mClients.end()) {
+        record = mClients.insert(client, {new ClientLiveness(&mShell, client, this), std::make_shared<PixelBudget>()});
         connect(client, &QObject::destroyed, this, [this, client] {
-            mWatches.remove(client);
+            mClients.remove(client);
         });
     }
-    return watch;
+    return *record;
 }
 
 void WaylandServer::describeOutput()
 {
-    const QSize size = mGeometry.physicalSize();
+    const QSize size = mOutput.physicalSize();
     const QWaylandOutputMode mode(size, cRefreshMilliHertz);
-    if (!mOutput.modes().contains(mode)) {
-        mOutput.addMode(mode, true);
+    if (!mWaylandOutput.modes().contains(mode)) {
+        mWaylandOutput.addMode(mode, true);
     }
-    mOutput.setPhysicalSize((QSizeF(size) * cMillimetresPerPixel).toSize());
-    mOutput.setTransform(transformOf(mGeometry));
-    mOutput.setCurrentMode(mode);
+    mWaylandOutput.setPhysicalSize((QSizeF(size) * cMillimetresPerPixel).toSize());
+    mWaylandOutput.setTransform(transformOf(mOutput));
+    mWaylandOutput.setCurrentMode(mode);
     if (mXdgOutput != nullptr) {
         mXdgOutput->announceSize();
-    }
-}
-
-void WaylandServer::focusCurrent()
-{
-    ClientWindow* const window = mStack.current();
-    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
-    defaultSeat()->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
-    if (window != nullptr) {
-        window->ping();
     }
 }

@@ -7,8 +7,8 @@
 
 #include <variant>
 
-/// Chooses the name of the Wayland socket and finds out beforehand whether it can be opened, because Qt Wayland
-/// Compositor ends the process when it cannot.
+/// Chooses the name of the Wayland socket and checks that it can be opened: Qt Wayland Compositor calls qFatal() when
+/// it cannot.
 class WaylandSocketName
 {
 public:
@@ -17,6 +17,6 @@ public:
         QString text;
     };
 
-    /// The name to use: \a wanted, or the first free one when that is empty.
+    /// Returns `wanted`, or the first free name when that is empty.
     static std::variant<QByteArray, Error> choose(const QByteArray& wanted);
 };
