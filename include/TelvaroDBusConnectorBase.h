@@ -21,9 +21,8 @@ class DBusConnectionParameter;
 /// If the service is absent, construction does not wait for it.
 ///
 /// A subclass must call only valid D-Bus member names and pass a valid object path: the proxy does not check them, and
-/// libdbus aborts the process on an invalid one. A message above 128 MiB closes the connection. Run the event loop once
-/// after the process has connected to the bus: if the bus daemon dies during a call before that, the call never
-/// returns.
+/// libdbus aborts the process on an invalid one. A message above 128 MiB closes the connection. If the bus daemon dies
+/// during a call before the event loop has run for the first time, the call never returns.
 class TELVARO_EXPORT TelvaroDBusConnectorBase : public QObject
 {
     Q_OBJECT

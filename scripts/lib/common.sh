@@ -8,7 +8,7 @@ log_directory=$project_directory/build/logs
 
 # Needed to build the library, the tools and the examples, and to run a session.
 build_packages=(
-    cmake g++ ninja-build pkg-config
+    cmake g++ make ninja-build pkg-config
     qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools libwayland-dev wayland-protocols
 )
 session_packages=(
@@ -20,8 +20,9 @@ test_build_packages=(
     libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
-    binutils bsdextrautils clang-format desktop-file-utils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc
-    qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
+    binutils bsdextrautils clang-format desktop-file-utils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc meson
+    python3-dbus qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
+    zsh
 )
 
 fail() {
