@@ -30,13 +30,14 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
     , mFullScreen(false)
 {
     QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // The signature keeps notifications of another one from reaching Qt's demarshaller, which does not survive them.
-    // A connection that is gone is asked first, since subscribing on it ends the process.
+    // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
+    // also aborts on a closed connection, hence isConnected().
     if (!connection.isConnected()
         || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
                                TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
                                QStringLiteral("sa{sv}as"), this,
                                SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
+        // "siganl" stays: applications may rely on the text of the log.
         qWarning() << "Failed to connect to PropertiesChanged siganl";
     }
 }
@@ -150,7 +151,7 @@ void TelvaroScreenDBusConnector::onScreenPropertiesChanged(const QString& /*name
             if (!self) {
                 return;
             }
-            // Stored after the signal, unlike the others: listeners rely on it.
+            // Stored after the emission, unlike the other two: listeners rely on it.
             mScreenSaverActive = active;
         }
     }

@@ -23,7 +23,7 @@ const QString TelvaroTaskSwitcherDBusConnector::cPropertiesChanged = QStringLite
 
 namespace {
 
-// An array of structures that begin with six strings or object paths, two integers and a{sv}.
+// Accepts an array of structures that begin with six strings or object paths, two integers and a{sv}.
 bool isSignatureOfEntries(const QString& signature)
 {
     const QLatin1String textTypes("so");
@@ -50,25 +50,25 @@ bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
     if (!signature.startsWith(QLatin1Char('a'))) {
         return false;
     }
-    // A const copy, so that the argument itself stays at its beginning; and ended, since what is begun and not ended
-    // keeps the whole message.
-    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): reading moves its place
+    // A const copy, because reading advances the argument. endArray() must follow beginArray(), or Qt leaks the
+    // message.
+    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): it is advanced
     copy.beginArray();
     const bool isEmpty = copy.atEnd();
     copy.endArray();
     return isEmpty;
 }
 
-// QDBusArgument hands a read of the wrong type to libdbus, which ends the process.
+// Checked before reading, because QDBusArgument passes a read of the wrong type on to libdbus, which aborts.
 bool isReadable(const QDBusArgument& argument)
 {
     const QString signature = argument.currentSignature();
-    // What the service sends is told at once, so that the other cases cost it nothing.
+    // Fast path: the regular signature is accepted by one comparison.
     return signature == QLatin1String("a(ssssssuua{sv})") || isSignatureOfEntries(signature)
         || isEmptyArray(argument, signature);
 }
 
-// What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
+// Like Qt's operator>> for QVariantMap, without its extra QVariant per value.
 void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
 {
     QString key;
@@ -79,7 +79,7 @@ void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
         argument.beginMapEntry();
         argument >> key >> value;
         argument.endMapEntry();
-        // Every value of a key that comes twice is kept.
+        // Keeps both values of a repeated key.
         static_cast<QMultiMap<QString, QVariant>&>(attributes).insert(key, value.variant());
     }
     argument.endMap();
@@ -97,8 +97,8 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
     qDBusRegisterMetaType<TaskSwitcherEntry>();
 
     QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // The signature keeps notifications of another one from reaching Qt's demarshaller, which does not survive them.
-    // A connection that is gone is asked first, since subscribing on it ends the process.
+    // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
+    // also aborts on a closed connection, hence isConnected().
     if (!connection.isConnected()
         || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
                                TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
@@ -110,7 +110,7 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
 
 TelvaroTaskSwitcherDBusConnector::~TelvaroTaskSwitcherDBusConnector() = default;
 
-// A warning carries the whole signature of its operation, in which compilers would leave an alias as it is.
+// The return type is spelled out, because it is part of the function name in the warnings.
 QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
 {
     QList<TaskSwitcherEntry> views;
@@ -205,7 +205,7 @@ TelvaroTaskSwitcherDBusConnector::idsToTaskSwitcherEntry(const QString& appId, u
 
 bool TelvaroTaskSwitcherDBusConnector::switchToView(const QString& appId, uint32_t sortIndex)
 {
-    // No check: setCurrentView() refuses the empty entry.
+    // The empty entry needs no check here: setCurrentView() rejects it.
     const QDBusError error = setCurrentView(idsToTaskSwitcherEntry(appId, sortIndex));
     if (error.isValid()) {
         qWarning() << "switch view failed" << error;
@@ -262,6 +262,7 @@ uint32_t TelvaroTaskSwitcherDBusConnector::processNameToPid(const QString& proce
     bool isNumber = false;
     const int pid = output.toInt(&isNumber);
     if (!isNumber) {
+        // "covert" stays: applications may rely on the text of the log.
         qWarning() << "Unable to covert string (" << output << ") to integer";
     }
     return static_cast<uint32_t>(pid);
@@ -284,7 +285,7 @@ void TelvaroTaskSwitcherDBusConnector::onPropertiesChanged(const QString& /*name
     const auto currentView = map.constFind(cCurrentViewProperty);
     if (currentView != map.constEnd()) {
         if (currentView->canConvert<QString>()) {
-            // The notified value may be outdated by now, so the bus is asked.
+            // The notified value may be outdated, so read the current one.
             Q_EMIT currentViewChanged(getCurrentView().uuid);
         } else {
             qWarning() << "Unable to convert current view to string!";
@@ -318,7 +319,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, QList<TaskSwitche
     argument.beginArray();
     entries.clear();
     while (!argument.atEnd()) {
-        // Read in place, since a copy of all its strings costs more than the list's node.
+        // Demarshal in place: copying all the strings of an entry costs more than the list's node.
         entries.append(TaskSwitcherEntry());
         argument >> entries.last();
     }

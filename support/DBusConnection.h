@@ -6,14 +6,15 @@
 
 class QString;
 
-/// The one bus connection on which the compositor service is reached.
+/// Bus connection to the compositor service, shared by all connectors.
 class DBusConnection
 {
 public:
-    /// The process's shared connection to the bus that the build names (TELVARO_BUS), so that an application's own
-    /// D-Bus code and every connector use the same one.
+    /// Returns the process's shared connection to the bus chosen at build time (TELVARO_BUS), so that every connector
+    /// and the application's own D-Bus code use the same connection.
     static QDBusConnection getQDBusConnection();
 
-    /// Asks the bus daemon, blocking, whether the name has an owner now. False without a connection to a bus.
+    /// Returns whether the name has an owner now. Sends NameHasOwner to the bus daemon and blocks until the reply.
+    /// Returns false without a connection to a bus.
     static bool isServiceRegistered(const QString& serviceName);
 };

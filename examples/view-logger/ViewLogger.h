@@ -10,16 +10,16 @@
 #include <QObject>
 #include <QString>
 
-/// Writes a line for every view that appears, leaves or becomes current, and keeps the screen saver away while one
-/// application is current.
+/// Prints a line for every view that appears, disappears or becomes current, and disables the screen saver while a view
+/// of one application is current.
 class ViewLogger : public QObject
 {
     Q_OBJECT
 
 public:
-    /// An empty id leaves the screen saver alone.
+    /// With an empty id the screen saver is never disabled.
     explicit ViewLogger(const QString& awakeAppId, QObject* parent = nullptr);
-    /// Allows the screen saver again.
+    /// Enables the screen saver again.
     ~ViewLogger() override;
 
 private:
