@@ -29,6 +29,7 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
     , mScreenSaverActive(isScreenSaverActive())
     , mFullScreen(false)
 {
+<<<<<<< HEAD
     QDBusConnection connection = DBusConnection::getQDBusConnection();
     // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
     // also aborts on a closed connection, hence isConnected().
@@ -38,6 +39,12 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
                                QStringLiteral("sa{sv}as"), this,
                                SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
         // "siganl" stays: applications may rely on the text of the log.
+=======
+    if (!DBusConnection::subscribe(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
+                                   TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
+                                   QStringLiteral("sa{sv}as"), this,
+                                   SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
+>>>>>>> live
         qWarning() << "Failed to connect to PropertiesChanged siganl";
     }
 }

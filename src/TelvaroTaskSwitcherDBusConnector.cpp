@@ -7,6 +7,7 @@
 #include "PropertyReply.h"
 #include "QProcessHandler.h"
 #include "TelvaroDBusDefinitions.h"
+#include "ViewsArgument.h"
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
@@ -23,6 +24,7 @@ const QString TelvaroTaskSwitcherDBusConnector::cPropertiesChanged = QStringLite
 
 namespace {
 
+<<<<<<< HEAD
 // Accepts an array of structures that begin with six strings or object paths, two integers and a{sv}.
 bool isSignatureOfEntries(const QString& signature)
 {
@@ -69,6 +71,9 @@ bool isReadable(const QDBusArgument& argument)
 }
 
 // Like Qt's operator>> for QVariantMap, without its extra QVariant per value.
+=======
+// What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
+>>>>>>> live
 void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
 {
     QString key;
@@ -96,6 +101,7 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
     qRegisterMetaType<TaskSwitcherEntry>();
     qDBusRegisterMetaType<TaskSwitcherEntry>();
 
+<<<<<<< HEAD
     QDBusConnection connection = DBusConnection::getQDBusConnection();
     // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
     // also aborts on a closed connection, hence isConnected().
@@ -104,6 +110,12 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
                                TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
                                QStringLiteral("sa{sv}as"), this,
                                SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
+=======
+    if (!DBusConnection::subscribe(
+            TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
+            TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged, QStringLiteral("sa{sv}as"), this,
+            SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
+>>>>>>> live
         qWarning() << "Failed to connect to PropertiesChanged signal";
     }
 }
@@ -126,7 +138,7 @@ QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry> TelvaroTaskSwitcherDB
         return views;
     }
     const auto argument = value->value<QDBusArgument>();
-    if (!value->canConvert<QDBusArgument>() || !isReadable(argument)) {
+    if (!value->canConvert<QDBusArgument>() || !ViewsArgument::isReadable(argument)) {
         qWarning() << "Unable to parse dbus-reply to dbus-argument";
         return views;
     }
