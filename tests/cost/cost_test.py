@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-"""Compares the instructions and allocations of every operation, as ratios to QtDBus written by hand, with the ones that
-are checked in. Fails where one is more than 2 % above."""
+"""Compares the instructions and allocations of every operation, as ratios to QtDBus written by hand, with the ratios
+that are checked in. Fails if one is more than 2 % higher."""
 
 import argparse
 import concurrent.futures
@@ -13,7 +13,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "benchmarks
 import harness  # noqa: E402
 
 ROOM = 1.02
-# More views cost the same once more, and callgrind's time.
+# More views would only take more of callgrind's time.
 OPERATIONS = [operation for operation in harness.OPERATIONS if operation.views <= 100]
 NAMES = harness.Operation("names", "names", 0, 1, "all names and the device test")
 

@@ -41,7 +41,6 @@ public:
 
 private:
     static bool waitForNames();
-    void writeConfiguration(const QString& path) const;
 
     QTemporaryDir mDirectory;
     ChildProcess mDaemon;
