@@ -29,22 +29,11 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
     , mScreenSaverActive(isScreenSaverActive())
     , mFullScreen(false)
 {
-<<<<<<< HEAD
-    QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
-    // also aborts on a closed connection, hence isConnected().
-    if (!connection.isConnected()
-        || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
-                               TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
-                               QStringLiteral("sa{sv}as"), this,
-                               SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
-        // "siganl" stays: applications may rely on the text of the log.
-=======
     if (!DBusConnection::subscribe(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
                                    TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
                                    QStringLiteral("sa{sv}as"), this,
                                    SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
->>>>>>> live
+        // "siganl" stays: applications may rely on the text of the log.
         qWarning() << "Failed to connect to PropertiesChanged siganl";
     }
 }

@@ -24,56 +24,7 @@ const QString TelvaroTaskSwitcherDBusConnector::cPropertiesChanged = QStringLite
 
 namespace {
 
-<<<<<<< HEAD
-// Accepts an array of structures that begin with six strings or object paths, two integers and a{sv}.
-bool isSignatureOfEntries(const QString& signature)
-{
-    const QLatin1String textTypes("so");
-    const QLatin1String integerTypes("ynqiuxt");
-    const QLatin1String head("a(");
-    const QLatin1String attributes("a{sv}");
-    const int textCount = 6;
-    const int integerCount = 2;
-
-    const auto consistsOf = [](const QStringRef& part, QLatin1String types) {
-        return std::all_of(part.begin(), part.end(), [types](QChar type) {
-            return types.contains(type);
-        });
-    };
-    const int integersAt = head.size() + textCount;
-    const int attributesAt = integersAt + integerCount;
-    return signature.startsWith(head) && signature.midRef(attributesAt).startsWith(attributes)
-        && consistsOf(signature.midRef(head.size(), textCount), textTypes)
-        && consistsOf(signature.midRef(integersAt, integerCount), integerTypes);
-}
-
-bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
-{
-    if (!signature.startsWith(QLatin1Char('a'))) {
-        return false;
-    }
-    // A const copy, because reading advances the argument. endArray() must follow beginArray(), or Qt leaks the
-    // message.
-    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): it is advanced
-    copy.beginArray();
-    const bool isEmpty = copy.atEnd();
-    copy.endArray();
-    return isEmpty;
-}
-
-// Checked before reading, because QDBusArgument passes a read of the wrong type on to libdbus, which aborts.
-bool isReadable(const QDBusArgument& argument)
-{
-    const QString signature = argument.currentSignature();
-    // Fast path: the regular signature is accepted by one comparison.
-    return signature == QLatin1String("a(ssssssuua{sv})") || isSignatureOfEntries(signature)
-        || isEmptyArray(argument, signature);
-}
-
 // Like Qt's operator>> for QVariantMap, without its extra QVariant per value.
-=======
-// What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
->>>>>>> live
 void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
 {
     QString key;
@@ -101,21 +52,10 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
     qRegisterMetaType<TaskSwitcherEntry>();
     qDBusRegisterMetaType<TaskSwitcherEntry>();
 
-<<<<<<< HEAD
-    QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // Match on the signature too: Qt D-Bus aborts when it demarshals a PropertiesChanged of any other type. connect()
-    // also aborts on a closed connection, hence isConnected().
-    if (!connection.isConnected()
-        || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
-                               TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
-                               QStringLiteral("sa{sv}as"), this,
-                               SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
-=======
     if (!DBusConnection::subscribe(
             TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
             TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged, QStringLiteral("sa{sv}as"), this,
             SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
->>>>>>> live
         qWarning() << "Failed to connect to PropertiesChanged signal";
     }
 }

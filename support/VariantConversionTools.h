@@ -14,8 +14,8 @@ public:
     /// and leaves `result` unchanged for every other value, including an invalid one.
     static bool toBool(const QVariant& value, bool& result);
 
-    /// Converts an integer of any width that an int can hold. Returns false and leaves `result` unchanged for every other
-    /// value, including an invalid one.
+    /// Converts an integer of any width that an int can hold. Returns false and leaves `result` unchanged for every
+    /// other value, including an invalid one.
     static bool toInt(const QVariant& value, int& result);
 
     /// Converts a string, a number, or a bool ("true" or "false"). Returns false and leaves `result` unchanged for
