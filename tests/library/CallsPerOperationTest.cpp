@@ -3,7 +3,7 @@
 #include "BusMonitorProcess.h"
 #include "EveryOperation.h"
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 #include <QDBusVariant>
@@ -23,7 +23,7 @@ using Operation = std::function<void(Connectors&)>;
 Q_DECLARE_METATYPE(Operation)
 
 // Nothing is cached and nothing is asked twice: every operation makes exactly the calls that it needs.
-class CallsPerOperationTest : public TaskSwitcherTest
+class CallsPerOperationTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 
@@ -44,7 +44,7 @@ private:
 
 void CallsPerOperationTest::initTestCase()
 {
-    TaskSwitcherTest::initTestCase();
+    TaskSwitcherFixture::initTestCase();
     mMonitor.start();
 }
 

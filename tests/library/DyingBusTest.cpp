@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "EveryOperation.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 
 // The bus goes away under a running application. What has happened to the bus stays, so the functions build on each
 // other.
-class DyingBusTest : public ConnectorTest
+class DyingBusTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -2,11 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "InterfaceFiles.h"
 #include "EveryOperation.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 // The library's calls against the interface files, which the service is made from.
-class InterfaceFilesTest : public TaskSwitcherTest
+class InterfaceFilesTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TelvaroScreenDBusConnector.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -9,7 +9,7 @@
 #include <QSignalSpy>
 
 // What a service sends that does not keep to its interface. Nothing of it may harm the application.
-class MistypedMessagesTest : public TaskSwitcherTest
+class MistypedMessagesTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ChildProcess.h"
 #include "EveryOperation.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -64,7 +64,7 @@ private:
 
 } // namespace
 
-class OtherDeviceTest : public TaskSwitcherTest
+class OtherDeviceTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

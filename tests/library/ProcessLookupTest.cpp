@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ChildProcess.h"
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -20,7 +20,7 @@ const QString cPidNotMatched = QStringLiteral("pid not matched with a view, retu
 
 } // namespace
 
-class ProcessLookupTest : public TaskSwitcherTest
+class ProcessLookupTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 
@@ -69,13 +69,13 @@ private:
 
 void ProcessLookupTest::initTestCase()
 {
-    TaskSwitcherTest::initTestCase();
+    TaskSwitcherFixture::initTestCase();
     mSearchPath = qgetenv("PATH");
 }
 
 void ProcessLookupTest::init()
 {
-    TaskSwitcherTest::init();
+    TaskSwitcherFixture::init();
     QFile::remove(mDirectory.filePath(QStringLiteral("pidof")));
     qputenv("PATH", mSearchPath);
 }

@@ -3,7 +3,7 @@
 #include "TelvaroDBusConnectorBase.h"
 
 #include "BusMonitorProcess.h"
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "DBusConnectionParameter.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
@@ -40,7 +40,7 @@ QStringList descriptions(const QList<RecordedCall>& calls)
 
 } // namespace
 
-class TelvaroDBusConnectorBaseTest : public ConnectorTest
+class TelvaroDBusConnectorBaseTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroGlobalOverlayDBusConnector.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "WithProxy.h"
@@ -39,7 +39,7 @@ QString showCall(const QString& argument)
 
 } // namespace
 
-class TelvaroGlobalOverlayDBusConnectorTest : public ConnectorTest
+class TelvaroGlobalOverlayDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroNotificationDBusConnector.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "WithProxy.h"
@@ -21,7 +21,7 @@ QString notifyCall(const QString& texts, const QString& actions)
 
 } // namespace
 
-class TelvaroNotificationDBusConnectorTest : public ConnectorTest
+class TelvaroNotificationDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 

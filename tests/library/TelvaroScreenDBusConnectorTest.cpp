@@ -3,7 +3,7 @@
 #include "TelvaroScreenDBusConnector.h"
 
 #include "BusMonitorProcess.h"
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -59,7 +59,7 @@ QString setCall(const QString& property, const QString& value)
 
 } // namespace
 
-class TelvaroScreenDBusConnectorTest : public ConnectorTest
+class TelvaroScreenDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 

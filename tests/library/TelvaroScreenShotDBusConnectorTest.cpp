@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroScreenShotDBusConnector.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -45,7 +45,7 @@ QString screenShotCall(const QString& directory)
 
 } // namespace
 
-class TelvaroScreenShotDBusConnectorTest : public ConnectorTest
+class TelvaroScreenShotDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -80,7 +80,7 @@ private:
 
 void TelvaroScreenShotDBusConnectorTest::init()
 {
-    ConnectorTest::init();
+    ConnectorFixture::init();
     mDirectory = std::make_unique<QTemporaryDir>();
     mWorkingDirectory = QDir::currentPath();
 }
@@ -88,7 +88,7 @@ void TelvaroScreenShotDBusConnectorTest::init()
 void TelvaroScreenShotDBusConnectorTest::cleanup()
 {
     QDir::setCurrent(mWorkingDirectory);
-    ConnectorTest::cleanup();
+    ConnectorFixture::cleanup();
 }
 
 void TelvaroScreenShotDBusConnectorTest::scriptReply(const Behaviour& behaviour)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
 #include "WithProxy.h"
@@ -25,7 +25,7 @@ const QString cFailed = QStringLiteral("org.example.Error.Failed");
 
 } // namespace
 
-class TelvaroTaskSwitcherDBusConnectorTest : public TaskSwitcherTest
+class TelvaroTaskSwitcherDBusConnectorTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "OperationProcess.h"
 #include "Operations.h"
 #include "PrivateBus.h"
@@ -240,7 +240,7 @@ Expectation expectationWithoutReply(const QString& operation)
 } // namespace
 
 /// Every operation with every fault of every call that it makes.
-class FaultMatrixTest : public ConnectorTest
+class FaultMatrixTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -263,7 +263,7 @@ private:
 
 void FaultMatrixTest::initTestCase()
 {
-    ConnectorTest::initTestCase();
+    ConnectorFixture::initTestCase();
     mOperations = std::make_unique<Operations>();
     mOperations->prepare();
 }

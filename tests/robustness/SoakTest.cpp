@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
@@ -51,7 +51,7 @@ Holdings Holdings::now()
 } // namespace
 
 /// The same over and over. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS tell how often.
-class SoakTest : public ConnectorTest
+class SoakTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "OperationProcess.h"
 #include "Operations.h"
 #include "Scenario.h"
@@ -15,7 +15,7 @@ const QString cUnparsed = QStringLiteral("Unable to parse dbus-reply to dbus-arg
 
 /// Values of every type where the service should send another. Each case is an application of its own: QtDBus hands a
 /// read of the wrong type to libdbus, which ends the process.
-class WrongTypesTest : public ConnectorTest
+class WrongTypesTest : public ConnectorFixture
 {
     Q_OBJECT
 
