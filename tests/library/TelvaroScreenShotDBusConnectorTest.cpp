@@ -53,10 +53,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void theMetaObjectIsTheBases();
     void theProxyIsThatOfTheScreenShots();
     void theParentIsTaken();
-    void constructionAsksForTheDescriptionOnly();
     void theServicesStringIsReturned_data();
     void theServicesStringIsReturned();
     void theDirectoryIsSentUnchanged_data();
@@ -66,9 +64,7 @@ private Q_SLOTS:
     void aRelativeDirectoryIsThatOfTheCaller();
     void aReplyWithoutUsableStringIsLogged_data();
     void aReplyWithoutUsableStringIsLogged();
-    void anErrorReplyIsLoggedWithItsMessage();
     void noReplyInTimeIsLogged();
-    void aServiceThatLeavesMeanwhileIsLogged();
     void anAbsentServiceIsTestedBeforeTheDirectory();
 
 private:
@@ -96,13 +92,6 @@ void TelvaroScreenShotDBusConnectorTest::scriptReply(const Behaviour& behaviour)
     mService.script(cPath, cInterface, cMethod, {behaviour});
 }
 
-void TelvaroScreenShotDBusConnectorTest::theMetaObjectIsTheBases()
-{
-    TelvaroScreenShotDBusConnector connector;
-    QCOMPARE(connector.metaObject(), &TelvaroDBusConnectorBase::staticMetaObject);
-    QVERIFY(connector.qt_metacast("TelvaroScreenShotDBusConnector") == nullptr);
-}
-
 void TelvaroScreenShotDBusConnectorTest::theProxyIsThatOfTheScreenShots()
 {
     const WithProxy<TelvaroScreenShotDBusConnector> connector;
@@ -116,15 +105,6 @@ void TelvaroScreenShotDBusConnectorTest::theParentIsTaken()
     QObject parent;
     const auto* const connector = new TelvaroScreenShotDBusConnector(&parent);
     QCOMPARE(connector->parent(), &parent);
-}
-
-void TelvaroScreenShotDBusConnectorTest::constructionAsksForTheDescriptionOnly()
-{
-    mService.takeCalls();
-    const TelvaroScreenShotDBusConnector connector;
-    for (const RecordedCall& call : mService.takeCalls()) {
-        QCOMPARE(call.member, QStringLiteral("Introspect"));
-    }
 }
 
 void TelvaroScreenShotDBusConnectorTest::theServicesStringIsReturned_data()
@@ -235,27 +215,11 @@ void TelvaroScreenShotDBusConnectorTest::aReplyWithoutUsableStringIsLogged()
     QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(expected.error().message())});
 }
 
-void TelvaroScreenShotDBusConnectorTest::anErrorReplyIsLoggedWithItsMessage()
-{
-    scriptReply(Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no \"space\"\nleft")));
-    TelvaroScreenShotDBusConnector connector;
-    QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(QStringLiteral("no \"space\"\nleft"))});
-}
-
 void TelvaroScreenShotDBusConnectorTest::noReplyInTimeIsLogged()
 {
     scriptReply(Behaviour::silence());
     WithProxy<TelvaroScreenShotDBusConnector> connector;
     connector.mInterface.setTimeout(50);
-    QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(connector.mInterface.lastError().message())});
-}
-
-void TelvaroScreenShotDBusConnectorTest::aServiceThatLeavesMeanwhileIsLogged()
-{
-    scriptReply(Behaviour::exit());
-    WithProxy<TelvaroScreenShotDBusConnector> connector;
     QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
     QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(connector.mInterface.lastError().message())});
 }

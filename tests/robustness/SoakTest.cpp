@@ -77,7 +77,7 @@ void SoakTest::perform(int operationCount, int constructionCount)
     const auto repeat = [this](Operations& operations, const QStringList& names, int count) {
         for (int done = 0; done < count; ++done) {
             const QString& name = names.at(done % names.size());
-            QCOMPARE(operations.perform(name), Scenario::result(name));
+            QCOMPARE(operations.perform(name), Operations::result(name));
             if (done % batch == 0) {
                 for (const char* const path : {"/taskswitcher", "/screen"}) {
                     mService.emitSignal(ServiceSignal::propertiesChanged(

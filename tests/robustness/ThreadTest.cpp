@@ -136,7 +136,7 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
             for (int round = 0; round < roundCount; ++round) {
                 Operations operations;
                 for (const QString& operation : rounds.at((index + round) % rounds.size())) {
-                    const bool isRight = operations.perform(operation) == Scenario::result(operation);
+                    const bool isRight = operations.perform(operation) == Operations::result(operation);
                     ++(isRight ? rightCount : wrongCount);
                 }
             }
