@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 #include "WireClient.h"
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 /// Drags from their begin to the drop, and those that end otherwise.
-class CompositorDragTest : public CompositorTest
+class CompositorDragTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "WireClient.h"
 
@@ -28,7 +28,7 @@ using Attack = std::function<void(WireClient&)>;
 Q_DECLARE_METATYPE(Attack)
 
 /// Clients as no library makes them, beside one that must not notice.
-class CompositorHostileClientTest : public CompositorTest
+class CompositorHostileClientTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -2,8 +2,6 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "OperationProcess.h"
 
-#include "Operations.h"
-
 #include <QFile>
 #include <QJsonArray>
 

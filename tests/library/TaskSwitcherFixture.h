@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "TelvaroTaskSwitcherDBusConnector.h"
 
 #include <QString>
@@ -11,7 +11,7 @@
 using TaskSwitcherEntry = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
 /// A test on the task switcher, with the calls that reach the service and the messages that are logged as texts.
-class TaskSwitcherTest : public ConnectorTest
+class TaskSwitcherFixture : public ConnectorFixture
 {
     Q_OBJECT
 

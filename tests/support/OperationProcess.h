@@ -2,18 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Operations.h"
 #include "SteeredProcess.h"
-
-#include <QString>
-#include <QStringList>
-
-/// What an operation answered and logged, and how long it took.
-struct Outcome
-{
-    QString result;
-    QStringList log;
-    qint64 milliseconds = 0;
-};
 
 /// An application in a process of its own that performs the operations of Operations on this process's bus, with all
 /// connectors or, before they are prepared, with those that an operation needs. Throws std::runtime_error where the

@@ -18,7 +18,7 @@
 
 /// A test with a compositor. Every test function gets a new one; it must still be there at the function's end, end as
 /// it should, and have complained of nothing.
-class CompositorTest : public QObject
+class CompositorFixture : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 
 #include "PrivateBus.h"
 #include "ValueText.h"
@@ -22,7 +22,8 @@ QString getCall(const QString& property)
 
 } // namespace
 
-TaskSwitcherEntry TaskSwitcherTest::makeView(const QString& uuid, const QString& appId, quint32 sortIndex, quint32 pid)
+TaskSwitcherEntry TaskSwitcherFixture::makeView(const QString& uuid, const QString& appId, quint32 sortIndex,
+                                                quint32 pid)
 {
     TaskSwitcherEntry entry;
     entry.uuid = uuid;
@@ -32,7 +33,7 @@ TaskSwitcherEntry TaskSwitcherTest::makeView(const QString& uuid, const QString&
     return entry;
 }
 
-QStringList TaskSwitcherTest::uuids(const QList<TaskSwitcherEntry>& entries)
+QStringList TaskSwitcherFixture::uuids(const QList<TaskSwitcherEntry>& entries)
 {
     QStringList uuids;
     for (const TaskSwitcherEntry& entry : entries) {
@@ -41,60 +42,60 @@ QStringList TaskSwitcherTest::uuids(const QList<TaskSwitcherEntry>& entries)
     return uuids;
 }
 
-bool TaskSwitcherTest::isEmpty(const TaskSwitcherEntry& entry)
+bool TaskSwitcherFixture::isEmpty(const TaskSwitcherEntry& entry)
 {
     return entry.uuid.isEmpty() && entry.appId.isEmpty() && entry.info1.isEmpty() && entry.info2.isEmpty()
         && entry.info3.isEmpty() && entry.info4.isEmpty() && entry.pid == 0 && entry.sortIndex == 0
         && entry.attributes.isEmpty();
 }
 
-QString TaskSwitcherTest::warning(const QString& operation, const QString& text)
+QString TaskSwitcherFixture::warning(const QString& operation, const QString& text)
 {
     return QStringLiteral(
                "warning default TelvaroTaskSwitcherDBusConnector.cpp TelvaroTaskSwitcherDBusConnector::%1 %2")
         .arg(operation, text);
 }
 
-QString TaskSwitcherTest::getViewsCall()
+QString TaskSwitcherFixture::getViewsCall()
 {
     return getCall(cViews);
 }
 
-QString TaskSwitcherTest::getCurrentViewCall()
+QString TaskSwitcherFixture::getCurrentViewCall()
 {
     return getCall(cCurrentView);
 }
 
-QString TaskSwitcherTest::setCurrentViewCall(const QString& uuid)
+QString TaskSwitcherFixture::setCurrentViewCall(const QString& uuid)
 {
     return QStringLiteral("/taskswitcher org.freedesktop.DBus.Properties.Set "
                           "ssv('de.Telvaro.taskswitcher', 'currentView', <'%1'>)")
         .arg(uuid);
 }
 
-void TaskSwitcherTest::setViews(const QList<TaskSwitcherEntry>& entries, const QString& currentView)
+void TaskSwitcherFixture::setViews(const QList<TaskSwitcherEntry>& entries, const QString& currentView)
 {
     mService.setViews(ValueText::views(entries));
     mService.setCurrentView(currentView);
 }
 
-void TaskSwitcherTest::emitPropertiesChanged(const QString& changed, const QStringList& invalidated)
+void TaskSwitcherFixture::emitPropertiesChanged(const QString& changed, const QStringList& invalidated)
 {
     mService.emitSignal(ServiceSignal::propertiesChanged(cPath, cInterface, changed, invalidated));
     PrivateBus::deliver();
 }
 
-void TaskSwitcherTest::scriptViews(const QList<Behaviour>& behaviours)
+void TaskSwitcherFixture::scriptViews(const QList<Behaviour>& behaviours)
 {
     mService.scriptProperty(cGet, cPath, cViews, behaviours);
 }
 
-void TaskSwitcherTest::scriptCurrentView(const QList<Behaviour>& behaviours)
+void TaskSwitcherFixture::scriptCurrentView(const QList<Behaviour>& behaviours)
 {
     mService.scriptProperty(cGet, cPath, cCurrentView, behaviours);
 }
 
-void TaskSwitcherTest::scriptSetCurrentView(const QList<Behaviour>& behaviours)
+void TaskSwitcherFixture::scriptSetCurrentView(const QList<Behaviour>& behaviours)
 {
     mService.scriptProperty(cSet, cPath, cCurrentView, behaviours);
 }

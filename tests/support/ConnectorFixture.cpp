@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 
 #include "PrivateBus.h"
 #include "TelvaroDeviceDistinction.h"
@@ -19,7 +19,7 @@ QString baseWarning(const QString& text)
 
 } // namespace
 
-void ConnectorTest::initTestCase()
+void ConnectorFixture::initTestCase()
 {
     QVERIFY2(TelvaroDeviceDistinction::isCompositorDevice(),
              "the device's manifest " TELVARO_MANIFEST_PATH " does not hold {\"productCode\": \"481936\"}");
@@ -28,7 +28,7 @@ void ConnectorTest::initTestCase()
     startService();
 }
 
-void ConnectorTest::init()
+void ConnectorFixture::init()
 {
     if (!mService.isRunning()) {
         startService();
@@ -40,26 +40,26 @@ void ConnectorTest::init()
     mLog = std::make_unique<LogCapture>();
 }
 
-void ConnectorTest::cleanup()
+void ConnectorFixture::cleanup()
 {
     const QStringList unread = mLog->takeDescriptions();
     mLog.reset();
     QCOMPARE(unread, QStringList());
 }
 
-void ConnectorTest::startService()
+void ConnectorFixture::startService()
 {
     mService.start();
     mService.own();
     PrivateBus::deliver();
 }
 
-QString ConnectorTest::notRegistered(const QString& serviceName)
+QString ConnectorFixture::notRegistered(const QString& serviceName)
 {
     return baseWarning(QStringLiteral("DBus Service for Telvaro \"%1\" is not registered").arg(serviceName));
 }
 
-QString ConnectorTest::invalidInterface()
+QString ConnectorFixture::invalidInterface()
 {
     return baseWarning(QStringLiteral("Invalid DBus interface!"));
 }

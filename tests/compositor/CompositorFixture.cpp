@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 
 #include "CompositorBus.h"
 
 #include <stdexcept>
 
-void CompositorTest::init()
+void CompositorFixture::init()
 {
     mMostComplaints = 0;
     mCompositor = std::make_unique<CompositorProcess>();
@@ -14,7 +14,7 @@ void CompositorTest::init()
     mMonitor = std::make_unique<PropertyMonitor>();
 }
 
-void CompositorTest::cleanup()
+void CompositorFixture::cleanup()
 {
     mMonitor.reset();
     QVERIFY(mCompositor->isRunning());
@@ -29,32 +29,32 @@ void CompositorTest::cleanup()
     mCompositor.reset();
 }
 
-void CompositorTest::startCompositor()
+void CompositorFixture::startCompositor()
 {
     mCompositor->start();
 }
 
-void CompositorTest::expectComplaints(int mostLines)
+void CompositorFixture::expectComplaints(int mostLines)
 {
     mMostComplaints = mostLines;
 }
 
-std::unique_ptr<LineClient> CompositorTest::testClient()
+std::unique_ptr<LineClient> CompositorFixture::testClient()
 {
     return std::make_unique<LineClient>(QStringLiteral(TELVARO_TEST_CLIENT), mCompositor->clientEnvironment());
 }
 
-std::unique_ptr<LineClient> CompositorTest::protocolClient()
+std::unique_ptr<LineClient> CompositorFixture::protocolClient()
 {
     return std::make_unique<LineClient>(QStringLiteral(TELVARO_PROTOCOL_CLIENT), mCompositor->clientEnvironment());
 }
 
-std::unique_ptr<LineClient> CompositorTest::foreignClient(const QString& program)
+std::unique_ptr<LineClient> CompositorFixture::foreignClient(const QString& program)
 {
     return std::make_unique<LineClient>(program, mCompositor->clientEnvironment());
 }
 
-QImage CompositorTest::screenShot()
+QImage CompositorFixture::screenShot()
 {
     const QString path = CompositorBus::callChecked(CompositorBus::cScreenShotPath, CompositorBus::cScreenShot,
                                                     QStringLiteral("ScreenShot"), {mPictures.path()})

@@ -20,14 +20,6 @@ public:
     /// Gives the service its state.
     static void set(ScriptedServiceProcess& service);
 
-    /// What the operation answers then.
-    static QString result(const QString& operation);
-
-    /// Whether that is what the operation answers where the service cannot be reached.
-    static bool isFailure(const QString& operation, const QString& result);
-    /// Whether that is all that it may log then.
-    static bool isFailureLog(const QStringList& log);
-
     /// The property "views", in GVariant's text format.
     static QString views();
 

@@ -11,7 +11,7 @@
 
 /// A test on a bus with the scripted service on it. Every test function begins with a plain service that owns its name
 /// and an empty log, and fails if it ends with log messages that it has not read.
-class ConnectorTest : public QObject
+class ConnectorFixture : public QObject
 {
     Q_OBJECT
 
