@@ -15,13 +15,17 @@ session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
 )
 
+# Needed to build the manual and the reference.
+documentation_packages=(doxygen doxygen-awesome-css mandoc python3-pygments)
+
 # Needed in addition to build and run the tests and the benchmarks.
 test_build_packages=(
     libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
-    binutils bsdextrautils clang-format desktop-file-utils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc meson
-    python3-dbus qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
+    "${documentation_packages[@]}"
+    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus
+    qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
     zsh
 )
 
