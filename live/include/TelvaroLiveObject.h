@@ -42,7 +42,7 @@ public:
     {
         /// The service is not on the bus, there is no connection to the bus (any longer; Qt makes no other), or this
         /// is another device than TelvaroDeviceDistinction::isCompositorDevice(), where nothing is ever sent. All
-        /// values are empty.
+        /// values are empty. Also signalled in passing when a new service replaces the one that is there.
         Absent,
         /// The bus or the service has been asked and has not answered yet. Values are empty, or, where the service did
         /// not send the new value along with its notification, the last ones.
@@ -82,13 +82,12 @@ Q_SIGNALS:
     void requestFailed(const QDBusError& error);
 
 protected:
-    /// Takes ownership of the properties. For the live objects of this library only, the class is not installed.
-    TelvaroLiveObject(LiveProperties* properties, QObject* parent);
+    /// Takes ownership of the properties, whose class is not installed: for the live objects of the library only.
+    Q_DECL_HIDDEN TelvaroLiveObject(LiveProperties* properties, QObject* parent);
 
-    /// Emits requestFailed() if and when the request fails. Returns the request.
+    /// Emits requestFailed() if and when the request, of a derived class, fails. Returns the request.
     QDBusPendingCall report(const QDBusPendingCall& request);
 
-    /// The same object as passed to the constructor.
     LiveProperties* const mProperties;
 
 private:

@@ -9,7 +9,7 @@
 #include <QObject>
 #include <QString>
 
-class QVariant;
+class LiveScreen;
 
 /// The settings of the screen. Like every live object it never blocks, and it holds the service's values while its
 /// status is Ready; see TelvaroLiveObject.
@@ -68,6 +68,5 @@ Q_SIGNALS:
     void fullScreenChanged();
 
 private:
-    QVariant getValue(const QString& name) const;
-    QDBusPendingReply<> write(const QString& name, const QVariant& value);
+    LiveScreen* const mScreen;
 };

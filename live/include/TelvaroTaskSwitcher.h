@@ -70,5 +70,5 @@ Q_SIGNALS:
     void currentViewChanged();
 
 private:
-    LiveTaskSwitcher& getProperties() const;
+    LiveTaskSwitcher* const mTaskSwitcher;
 };

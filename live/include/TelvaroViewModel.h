@@ -14,6 +14,8 @@
 #include <QVariant>
 #include <QVariantMap>
 
+class LiveViews;
+
 /// The views of the task switcher as rows, in the service's order; a part of TelvaroTaskSwitcher.
 ///
 /// A row stays the row of its view, by uuid, as long as the view is there: the model signals removed, moved, inserted
@@ -81,21 +83,9 @@ Q_SIGNALS:
     void currentRowChanged();
 
 private:
-    friend class LiveTaskSwitcher;
+    friend class LiveViews;
 
-    explicit TelvaroViewModel(QObject* parent);
+    Q_DECL_HIDDEN explicit TelvaroViewModel(const LiveViews& views);
 
-    void show(const QList<View>& views, const QString& currentView);
-    void removeOthers();
-    void removeView(int row);
-    void changeRow(int row, const QString& formerView);
-    int findFrom(int first, const QString& uuid) const;
-    bool isCurrent(const View& view) const;
-    QVariant valueOf(const View& view, int role) const;
-
-    QList<View> mViews;
-    QList<View> mTarget;
-    QString mCurrentView;
-    int mAnnouncedCount = 0;
-    int mAnnouncedRow = -1;
+    const LiveViews& mViews;
 };
