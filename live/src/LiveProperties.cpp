@@ -139,6 +139,14 @@ void LiveProperties::onDisconnected()
 // Start, restart, replacement and end: no value of another owner is ever kept.
 void LiveProperties::setOwner(const QString& owner)
 {
+    if (!mOwner.isEmpty() && !owner.isEmpty()) {
+        // Listeners hear of the end of the one before they hear of the other.
+        const QPointer<LiveProperties> self(this);
+        setOwner(QString());
+        if (!self) {
+            return;
+        }
+    }
     if (mOwnerQuestion != nullptr) {
         mOwnerQuestion->deleteLater();
         mOwnerQuestion->disconnect(this);

@@ -57,13 +57,12 @@ void makePlain(QVariantMap& attributes)
 LiveTaskSwitcher::LiveTaskSwitcher()
     : LiveProperties(TelvaroDBusDefinitions::getTaskSwitcherPath(), TelvaroDBusDefinitions::getTaskSwitcherInterface(),
                      {Connector::cViewsProperty, Connector::cCurrentViewProperty})
-    , mModel(nullptr)
 {
 }
 
 TelvaroViewModel* LiveTaskSwitcher::getModel()
 {
-    return &mModel;
+    return mRows.getModel();
 }
 
 QString LiveTaskSwitcher::getCurrentView() const
@@ -164,7 +163,7 @@ void LiveTaskSwitcher::forget()
 void LiveTaskSwitcher::publish()
 {
     const QPointer<LiveTaskSwitcher> self(this);
-    mModel.show(mViews, mCurrentView);
+    mRows.show(mViews, mCurrentView);
     if (self && mPublishedCurrentView != mCurrentView) {
         mPublishedCurrentView = mCurrentView;
         Q_EMIT static_cast<TelvaroTaskSwitcher*>(mObject)->currentViewChanged();

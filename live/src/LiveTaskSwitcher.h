@@ -3,7 +3,7 @@
 #pragma once
 
 #include "LiveProperties.h"
-#include "TelvaroViewModel.h"
+#include "LiveViews.h"
 
 #include <QDBusPendingCall>
 #include <QList>
@@ -15,8 +15,6 @@ class LiveTaskSwitcher : public LiveProperties
     Q_OBJECT
 
 public:
-    using View = TelvaroViewModel::View;
-
     LiveTaskSwitcher();
 
     TelvaroViewModel* getModel();
@@ -34,8 +32,8 @@ protected:
 private:
     void onRequestAnswered(QDBusPendingCallWatcher* request);
 
-    TelvaroViewModel mModel;
-    QList<View> mViews;
+    LiveViews mRows;
+    QList<TelvaroViewModel::View> mViews;
     QString mCurrentView;
     QString mPublishedCurrentView;
 

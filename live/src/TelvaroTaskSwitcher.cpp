@@ -6,6 +6,7 @@
 
 TelvaroTaskSwitcher::TelvaroTaskSwitcher(QObject* parent)
     : TelvaroLiveObject(new LiveTaskSwitcher, parent)
+    , mTaskSwitcher(static_cast<LiveTaskSwitcher*>(mProperties))
 {
 }
 
@@ -13,35 +14,30 @@ TelvaroTaskSwitcher::~TelvaroTaskSwitcher() = default;
 
 TelvaroViewModel* TelvaroTaskSwitcher::getViews() const
 {
-    return getProperties().getModel();
+    return mTaskSwitcher->getModel();
 }
 
 QString TelvaroTaskSwitcher::getCurrentView() const
 {
-    return getProperties().getCurrentView();
+    return mTaskSwitcher->getCurrentView();
 }
 
 QDBusPendingReply<> TelvaroTaskSwitcher::switchTo(const QString& uuid)
 {
-    return report(getProperties().switchTo(uuid));
+    return report(mTaskSwitcher->switchTo(uuid));
 }
 
 QDBusPendingReply<> TelvaroTaskSwitcher::switchToView(const QString& appId, uint32_t sortIndex)
 {
-    return report(getProperties().switchToView(appId, sortIndex));
+    return report(mTaskSwitcher->switchToView(appId, sortIndex));
 }
 
 QDBusPendingReply<> TelvaroTaskSwitcher::next()
 {
-    return report(getProperties().step(false));
+    return report(mTaskSwitcher->step(false));
 }
 
 QDBusPendingReply<> TelvaroTaskSwitcher::previous()
 {
-    return report(getProperties().step(true));
-}
-
-LiveTaskSwitcher& TelvaroTaskSwitcher::getProperties() const
-{
-    return static_cast<LiveTaskSwitcher&>(*mProperties);
+    return report(mTaskSwitcher->step(true));
 }
