@@ -29,14 +29,10 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
     , mScreenSaverActive(isScreenSaverActive())
     , mFullScreen(false)
 {
-    QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // The signature keeps notifications of another one from reaching Qt's demarshaller, which does not survive them.
-    // A connection that is gone is asked first, since subscribing on it ends the process.
-    if (!connection.isConnected()
-        || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
-                               TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
-                               QStringLiteral("sa{sv}as"), this,
-                               SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
+    if (!DBusConnection::subscribe(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getScreenPath(),
+                                   TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
+                                   QStringLiteral("sa{sv}as"), this,
+                                   SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
         qWarning() << "Failed to connect to PropertiesChanged siganl";
     }
 }

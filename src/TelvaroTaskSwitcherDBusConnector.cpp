@@ -7,6 +7,7 @@
 #include "PropertyReply.h"
 #include "QProcessHandler.h"
 #include "TelvaroDBusDefinitions.h"
+#include "ViewsArgument.h"
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
@@ -22,51 +23,6 @@ const QString TelvaroTaskSwitcherDBusConnector::cViewsProperty = QStringLiteral(
 const QString TelvaroTaskSwitcherDBusConnector::cPropertiesChanged = QStringLiteral("PropertiesChanged");
 
 namespace {
-
-// An array of structures that begin with six strings or object paths, two integers and a{sv}.
-bool isSignatureOfEntries(const QString& signature)
-{
-    const QLatin1String textTypes("so");
-    const QLatin1String integerTypes("ynqiuxt");
-    const QLatin1String head("a(");
-    const QLatin1String attributes("a{sv}");
-    const int textCount = 6;
-    const int integerCount = 2;
-
-    const auto consistsOf = [](const QStringRef& part, QLatin1String types) {
-        return std::all_of(part.begin(), part.end(), [types](QChar type) {
-            return types.contains(type);
-        });
-    };
-    const int integersAt = head.size() + textCount;
-    const int attributesAt = integersAt + integerCount;
-    return signature.startsWith(head) && signature.midRef(attributesAt).startsWith(attributes)
-        && consistsOf(signature.midRef(head.size(), textCount), textTypes)
-        && consistsOf(signature.midRef(integersAt, integerCount), integerTypes);
-}
-
-bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
-{
-    if (!signature.startsWith(QLatin1Char('a'))) {
-        return false;
-    }
-    // A const copy, so that the argument itself stays at its beginning; and ended, since what is begun and not ended
-    // keeps the whole message.
-    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): reading moves its place
-    copy.beginArray();
-    const bool isEmpty = copy.atEnd();
-    copy.endArray();
-    return isEmpty;
-}
-
-// QDBusArgument hands a read of the wrong type to libdbus, which ends the process.
-bool isReadable(const QDBusArgument& argument)
-{
-    const QString signature = argument.currentSignature();
-    // What the service sends is told at once, so that the other cases cost it nothing.
-    return signature == QLatin1String("a(ssssssuua{sv})") || isSignatureOfEntries(signature)
-        || isEmptyArray(argument, signature);
-}
 
 // What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
 void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
@@ -96,14 +52,10 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
     qRegisterMetaType<TaskSwitcherEntry>();
     qDBusRegisterMetaType<TaskSwitcherEntry>();
 
-    QDBusConnection connection = DBusConnection::getQDBusConnection();
-    // The signature keeps notifications of another one from reaching Qt's demarshaller, which does not survive them.
-    // A connection that is gone is asked first, since subscribing on it ends the process.
-    if (!connection.isConnected()
-        || !connection.connect(TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
-                               TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
-                               QStringLiteral("sa{sv}as"), this,
-                               SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
+    if (!DBusConnection::subscribe(
+            TelvaroDBusDefinitions::getServiceName(), TelvaroDBusDefinitions::getTaskSwitcherPath(),
+            TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged, QStringLiteral("sa{sv}as"), this,
+            SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)))) {
         qWarning() << "Failed to connect to PropertiesChanged signal";
     }
 }
@@ -126,7 +78,7 @@ QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry> TelvaroTaskSwitcherDB
         return views;
     }
     const auto argument = value->value<QDBusArgument>();
-    if (!value->canConvert<QDBusArgument>() || !isReadable(argument)) {
+    if (!value->canConvert<QDBusArgument>() || !ViewsArgument::isReadable(argument)) {
         qWarning() << "Unable to parse dbus-reply to dbus-argument";
         return views;
     }

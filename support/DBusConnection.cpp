@@ -23,3 +23,12 @@ bool DBusConnection::isServiceRegistered(const QString& serviceName)
         busDaemon->callWithArgumentList(QDBus::Block, QStringLiteral("NameHasOwner"), {serviceName});
     return reply.value();
 }
+
+bool DBusConnection::subscribe(const QString& serviceName, const QString& path, const QString& interfaceName,
+                               const QString& signalName, const QString& signature, QObject* receiver, const char* slot,
+                               const QStringList& argumentMatch)
+{
+    QDBusConnection connection = getQDBusConnection();
+    return connection.isConnected()
+        && connection.connect(serviceName, path, interfaceName, signalName, argumentMatch, signature, receiver, slot);
+}

@@ -52,6 +52,21 @@ bool VariantConversionTools::toBool(const QVariant& value, bool& result)
     return false;
 }
 
+bool VariantConversionTools::toInt(const QVariant& value, int& result)
+{
+    QString digits;
+    if (!isInteger(value.userType()) || !toString(value, digits)) {
+        return false;
+    }
+    // QVariant's own conversion cuts off what an int cannot hold.
+    bool fits = false;
+    const int number = digits.toInt(&fits);
+    if (fits) {
+        result = number;
+    }
+    return fits;
+}
+
 bool VariantConversionTools::toString(const QVariant& value, QString& result)
 {
     switch (const int type = value.userType()) {

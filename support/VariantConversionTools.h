@@ -14,6 +14,10 @@ public:
     /// Returns false and leaves result as it is for every other value, an invalid one included.
     static bool toBool(const QVariant& value, bool& result);
 
+    /// Accepts an integer that an int can hold.
+    /// Returns false and leaves result as it is for every other value, an invalid one included.
+    static bool toInt(const QVariant& value, int& result);
+
     /// Accepts a string, a number, and a bool ("true" or "false").
     /// Returns false and leaves result as it is for every other value, an invalid one included.
     static bool toString(const QVariant& value, QString& result);

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-SUMMARY = "Client library for the compositor service of the device"
+SUMMARY = "Client libraries for the compositor service of the device"
 LICENSE = "MIT"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=fbede04f481a3dc7f46f5f49f97fbe1f"
 
@@ -16,8 +16,10 @@ EXTRA_OECMAKE = " \
     -DTELVARO_BUILD_QML=OFF \
 "
 
-# telvaroctl and its completions are a package of their own, which an image may leave out.
-PACKAGES =+ "${PN}-tools"
+# The non-blocking library, and telvaroctl with its completions, are packages of their own, which an image may leave
+# out.
+PACKAGES =+ "${PN}-live ${PN}-tools"
+FILES:${PN}-live = "${libdir}/libTelvaroLive.so.*"
 FILES:${PN}-tools = " \
     ${bindir}/telvaroctl \
     ${datadir}/bash-completion \

@@ -3,15 +3,23 @@
 #include <TelvaroDBusDefinitions.h>
 #include <TelvaroDeviceDistinction.h>
 #include <TelvaroGlobalOverlayDBusConnector.h>
+#include <TelvaroLiveObject.h>
 #include <TelvaroNotificationDBusConnector.h>
+#include <TelvaroRequests.h>
+#include <TelvaroScreen.h>
 #include <TelvaroScreenDBusConnector.h>
 #include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroTaskSwitcher.h>
 #include <TelvaroTaskSwitcherDBusConnector.h>
+#include <TelvaroViewModel.h>
 
 #include <QFile>
+#include <QMetaEnum>
 #include <QMetaMethod>
+#include <QMetaProperty>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTest>
 
 #include <cstddef>
@@ -63,7 +71,10 @@ QString layout()
         + offset("TaskSwitcherEntry::info4", offsetof(Entry, info4))
         + offset("TaskSwitcherEntry::pid", offsetof(Entry, pid))
         + offset("TaskSwitcherEntry::sortIndex", offsetof(Entry, sortIndex))
-        + offset("TaskSwitcherEntry::attributes", offsetof(Entry, attributes));
+        + offset("TaskSwitcherEntry::attributes", offsetof(Entry, attributes))
+        + size<TelvaroLiveObject>("TelvaroLiveObject") + size<TelvaroRequests>("TelvaroRequests")
+        + size<TelvaroScreen>("TelvaroScreen") + size<TelvaroTaskSwitcher>("TelvaroTaskSwitcher")
+        + size<TelvaroViewModel>("TelvaroViewModel");
 }
 
 /// How many functions an application finds by their place in the class's table.
@@ -95,18 +106,43 @@ QString describe(const QMetaMethod& method)
              QString::fromLatin1(method.methodSignature()), QString::fromLatin1(method.parameterNames().join(", ")));
 }
 
+QString describe(const QMetaProperty& property)
+{
+    return QStringLiteral("    property %1 %2%3\n")
+        .arg(QLatin1String(property.typeName()), QLatin1String(property.name()),
+             property.isWritable() ? QStringLiteral(", writable") : QString());
+}
+
+QString describe(const QMetaEnum& enumeration)
+{
+    QStringList keys;
+    for (int i = 0; i < enumeration.keyCount(); ++i) {
+        keys.append(QStringLiteral("%1 = %2").arg(QLatin1String(enumeration.key(i))).arg(enumeration.value(i)));
+    }
+    return QStringLiteral("    enumeration %1: %2\n")
+        .arg(QLatin1String(enumeration.name()), keys.join(QStringLiteral(", ")));
+}
+
 QString metaObjects()
 {
     QString text;
     for (const QMetaObject* metaObject :
          {&TelvaroDBusConnectorBase::staticMetaObject, &TelvaroGlobalOverlayDBusConnector::staticMetaObject,
           &TelvaroNotificationDBusConnector::staticMetaObject, &TelvaroScreenDBusConnector::staticMetaObject,
-          &TelvaroScreenShotDBusConnector::staticMetaObject, &TelvaroTaskSwitcherDBusConnector::staticMetaObject}) {
+          &TelvaroScreenShotDBusConnector::staticMetaObject, &TelvaroTaskSwitcherDBusConnector::staticMetaObject,
+          &TelvaroLiveObject::staticMetaObject, &TelvaroScreen::staticMetaObject,
+          &TelvaroTaskSwitcher::staticMetaObject, &TelvaroViewModel::staticMetaObject}) {
         text += QStringLiteral("%1 : %2, %3 virtual functions\n")
                     .arg(QLatin1String(metaObject->className()), QLatin1String(metaObject->superClass()->className()),
                          QString::number(virtualFunctionCount(metaObject->className())));
         for (int i = metaObject->methodOffset(); i < metaObject->methodCount(); ++i) {
             text += describe(metaObject->method(i));
+        }
+        for (int i = metaObject->propertyOffset(); i < metaObject->propertyCount(); ++i) {
+            text += describe(metaObject->property(i));
+        }
+        for (int i = metaObject->enumeratorOffset(); i < metaObject->enumeratorCount(); ++i) {
+            text += describe(metaObject->enumerator(i));
         }
     }
     return text;
@@ -144,7 +180,7 @@ private Q_SLOTS:
         compare(layout(), "layout." TELVARO_ARCHITECTURE ".txt");
     }
 
-    void metaObjectsHaveTheSameMethodsInTheSameOrder()
+    void metaObjectsHaveTheSameMembersInTheSameOrder()
     {
         compare(metaObjects(), "meta-objects.txt");
     }

@@ -4,8 +4,11 @@
 #include <TelvaroDeviceDistinction.h>
 #include <TelvaroGlobalOverlayDBusConnector.h>
 #include <TelvaroNotificationDBusConnector.h>
+#include <TelvaroRequests.h>
+#include <TelvaroScreen.h>
 #include <TelvaroScreenDBusConnector.h>
 #include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroTaskSwitcher.h>
 #include <TelvaroTaskSwitcherDBusConnector.h>
 
 #include <QCoreApplication>
@@ -37,6 +40,12 @@ int main(int argc, char** argv)
     TelvaroNotificationDBusConnector notification;
     TelvaroScreenShotDBusConnector screenShot;
     TelvaroDeviceDistinction::isCompositorDevice();
+    const TelvaroTaskSwitcher liveTaskSwitcher;
+    const TelvaroScreen liveScreen;
+    if (liveTaskSwitcher.getStatus() != TelvaroLiveObject::Absent || !TelvaroRequests::hideGlobalOverlay().isError()) {
+        std::cerr << "there is a service without a bus\n";
+        return 1;
+    }
     const bool isEmpty = taskSwitcher.getViews().isEmpty();
     if (!isEmpty || file == nullptr || std::strcmp(file, "TelvaroTaskSwitcherDBusConnector.cpp") != 0) {
         std::cerr << "the last warning came from " << (file != nullptr ? file : "nowhere") << '\n';
