@@ -9,7 +9,8 @@ log_directory=$project_directory/build/logs
 # What the library, the tools and their tests are built with and run on.
 build_packages=(
     cmake g++ ninja-build pkg-config
-    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools libwayland-dev wayland-protocols
+    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
+    qtbase5-private-dev qtwayland5-private-dev libwayland-dev wayland-protocols
 )
 session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
