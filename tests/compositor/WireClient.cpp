@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -215,6 +216,15 @@ QVector<WireClient::Event> WireClient::events(quint32 object, quint16 opcode) co
             events.append(event);
         }
     }
+    return events;
+}
+
+QVector<WireClient::Event> WireClient::events(quint32 object) const
+{
+    QVector<Event> events;
+    std::copy_if(mEvents.cbegin(), mEvents.cend(), std::back_inserter(events), [object](const Event& event) {
+        return event.object == object;
+    });
     return events;
 }
 
