@@ -2,15 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Compositor.h"
 
-#include "CommandLine.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
 
-Compositor::Compositor(const CommandLine& commandLine)
-    : mCommandLine(commandLine)
-    , mOutput(commandLine.size())
-    , mScreenSaver(commandLine.screenSaverTimeoutSeconds())
+Compositor::Compositor(Options options)
+    : mOptions(std::move(options))
+    , mOutput(mOptions.size)
+    , mScreenSaver(mOptions.screenSaverTimeoutSeconds)
     , mScene(mOutput, mScreenSaver)
     , mBackground(mOutput, mViews)
     , mWindowStack(mOutput, mViews, mScene)
@@ -24,7 +23,7 @@ Compositor::Compositor(const CommandLine& commandLine)
     , mGlobalOverlayObject(mOverlayPanel, mCallGate)
     , mScreenShotObject(mScene, mCallGate)
     , mNotificationsObject(mNotificationCenter, mCallGate)
-    , mScriptPlayer(commandLine.script(), mViews, mScreenSaver, mCallGate, mBusService)
+    , mScriptPlayer(mOptions.script, mViews, mScreenSaver, mCallGate, mBusService)
 {
     mScene.addLayer(&mBackground);
     mScene.addLayer(&mWindowStack);
@@ -36,18 +35,19 @@ Compositor::Compositor(const CommandLine& commandLine)
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
 }
 
-bool Compositor::start()
+MaybeError Compositor::start()
 {
-    const auto socketName = WaylandSocketName::choose(mCommandLine.socketName());
-    if (const auto* const error = std::get_if<WaylandSocketName::Error>(&socketName)) {
-        mError = error->text;
-        return false;
+    const Result<QByteArray> socketName = WaylandSocketName::choose(mOptions.socketName);
+    if (const auto* const error = std::get_if<Error>(&socketName)) {
+        return *error;
     }
-    // The name is taken before the socket is opened: a second compositor stops here and leaves no trace. Calls are
-    // answered by the event loop, when everything is up.
-    if (!publishObjects() || !mBusService.takeName()) {
-        mError = mBusService.error();
-        return false;
+    // The name is requested before the socket is opened: a second compositor stops here and leaves no trace. Calls wait
+    // for the event loop, which runs when everything is up.
+    if (const MaybeError error = publishObjects()) {
+        return error;
+    }
+    if (const MaybeError error = mBusService.takeName()) {
+        return error;
     }
     mBusService.takeNotificationName();
 
@@ -55,23 +55,27 @@ bool Compositor::start()
     mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mWindowStack, mNotificationCards,
                                              mScreenSaver, mWindow);
     mWindow.setInput(mSeatInput.get());
-    if (mCommandLine.isFullScreenWindow()) {
+    if (mOptions.isFullScreenWindow) {
         mWindow.showFullScreen();
     } else {
         mWindow.show();
     }
-    if (!mScriptPlayer.start()) {
-        mError = mScriptPlayer.error();
-        return false;
-    }
-    return true;
+    return mScriptPlayer.start();
 }
 
-bool Compositor::publishObjects()
+MaybeError Compositor::publishObjects()
 {
-    return mBusService.publish(QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject)
-        && mBusService.publish(QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject)
-        && mBusService.publish(QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject)
-        && mBusService.publish(QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject)
-        && mBusService.publish(QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject);
+    const std::pair<QString, QObject*> objects[] = {
+        {QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject},
+        {QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject},
+        {QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject},
+        {QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject},
+        {QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject},
+    };
+    for (const auto& [path, object] : objects) {
+        if (const MaybeError error = mBusService.publish(path, object)) {
+            return error;
+        }
+    }
+    return {};
 }

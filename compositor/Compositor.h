@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Options.h"
+#include "Result.h"
 #include "bus/BusService.h"
 #include "bus/CallGate.h"
 #include "bus/GlobalOverlayObject.h"
@@ -26,20 +28,14 @@
 
 #include <memory>
 
-class CommandLine;
-
-/// Puts the parts together and starts them.
+/// Owns the parts of the program, connects them and starts them.
 class Compositor
 {
 public:
-    explicit Compositor(const CommandLine& commandLine);
+    explicit Compositor(Options options);
 
-    /// False, with a reason in error(), when the compositor cannot work here; nothing is left behind then.
-    bool start();
-    QString error() const
-    {
-        return mError;
-    }
+    /// Returns why the compositor cannot work here; nothing is left behind then.
+    MaybeError start();
     QByteArray socketName() const
     {
         return mServer.socketName();
@@ -55,10 +51,9 @@ public:
     }
 
 private:
-    bool publishObjects();
+    MaybeError publishObjects();
 
-    const CommandLine& mCommandLine;
-    QString mError;
+    const Options mOptions;
 
     Output mOutput;
     ScreenSaver mScreenSaver;

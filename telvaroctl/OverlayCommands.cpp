@@ -34,7 +34,7 @@ QList<Command> overlayCommands()
 {
     return {
         {"overlay", "Shows a message over everything on the screen, or takes it away.", "show TEXT | hide",
-         "The library does not report whether the service accepted; the exit status tells\nwhether it was asked.",
+         "The library does not report whether the service accepted; the exit status says\nwhether it was asked.",
          noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return overlay(arguments);

@@ -553,7 +553,7 @@ QJsonArray parse(const QByteArray& content)
 
 } // namespace
 
-std::variant<Script::Plan, ScriptFile::Error> ScriptFile::read(const QString& fileName)
+Result<Script::Plan> ScriptFile::read(const QString& fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {

@@ -30,7 +30,7 @@ int tryLock(const QByteArray& socketPath)
     return error;
 }
 
-WaylandSocketName::Error errorFor(const QByteArray& directory, const QByteArray& name, int number)
+Error errorFor(const QByteArray& directory, const QByteArray& name, int number)
 {
     if (number == EWOULDBLOCK) {
         return {QStringLiteral("the Wayland socket \"%1\" is in use by another compositor")
@@ -43,7 +43,7 @@ WaylandSocketName::Error errorFor(const QByteArray& directory, const QByteArray&
 
 } // namespace
 
-std::variant<QByteArray, WaylandSocketName::Error> WaylandSocketName::choose(const QByteArray& wanted)
+Result<QByteArray> WaylandSocketName::choose(const QByteArray& wanted)
 {
     const QByteArray directory = qgetenv("XDG_RUNTIME_DIR");
     if (directory.isEmpty()) {

@@ -193,6 +193,26 @@ private Q_SLOTS:
         QCOMPARE(mService.takeDescriptions(), QStringList());
     }
 
+    void aWarningOfQtIsPrintedAndIsNoFailure_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        for (const char* command :
+             {"views", "screensaver", "orientation 90", "fullscreen", "overlay hide", "notify summary"}) {
+            QTest::newRow(command) << words(command);
+        }
+    }
+
+    void aWarningOfQtIsPrintedAndIsNoFailure()
+    {
+        QFETCH(QStringList, arguments);
+        setTwoViews();
+        qputenv("QT_LOGGING_RULES", "nonsense");
+        const Result result = telvaroctl(arguments);
+        qunsetenv("QT_LOGGING_RULES");
+        QCOMPARE(result.errors, message("Ignoring malformed logging rule: 'nonsense'"));
+        QCOMPARE(result.status, 0);
+    }
+
     void withoutTheServiceEveryCommandFailsAndSaysWhy_data()
     {
         QTest::addColumn<QStringList>("arguments");
