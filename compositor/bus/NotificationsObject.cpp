@@ -5,9 +5,9 @@
 #include "NotificationsObjectAdaptor.h"
 #include "bus/GatedAdaptor.h"
 #include "bus/NotificationImage.h"
-#include "shell/Theme.h"
 #include "state/Limits.h"
 #include "state/NotificationCenter.h"
+#include "state/SanitizedText.h"
 
 #include <QDBusError>
 #include <QRegularExpression>
@@ -36,7 +36,7 @@ QString plainBody(QString body)
     for (const auto& entity : entities) {
         body.replace(entity.first, entity.second);
     }
-    return Theme::plainText(body, cLongestBody);
+    return sanitizedText(body, cLongestBody);
 }
 
 /// In the order of preference of the Desktop Notifications Specification.
@@ -65,7 +65,7 @@ QVector<Notification::Action> actionsOf(const QStringList& list, bool keysAreIco
     for (int i = 0; i < list.size() && actions.size() < cMostActions; i += 2) {
         Notification::Action action;
         action.key = list.at(i);
-        action.label = Theme::plainText(list.value(i + 1, action.key), cLongestAction);
+        action.label = sanitizedText(list.value(i + 1, action.key), cLongestAction);
         if (action.key.isEmpty() || action.key.size() > cLongestAction) {
             continue;
         }
@@ -95,7 +95,7 @@ uint NotificationsObject::Notify(const QString&, uint replacesId, const QString&
                                  int expireTimeout)
 {
     Notification notification;
-    notification.summary = Theme::plainText(summary, cLongestSummary);
+    notification.summary = sanitizedText(summary, cLongestSummary);
     notification.body = plainBody(body);
     notification.icon = iconOf(hints, appIcon);
     notification.actions = actionsOf(actions, hints.value(QStringLiteral("action-icons")).toBool());

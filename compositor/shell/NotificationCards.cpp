@@ -10,6 +10,8 @@
 
 #include <QPainter>
 
+#include <utility>
+
 namespace {
 
 constexpr int cWidth = 360;
@@ -44,15 +46,20 @@ NotificationCards::NotificationCards(const Output& output, NotificationCenter& c
 {
     connect(&center, &NotificationCenter::changed, this, &NotificationCards::invalidate);
     connect(&output, &Output::geometryChanged, this, &NotificationCards::invalidate);
-    connect(&scene, &Scene::aboutToPaint, this, &NotificationCards::layOutIfNeeded);
 }
 
 void NotificationCards::invalidate()
 {
     if (mIsValid) {
         mIsValid = false;
-        mScene.damage(QRegion());
+        mScene.requestFrame();
     }
+}
+
+QRegion NotificationCards::update()
+{
+    layOutIfNeeded();
+    return std::exchange(mDamage, QRegion());
 }
 
 void NotificationCards::layOutIfNeeded()
@@ -65,7 +72,7 @@ void NotificationCards::layOutIfNeeded()
 
 void NotificationCards::layOut()
 {
-    QRect damage = paintedArea();
+    mDamage |= paintedArea();
     mCards.clear();
     mRemainingRect = QRect();
     mRemainingCount = 0;
@@ -89,10 +96,7 @@ void NotificationCards::layOut()
         mRemainingRect = QRect(topLeft, QSize(width, cRemainingHeight));
     }
 
-    damage |= paintedArea();
-    if (!damage.isEmpty()) {
-        mScene.damage(damage);
-    }
+    mDamage |= paintedArea();
 }
 
 NotificationCards::Card NotificationCards::layOutCard(const Notification& notification, const QPoint& topLeft,

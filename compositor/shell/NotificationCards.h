@@ -13,7 +13,7 @@ class NotificationCenter;
 class Output;
 class Scene;
 
-/// The cards on which notifications are shown, the newest at the top, as many as there is room for.
+/// The cards of the notifications, the newest at the top, as many as fit.
 class NotificationCards : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -22,11 +22,12 @@ public:
     NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent = nullptr);
 
     bool contains(const QPoint& position);
-    /// True when `position` is on a card: then the press is meant for it.
+    /// Returns whether `position` is on a card, which takes the press then.
     bool press(const QPoint& position);
-    /// Does what was pressed, if the pointer is still there.
+    /// Triggers what was pressed, if the pointer is still on it.
     void release(const QPoint& position);
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 private:
@@ -56,7 +57,7 @@ private:
         }
     };
 
-    /// Changes may come faster than anybody can look: the layout waits until it is needed.
+    /// Notifications may change faster than frames are painted: the layout waits until it is needed.
     void invalidate();
     void layOutIfNeeded();
     void layOut();
@@ -71,6 +72,8 @@ private:
     NotificationCenter& mCenter;
     Scene& mScene;
     bool mIsValid = true;
+    /// Of the layouts since the last frame.
+    QRegion mDamage;
     QVector<Card> mCards;
     QRect mRemainingRect;
     int mRemainingCount = 0;

@@ -30,7 +30,7 @@ OutputWindow::OutputWindow(Output& output, Scene& scene)
     mFrameTimer.setSingleShot(true);
     mFrameTimer.setTimerType(Qt::PreciseTimer);
     connect(&mFrameTimer, &QTimer::timeout, this, &OutputWindow::paintFrame);
-    connect(&scene, &Scene::frameNeeded, this, &OutputWindow::scheduleFrame);
+    connect(&scene, &Scene::frameRequested, this, &OutputWindow::scheduleFrame);
     mSinceFrame.start();
 }
 
@@ -48,8 +48,7 @@ void OutputWindow::paintFrame()
         return;
     }
     mSinceFrame.restart();
-    mScene.update();
-    const QRegion damage = mScene.takeDamage();
+    const QRegion damage = mScene.update();
     if (!damage.isEmpty()) {
         mBackingStore.resize(size());
         mBackingStore.beginPaint(damage);
@@ -67,7 +66,7 @@ void OutputWindow::paintFrame()
 void OutputWindow::exposeEvent(QExposeEvent*)
 {
     if (isExposed()) {
-        mScene.damageAll();
+        mScene.repaint();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "shell/Scene.h"
 #include "shell/Theme.h"
 #include "state/Output.h"
+#include "state/SanitizedText.h"
 #include "state/ViewList.h"
 
 #include <QPainter>
@@ -26,12 +27,17 @@ StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, 
 {
     mClock.setSingleShot(true);
     connect(&mClock, &QTimer::timeout, this, [this] {
-        mScene.damage(mOutput.statusBarRect());
+        mScene.requestFrame();
         waitForNextMinute();
     });
     connect(&output, &Output::geometryChanged, this, &StatusBar::waitForNextMinute);
-    connect(&views, &ViewList::viewsChanged, this, &StatusBar::update);
-    connect(&views, &ViewList::currentChanged, this, &StatusBar::update);
+    const auto requestFrameForTitle = [this] {
+        if (mTitle != title()) {
+            mScene.requestFrame();
+        }
+    };
+    connect(&views, &ViewList::viewsChanged, this, requestFrameForTitle);
+    connect(&views, &ViewList::currentChanged, this, requestFrameForTitle);
     waitForNextMinute();
 }
 
@@ -45,12 +51,16 @@ void StatusBar::waitForNextMinute()
     mClock.start(60000 - now.second() * 1000 - now.msec());
 }
 
-void StatusBar::update()
+QRegion StatusBar::update()
 {
-    if (mTitle != title()) {
-        mTitle = title();
-        mScene.damage(mOutput.statusBarRect());
+    const QString newTitle = title();
+    const QString newTime = QTime::currentTime().toString(QStringLiteral("HH:mm"));
+    if (newTitle == mTitle && newTime == mTime) {
+        return {};
     }
+    mTitle = newTitle;
+    mTime = newTime;
+    return mOutput.statusBarRect();
 }
 
 QString StatusBar::title() const
@@ -59,7 +69,7 @@ QString StatusBar::title() const
     if (view == nullptr) {
         return {};
     }
-    const QString title = Theme::plainText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
+    const QString title = sanitizedText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
     return view->isResponding ? title : QStringLiteral("%1 (not responding)").arg(title);
 }
 
@@ -78,6 +88,5 @@ void StatusBar::paint(QPainter* painter) const
                     Qt::AlignLeft | Qt::AlignVCenter, 1);
     painter->setPen(Theme::cMutedText);
     painter->setFont(font);
-    painter->drawText(bar.adjusted(0, 0, -cMargin, 0), Qt::AlignRight | Qt::AlignVCenter,
-                      QTime::currentTime().toString(QStringLiteral("HH:mm")));
+    painter->drawText(bar.adjusted(0, 0, -cMargin, 0), Qt::AlignRight | Qt::AlignVCenter, mTime);
 }

@@ -19,10 +19,10 @@ class StatusBar : public QObject, public SceneLayer
 public:
     StatusBar(const Output& output, const ViewList& views, Scene& scene, QObject* parent = nullptr);
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 private:
-    void update();
     void waitForNextMinute();
     QString title() const;
 
@@ -30,5 +30,7 @@ private:
     const ViewList& mViews;
     Scene& mScene;
     QTimer mClock;
+    /// As they are painted.
     QString mTitle;
+    QString mTime;
 };

@@ -10,7 +10,7 @@ class QRectF;
 class QString;
 class QTextLayout;
 
-/// The colours, fonts and shapes that the compositor's own parts share.
+/// The colours, fonts and shapes of the compositor's own layers.
 namespace Theme {
 
 inline const QColor cBackgroundTop{0x22, 0x2e, 0x3c};
@@ -27,10 +27,7 @@ inline const QColor cAlert{0xf0, 0x7a, 0x5c};
 
 QFont font(int pixelSize, QFont::Weight weight = QFont::Normal);
 
-/// Text as it came from somebody else: no more than `length` characters, in which nothing can upset a layout.
-QString plainText(const QString& text, int length);
-
-/// Breaks the text into lines of at most `width` and answers the height of the first `maximumLines` of them.
+/// Breaks the text into lines of at most `width` and returns the height of the first `maximumLines` of them.
 qreal layOutLines(QTextLayout* layout, qreal width, int maximumLines);
 
 /// Draws `text` in `rect`, broken into at most `maximumLines` lines; what does not fit ends in an ellipsis.

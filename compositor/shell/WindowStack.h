@@ -18,8 +18,8 @@ class QWaylandXdgToplevel;
 class Scene;
 class ViewList;
 
-/// The clients' windows and popups: which of them are shown, where, and what lies under the pointer. Shown are the
-/// window of the current view, beneath it the windows that it is a dialog of, and above it their popups.
+/// The clients' windows and popups: which of them are visible, where, and which surface is under the pointer. Visible
+/// are the window of the current view, below it the parents of a dialog, and above it their popups.
 class WindowStack : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     {
         ClientWindow* window = nullptr;
         ClientSurface* surface = nullptr;
-        /// In the surface.
+        /// In the surface's coordinates.
         QPointF position;
     };
 
@@ -40,16 +40,17 @@ public:
 
     /// Null when there is no view.
     ClientWindow* current() const;
-    /// What takes input at `position`; all null when nothing does.
+    /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
-    /// Tells the clients that their contents have been shown.
+    /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 Q_SIGNALS:
-    /// Another surface may lie under the pointer.
+    /// The surface under the pointer may have changed.
     void arrangementChanged();
     /// current() has changed, and all windows have been configured.
     void currentChanged();
@@ -67,7 +68,8 @@ private:
     void configureAll();
     void handleCurrentChanged();
     void handleCommit(const QObject* source);
-    void updateContents();
+    /// To be called when other surfaces are visible than before.
+    void rearrange();
 
     const Output& mOutput;
     ViewList& mViews;
@@ -77,4 +79,5 @@ private:
     QVector<ClientPopup*> mPopups;
     /// Where everything was when it was painted last.
     QVector<QRect> mArrangement;
+    bool mIsRearranged = false;
 };
