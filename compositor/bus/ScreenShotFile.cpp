@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "bus/ScreenshotFile.h"
+#include "bus/ScreenShotFile.h"
 
 #include <QBuffer>
 #include <QDateTime>
@@ -20,7 +20,7 @@ constexpr char cFileNotFound[] = "org.freedesktop.DBus.Error.FileNotFound";
 constexpr char cAccessDenied[] = "org.freedesktop.DBus.Error.AccessDenied";
 constexpr char cFailed[] = "org.freedesktop.DBus.Error.Failed";
 
-/// As many screenshots can be taken within one millisecond.
+/// Screenshots of the same millisecond get a number each.
 constexpr int cNameAttempts = 1000;
 
 bool writeAll(int descriptor, const QByteArray& data)
@@ -42,7 +42,7 @@ bool writeAll(int descriptor, const QByteArray& data)
 
 } // namespace
 
-ScreenshotFile::ScreenshotFile(const QString& directory)
+ScreenShotFile::ScreenShotFile(const QString& directory)
     : mDirectory(directory)
 {
     if (directory.isEmpty()) {
@@ -73,14 +73,14 @@ ScreenshotFile::ScreenshotFile(const QString& directory)
     }
 }
 
-ScreenshotFile::~ScreenshotFile()
+ScreenShotFile::~ScreenShotFile()
 {
     if (mDirectoryDescriptor >= 0) {
         close(mDirectoryDescriptor);
     }
 }
 
-bool ScreenshotFile::write(const QImage& image)
+bool ScreenShotFile::write(const QImage& image)
 {
     QByteArray data;
     QBuffer buffer(&data);
@@ -110,7 +110,7 @@ bool ScreenshotFile::write(const QImage& image)
     return true;
 }
 
-int ScreenshotFile::createFile(QByteArray* name)
+int ScreenShotFile::createFile(QByteArray* name)
 {
     const QByteArray time = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss-zzz")).toLatin1();
     int descriptor = -1;
@@ -125,13 +125,13 @@ int ScreenshotFile::createFile(QByteArray* name)
     return descriptor;
 }
 
-void ScreenshotFile::fail(const char* errorName, const QString& text)
+void ScreenShotFile::fail(const char* errorName, const QString& text)
 {
     mErrorName = QString::fromLatin1(errorName);
     mErrorText = text;
 }
 
-void ScreenshotFile::failWith(int number, const QString& text)
+void ScreenShotFile::failWith(int number, const QString& text)
 {
     const bool isDenied = number == EACCES || number == EPERM || number == EROFS;
     fail(isDenied ? cAccessDenied : cFailed,

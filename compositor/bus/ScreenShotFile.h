@@ -7,15 +7,15 @@
 
 class QImage;
 
-/// A new PNG file in a directory. Nothing that exists is ever overwritten, no link is followed out of the directory,
-/// and a file that could not be written completely is removed again.
-class ScreenshotFile
+/// A new PNG file in a directory. Never overwrites a file, follows no symbolic link out of the directory, and removes a
+/// file that could not be written completely.
+class ScreenShotFile
 {
 public:
-    explicit ScreenshotFile(const QString& directory);
-    ~ScreenshotFile();
-    ScreenshotFile(const ScreenshotFile&) = delete;
-    ScreenshotFile& operator=(const ScreenshotFile&) = delete;
+    explicit ScreenShotFile(const QString& directory);
+    ~ScreenShotFile();
+    ScreenShotFile(const ScreenShotFile&) = delete;
+    ScreenShotFile& operator=(const ScreenShotFile&) = delete;
 
     bool isDirectoryOpen() const
     {
