@@ -144,6 +144,14 @@ class Bus:
     def set_views(self, count):
         self._service.ask(f"views {count}")
 
+    def broadcast(self):
+        """Makes the service signal the changes that a client writes."""
+        self._service.ask("broadcast")
+
+    def change(self, what):
+        """Changes a title or switches to the next view, and returns the time at which the signals were sent."""
+        return int(self._service.ask(what))
+
     @contextlib.contextmanager
     def monitor(self):
         """A function that returns all messages on the bus since its last call, as busctl describes them."""
@@ -175,6 +183,31 @@ class Bus:
             yield Client(process)
 
 
+class Application:
+    """A running application that shows the list of views. Its figures are nanoseconds."""
+
+    def __init__(self, process, bus):
+        self._process = process
+        self._bus = bus
+        self.start, _ = self._read()
+
+    def _read(self):
+        return [int(figure) for figure in self._process.read().split()]
+
+    def change(self, what):
+        """Changes a title or the current view at the service: the time until it is shown, and the event loop's hold."""
+        self._process.ask("await-" + what)
+        sent = self._bus.change(what)
+        shown, held = self._read()
+        return shown - sent, held
+
+    def step(self):
+        """Steps to the next view: the time of the call, and the time until the view is shown."""
+        self._process.write("step")
+        called, duration, shown, _ = self._read()
+        return duration, shown - called
+
+
 class Client:
     def __init__(self, process):
         self._process = process
@@ -193,13 +226,16 @@ class Client:
             self.run(command, 1)
 
 
+CALLGRIND = ["valgrind", "--quiet", "--tool=callgrind", "--instr-atstart=no"]
+
+
 def count_instructions(bus, name, operations):
     """The instructions per repetition of each operation in the client's whole process, by its name: the median of
     several samples. Their noise is how often Qt's thread wakes."""
     instructions = {}
     with tempfile.TemporaryDirectory(dir=bus.directory) as directory:
         output = os.path.join(directory, "dump")
-        prefix = ["valgrind", "--quiet", "--tool=callgrind", "--instr-atstart=no", f"--callgrind-out-file={output}"]
+        prefix = [*CALLGRIND, f"--callgrind-out-file={output}"]
         # Resolves the names of all functions before the first call.
         with bus.client(name, prefix, LD_BIND_NOW="1") as client:
             # Decoding first: it is all allocations, whose cost depends on what was freed before.
@@ -211,7 +247,7 @@ def count_instructions(bus, name, operations):
                 # The first sample warms up.
                 for _ in range(1 + samples):
                     client.run(operation.command, count)
-                    totals.append(_last_dump(output))
+                    totals.append(last_dump(output))
                 instructions[operation.name] = statistics.median(totals[1:]) / count
     return instructions
 
@@ -225,7 +261,8 @@ def _counted_repetitions(views):
     return 1, 3 if views < 10000 else 1
 
 
-def _last_dump(output):
+def last_dump(output):
+    """The instructions of the newest dump, which is removed with those before it."""
     dumps = glob.glob(output + ".*")
     last = max(dumps, key=lambda path: int(path.rsplit(".", 1)[1]))
     with open(last, encoding="utf-8") as file:

@@ -14,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 
+import applications
 import harness
 from harness import OPERATIONS
 
@@ -152,6 +153,28 @@ def count_everything(new_bus, quick):
             free)
 
 
+def measure_applications(new_bus, quick):
+    """Times, messages and instructions of the applications that show the list of views."""
+    # Many short turns, since the machine may be busy for a while.
+    changes_by_views = {10: 7, 100: 7} if quick else {10: 7, 100: 7, 1000: 3}
+    counted_by_views = {10: 8} if quick else {10: 15, 100: 7, 1000: 2}
+    counted = [(name, views) for views in counted_by_views for name in applications.APPLICATIONS]
+
+    def count(name_and_views):
+        name, views = name_and_views
+        return applications.count_instructions(new_bus, name, views, counted_by_views[views])
+
+    times = applications.measure_times(new_bus, 8 if quick else 30, changes_by_views)
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
+        counts = dict(zip(counted, workers.map(count, counted)))
+    return {
+        "times": times,
+        "messages": applications.count_messages(new_bus),
+        "instructions": {views: {name: counts[name, views] for name in applications.APPLICATIONS}
+                         for views in counted_by_views},
+    }
+
+
 def measure_loading(new_bus, library):
     """The dynamic linker's work for the library."""
     def run(*command):
@@ -227,6 +250,8 @@ def main():
     check_equal(new_bus)
     rounds = 7 if arguments.quick else 25
     results["rounds"] = rounds
+    report("Applications ...")
+    results["applications"] = measure_applications(new_bus, arguments.quick)
     report("Time ...")
     results["times"], results["floor"] = measure_times(new_bus, rounds)
     results["cold"] = measure_cold_start(new_bus, rounds)

@@ -9,6 +9,7 @@ import pathlib
 import re
 import statistics
 
+import applications
 from harness import OPERATIONS
 
 TITLES = {
@@ -36,12 +37,9 @@ class Results:
         return self._ratio(self.values["times"][operation], client, reference)
 
     def noise(self, operation):
-        """The deviation from 1 of the ratio of the library to itself, or of its median's 95 % interval where that is
-        wider."""
+        """The noise of the library beside itself."""
         samples = self.values["times"][operation]
-        ratios = [again / first for again, first in zip(samples["telvaro-again"], samples["telvaro"])]
-        lower, _, upper = statistics.quantiles(ratios, n=4)
-        return max(abs(statistics.median(ratios) - 1), 1.57 * (upper - lower) / math.sqrt(len(ratios)))
+        return noise(samples["telvaro-again"], samples["telvaro"])
 
     def cold(self, client, reference="qtdbus"):
         return self._ratio(self.values["cold"], client, reference)
@@ -70,9 +68,18 @@ class Results:
 
     @staticmethod
     def _ratio(samples, client, reference):
-        if client not in samples or reference not in samples:
-            return None
-        return statistics.median(own / other for own, other in zip(samples[client], samples[reference]))
+        return median_ratio(samples[client], samples[reference]) if {client, reference} <= samples.keys() else None
+
+
+def median_ratio(samples, references):
+    return statistics.median(own / other for own, other in zip(samples, references))
+
+
+def noise(again, first):
+    """The deviation from 1 of the ratio of two equals, or of its median's 95 % interval where that is wider."""
+    ratios = [own / other for own, other in zip(again, first)]
+    lower, _, upper = statistics.quantiles(ratios, n=4)
+    return max(abs(statistics.median(ratios) - 1), 1.57 * (upper - lower) / math.sqrt(len(ratios)))
 
 
 def ratio(value):
@@ -86,6 +93,63 @@ def fine_ratio(value):
 def table(head, rows):
     lines = ["| " + " | ".join(head) + " |", "|" + "|".join(["---"] + ["---:"] * (len(head) - 1)) + "|"]
     return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
+
+
+APPLICATION_TITLES = {
+    "live": "live layer",
+    "qtdbus": "QtDBus by hand",
+    "sdbus": "sd-bus by hand",
+    "sdbus-notified": "sd-bus, values of the signals",
+}
+APPLICATION_ROWS = [
+    ("times", "start", "start, until the list stands", None),
+    ("times", "title", "a title, until shown", 0.80),
+    ("times", "switch", "a switch, until list and current view are shown", 0.35),
+    ("times", "switch held", "a switch: time that the event loop is held", 0.25),
+    ("times", "step call", "a step: the call", 0.10),
+    ("times", "step", "a step, until list and current view are shown", None),
+    ("instructions", "title", "instructions of a title", None),
+    ("instructions", "switch", "instructions of a switch", 0.40),
+    ("instructions", "step", "instructions of a step", None),
+]
+
+
+def application_ratios(results, what, figure, views):
+    """The figure to the connectors by application, and its noise."""
+    if what == "times":
+        samples = results.values["applications"]["times"][views][figure]
+        return ({name: median_ratio(samples[name], samples["connectors"]) for name in APPLICATION_TITLES},
+                noise(samples[applications.AGAIN], samples["connectors"]))
+    counts = results.values["applications"]["instructions"][views]
+    return {name: counts[name][figure] / counts["connectors"][figure] for name in APPLICATION_TITLES}, None
+
+
+def application_table(results):
+    rows = []
+    for what, figure, title, limit in APPLICATION_ROWS:
+        for views in results.values["applications"][what]:
+            ratios, deviation = application_ratios(results, what, figure, views)
+            goal = "" if limit is None else f"{limit:.2f} " + judge(ratios["live"], limit, deviation or 0)[1]
+            rows.append([title, f"{int(views):,}", f"**{ratio(ratios['live'])}**", goal,
+                         *(ratio(ratios[name]) for name in APPLICATION_TITLES if name != "live"),
+                         "" if deviation is None else "± " + ratio(deviation)])
+    live, *others = APPLICATION_TITLES.values()
+    return table(["To the blocking connectors", "views", live, "at most", *others, "noise"], rows)
+
+
+def application_messages(results):
+    messages = results.values["applications"]["messages"]
+    titles = {"connectors": "blocking connectors", **APPLICATION_TITLES}
+    changes = ["start", *applications.CHANGES]
+    return table(["Messages besides the signals", *changes],
+                 [[titles[name], *(str(messages[name][change]) for change in changes)] for name in titles])
+
+
+def live_to_sdbus(results):
+    """The range of the live layer's time for a switch to that of sd-bus by hand."""
+    ratios = [median_ratio(figures["switch"]["live"], figures["switch"]["sdbus"])
+              for figures in results.values["applications"]["times"].values()]
+    return f"{min(ratios):.2f} to {max(ratios):.2f}"
 
 
 def time_table(results):
@@ -180,6 +244,10 @@ def figures(results):
         "load_before": f"{machine['load']:.1f}",
         "load_after": f"{machine['load at the end']:.1f}",
         "operation_count": len(OPERATIONS) - 1,
+        "applications": application_table(results),
+        "application_messages": application_messages(results),
+        "live_to_sdbus": live_to_sdbus(results),
+        "application_rounds": len(results.values["applications"]["times"]["10"]["start"]["connectors"]),
         "goals": goal_table(results),
         "times": time_table(results),
         "cold": ratio(results.cold("telvaro")),

@@ -13,7 +13,7 @@ namespace {
 const QString cHelp = QStringLiteral("help");
 const QString cVersion = QStringLiteral("version");
 
-/// The option as the help shows it: "-h, --help" or "--size WIDTHxHEIGHT".
+/// Returns the option as the help shows it: "-h, --help" or "--size WIDTHxHEIGHT".
 QString syntaxOf(const QCommandLineOption& option)
 {
     QStringList names;

@@ -7,14 +7,14 @@
 #include <optional>
 #include <variant>
 
-/// Why something failed, in words for the person who started the program.
+/// Why something failed, as text for the person who started the program.
 struct Error
 {
     QString text;
 };
 
-/// The value, or why there is none.
+/// What a function that parses or looks up something returns: a value, or why there is none.
 template <typename Value> using Result = std::variant<Value, Error>;
 
-/// Empty on success.
+/// What a function that starts something returns: empty on success.
 using MaybeError = std::optional<Error>;

@@ -12,7 +12,7 @@
 
 class QCommandLineParser;
 
-/// What the command line sets.
+/// The settings of the command line.
 struct Options
 {
     QSize size{1024, 600};

@@ -26,9 +26,9 @@ CommandLine::Text text()
 /// Settings of Qt that must be made before the application object.
 void prepareQt()
 {
-    // The output's pixels are the device's, whatever the desktop scales its windows by.
+    // A pixel of the output is a pixel of the window, whatever scale factor the desktop has.
     QCoreApplication::setAttribute(Qt::AA_DisableHighDpiScaling);
-    // Input methods belong to the clients: the compositor passes keys on as they are.
+    // The compositor forwards keys; an input method of its own would swallow them.
     qputenv("QT_IM_MODULE", "none");
     QCoreApplication::setApplicationName(QStringLiteral("telvaro-compositor"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TELVARO_VERSION));

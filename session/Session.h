@@ -23,7 +23,7 @@ public:
     /// Starts the bus and then the compositor, and blocks until both are up. Returns why one is not.
     MaybeError start();
 
-    /// Whether start() has failed because the compositor rejects its options, which it has explained itself.
+    /// Returns whether start() has failed because the compositor rejects its options. It has printed why.
     bool areOptionsRejected() const;
 
     /// Starts the command with this process's input and output; emits ended() when it has ended.

@@ -12,11 +12,11 @@
 void installMessageHandler();
 int warningCount();
 
-/// Writes the text to standard output at once.
+/// Prints the text to standard output and flushes it.
 void printText(const QString& text);
 void printLine(const QString& line);
 
-/// Writes one line to standard error.
+/// Prints one line to standard error, prefixed with the tool's name.
 void printError(const QString& message);
 
 /// Returns the columns of the terminal on standard output; 0 where that is not a terminal.

@@ -33,7 +33,7 @@ ExitStatus overlay(const QStringList& arguments)
 QList<Command> overlayCommands()
 {
     return {
-        {"overlay", "Shows a message over everything on the screen, or takes it away.", "show TEXT | hide",
+        {"overlay", "Shows a message over everything on the screen, or hides it.", "show TEXT | hide",
          "The library does not report whether the service accepted; the exit status says\nwhether it was asked.",
          noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {

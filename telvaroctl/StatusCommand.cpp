@@ -53,7 +53,7 @@ ExitStatus showStatus(bool asJson)
     QJsonObject proxies;
     bool areProxiesValid = true;
     const auto addProxy = [&](const char* name, auto isProxyValid) {
-        // Without its service no proxy is valid, and the screen connector would warn when it is made.
+        // Without the service no proxy is valid, and the screen connector's constructor would log a warning.
         const bool isValid = isServiceThere && isProxyValid();
         proxies.insert(QLatin1String(name), isValid);
         areProxiesValid = areProxiesValid && isValid;

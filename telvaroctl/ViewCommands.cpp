@@ -156,7 +156,7 @@ ExitStatus isCurrent(const QStringList& arguments)
         return Failed;
     }
     const bool answer = TelvaroTaskSwitcherDBusConnector().isCurrentView(arguments.constFirst());
-    // Process ids that could not be found out compare equal, so a warning outweighs the answer.
+    // The library compares two unknown process ids as equal, so a warning outweighs the result.
     return answer && warningCount() == 0 ? Done : Failed;
 }
 

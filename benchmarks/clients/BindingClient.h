@@ -3,9 +3,7 @@
 #pragma once
 
 #include "clients/Client.h"
-
-#include <algorithm>
-#include <iterator>
+#include "clients/NextView.h"
 
 /// A client that keeps views and texts of the types of its binding, for each of which there is an addTo().
 template <typename View, typename Views> class ViewClient : public Client
@@ -118,11 +116,7 @@ private:
     {
         const Views views = getViews();
         checkSucceeded(hasOwner());
-        const Text uuid = getCurrentView();
-        const auto current = std::find_if(views.begin(), views.end(), [&uuid](const View& view) {
-            return view.uuid == uuid;
-        });
-        return current != views.end() ? *current : View();
+        return findView<View>(views, getCurrentView());
     }
 
     void writeCurrentView(const Text& uuid)
@@ -133,22 +127,7 @@ private:
 
     void stepToNextView()
     {
-        const Views all = getViews();
-        const View current = currentView();
-        Views ofApplication;
-        std::copy_if(all.begin(), all.end(), std::back_inserter(ofApplication), [&current](const View& view) {
-            return view.appId == current.appId;
-        });
-        checkSucceeded(!ofApplication.empty());
-        std::sort(ofApplication.begin(), ofApplication.end(), [](const View& left, const View& right) {
-            return left.sortIndex < right.sortIndex;
-        });
-        auto next = std::find_if(ofApplication.begin(), ofApplication.end(), [&current](const View& view) {
-            return view.uuid == current.uuid;
-        });
-        if (next == ofApplication.end() || ++next == ofApplication.end()) {
-            next = ofApplication.begin();
-        }
-        writeCurrentView(next->uuid);
+        const Views views = getViews();
+        writeCurrentView(nextView(views, currentView()).uuid);
     }
 };

@@ -11,7 +11,7 @@ struct AsText
         return value ? "true" : "false";
     }
 
-    std::string operator()(std::uint32_t value) const
+    std::string operator()(std::int32_t value) const
     {
         return std::to_string(value);
     }

@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-using PlainAttribute = std::variant<bool, std::uint32_t, std::string>;
+using PlainAttribute = std::variant<bool, std::int32_t, std::string>;
 
 /// A view as an application without Qt declares it.
 struct PlainView

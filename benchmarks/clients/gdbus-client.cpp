@@ -34,8 +34,8 @@ PlainAttribute readAttribute(GVariant* value)
     if (g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)) {
         return g_variant_get_boolean(value) != FALSE;
     }
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) {
-        return std::uint32_t{g_variant_get_uint32(value)};
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_INT32)) {
+        return std::int32_t{g_variant_get_int32(value)};
     }
     return std::string(g_variant_get_string(value, nullptr));
 }

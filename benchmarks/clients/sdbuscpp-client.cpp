@@ -24,8 +24,8 @@ PlainAttribute readAttribute(const sdbus::Variant& value)
     if (type == "b") {
         return value.get<bool>();
     }
-    if (type == "u") {
-        return value.get<std::uint32_t>();
+    if (type == "i") {
+        return value.get<std::int32_t>();
     }
     return value.get<std::string>();
 }

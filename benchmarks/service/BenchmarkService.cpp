@@ -7,10 +7,10 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
-#include <initializer_list>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
@@ -65,6 +65,11 @@ std::string makeUuid(int view)
     return text;
 }
 
+int viewOf(const std::string& uuid)
+{
+    return std::stoi(uuid.substr(uuid.rfind('-') + 1));
+}
+
 void appendVariant(DBusMessageIter& iterator, int type, const void* value)
 {
     const char signature[] = {static_cast<char>(type), '\0'};
@@ -83,13 +88,21 @@ void appendAttribute(DBusMessageIter& attributes, const char* key, int type, con
     dbus_message_iter_close_container(&attributes, &entry);
 }
 
-void appendView(DBusMessageIter& views, int view)
+void appendTextAttribute(DBusMessageIter& attributes, const char* key, const std::string& text)
+{
+    const char* const characters = text.c_str();
+    appendAttribute(attributes, key, DBUS_TYPE_STRING, &characters);
+}
+
+/// Appends a record with the fields and attributes that the reference compositor sends.
+void appendView(DBusMessageIter& views, int view, const std::string& title, bool isCurrent)
 {
     const std::string application = "org.example.application" + std::to_string(view / cViewsOfAnApplication);
+    const std::string processName = "application" + std::to_string(view / cViewsOfAnApplication);
     DBusMessageIter record;
     dbus_message_iter_open_container(&views, DBUS_TYPE_STRUCT, nullptr, &record);
-    for (const std::string& text : {makeUuid(view), application, "Übersicht " + std::to_string(view),
-                                    "/usr/share/icons/" + application + ".png", std::string("main"), std::string()}) {
+    for (const std::string& text : {makeUuid(view), application, title, processName,
+                                    std::string(isCurrent ? "current" : "background"), std::string("window")}) {
         const char* const characters = text.c_str();
         dbus_message_iter_append_basic(&record, DBUS_TYPE_STRING, &characters);
     }
@@ -100,13 +113,23 @@ void appendView(DBusMessageIter& views, int view)
 
     DBusMessageIter attributes;
     dbus_message_iter_open_container(&record, DBUS_TYPE_ARRAY, "{sv}", &attributes);
-    const dbus_bool_t isFullScreen = FALSE;
-    const char* const role = "window";
-    appendAttribute(attributes, "fullScreen", DBUS_TYPE_BOOLEAN, &isFullScreen);
-    appendAttribute(attributes, "layer", DBUS_TYPE_UINT32, &sortIndex);
-    appendAttribute(attributes, "role", DBUS_TYPE_STRING, &role);
+    appendTextAttribute(attributes, "title", title);
+    appendTextAttribute(attributes, "processName", processName);
+    for (const auto& [key, isSet] : {std::pair("current", isCurrent), {"responding", true}, {"dialog", false}}) {
+        const dbus_bool_t value = isSet;
+        appendAttribute(attributes, key, DBUS_TYPE_BOOLEAN, &value);
+    }
+    for (const auto& [key, size] : {std::pair("width", 1280), {"height", 720}}) {
+        const std::int32_t value = size;
+        appendAttribute(attributes, key, DBUS_TYPE_INT32, &value);
+    }
     dbus_message_iter_close_container(&record, &attributes);
     dbus_message_iter_close_container(&views, &record);
+}
+
+long long now()
+{
+    return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 } // namespace
@@ -156,10 +179,18 @@ bool BenchmarkService::handleCommand()
     std::istringstream line(std::string(buffer, static_cast<std::size_t>(size)));
     std::string command;
     line >> command;
+    long long reply = 0;
     if (command == "views") {
         int count = 0;
         line >> count;
         setViewCount(count);
+    } else if (command == "broadcast") {
+        mIsBroadcasting = true;
+    } else if (command == "title") {
+        reply = sendTitle();
+    } else if (command == "switch") {
+        mCurrentView = (mCurrentView + 1) % static_cast<int>(mTitles.size());
+        reply = sendSwitch();
     } else if (command == "mark") {
         const DBusMessagePointer mark(dbus_message_new_signal(cNotifyChangePath, cNotifyChangeInterface, "Mark"));
         dbus_connection_send(mConnection.get(), mark.get(), nullptr);
@@ -167,26 +198,103 @@ bool BenchmarkService::handleCommand()
     } else {
         throw std::runtime_error("unknown command " + command);
     }
-    std::cout << command << std::endl;
+    std::cout << reply << std::endl;
     return true;
 }
 
 void BenchmarkService::setViewCount(int count)
 {
+    mTitles.clear();
+    for (int view = 0; view < count; ++view) {
+        mTitles.push_back("Übersicht " + std::to_string(view));
+    }
+    mCurrentView = count / 2;
+    makeViewsReply();
+}
+
+void BenchmarkService::makeViewsReply()
+{
     // A template: each copy gets the destination and the serial of its call.
     mViews.reset(dbus_message_new(DBUS_MESSAGE_TYPE_METHOD_RETURN));
     DBusMessageIter iterator;
     dbus_message_iter_init_append(mViews.get(), &iterator);
+    appendViews(iterator);
+}
+
+void BenchmarkService::appendViews(DBusMessageIter& iterator) const
+{
     DBusMessageIter variant;
     dbus_message_iter_open_container(&iterator, DBUS_TYPE_VARIANT, "a(ssssssuua{sv})", &variant);
     DBusMessageIter views;
     dbus_message_iter_open_container(&variant, DBUS_TYPE_ARRAY, "(ssssssuua{sv})", &views);
-    for (int view = 0; view < count; ++view) {
-        appendView(views, view);
+    for (std::size_t view = 0; view < mTitles.size(); ++view) {
+        const int number = static_cast<int>(view);
+        appendView(views, number, mTitles[view], number == mCurrentView);
     }
     dbus_message_iter_close_container(&variant, &views);
     dbus_message_iter_close_container(&iterator, &variant);
-    mCurrentView = makeUuid(count / 2);
+}
+
+long long BenchmarkService::sendTitle()
+{
+    std::string& title = mTitles[static_cast<std::size_t>(++mTitleChanges) % mTitles.size()];
+    title = "Übersicht, geändert " + std::to_string(mTitleChanges);
+    makeViewsReply();
+    return broadcast({"views"});
+}
+
+long long BenchmarkService::sendSwitch()
+{
+    makeViewsReply();
+    return broadcast({"views", "currentView"});
+}
+
+long long BenchmarkService::broadcast(std::initializer_list<const char*> properties)
+{
+    std::vector<DBusMessagePointer> signals;
+    for (const char* const property : properties) {
+        signals.push_back(makeSignal(property));
+    }
+    const long long start = now();
+    for (const DBusMessagePointer& signal : signals) {
+        dbus_connection_send(mConnection.get(), signal.get(), nullptr);
+    }
+    dbus_connection_flush(mConnection.get());
+    return start;
+}
+
+DBusMessagePointer BenchmarkService::makeSignal(const char* property) const
+{
+    DBusMessagePointer signal(dbus_message_new_signal(cTaskSwitcherPath, cPropertiesInterface, "PropertiesChanged"));
+    DBusMessageIter iterator;
+    dbus_message_iter_init_append(signal.get(), &iterator);
+    dbus_message_iter_append_basic(&iterator, DBUS_TYPE_STRING, &cTaskSwitcherInterface);
+    DBusMessageIter changed;
+    dbus_message_iter_open_container(&iterator, DBUS_TYPE_ARRAY, "{sv}", &changed);
+    DBusMessageIter entry;
+    dbus_message_iter_open_container(&changed, DBUS_TYPE_DICT_ENTRY, nullptr, &entry);
+    dbus_message_iter_append_basic(&entry, DBUS_TYPE_STRING, &property);
+    appendProperty(entry, property);
+    dbus_message_iter_close_container(&changed, &entry);
+    dbus_message_iter_close_container(&iterator, &changed);
+    DBusMessageIter invalidated;
+    dbus_message_iter_open_container(&iterator, DBUS_TYPE_ARRAY, "s", &invalidated);
+    dbus_message_iter_close_container(&iterator, &invalidated);
+    return signal;
+}
+
+void BenchmarkService::appendProperty(DBusMessageIter& iterator, const std::string& property) const
+{
+    if (property == "views") {
+        appendViews(iterator);
+    } else if (property == "screenSaverActive") {
+        const dbus_bool_t isActive = FALSE;
+        appendVariant(iterator, DBUS_TYPE_BOOLEAN, &isActive);
+    } else {
+        const std::string value = property == "currentView" ? makeUuid(mCurrentView) : "90";
+        const char* const text = value.c_str();
+        appendVariant(iterator, DBUS_TYPE_STRING, &text);
+    }
 }
 
 void BenchmarkService::handleMessages()
@@ -208,13 +316,21 @@ void BenchmarkService::handleMessages()
 void BenchmarkService::answer(DBusMessage* call)
 {
     if (dbus_message_is_method_call(call, cNotifyChangeInterface, cNotifyChangeMethod)) {
-        notifyChange(dbus_message_get_sender(call));
+        const DBusMessagePointer signal = makeSignal("currentView");
+        // Unicast: the other clients would handle a broadcast in their own turns.
+        dbus_message_set_destination(signal.get(), dbus_message_get_sender(call));
+        dbus_connection_send(mConnection.get(), signal.get(), nullptr);
         return;
     }
+    const int formerView = mCurrentView;
     const DBusMessagePointer reply = makeReply(call);
     dbus_message_set_reply_serial(reply.get(), dbus_message_get_serial(call));
     dbus_message_set_destination(reply.get(), dbus_message_get_sender(call));
     dbus_connection_send(mConnection.get(), reply.get(), nullptr);
+    if (mIsBroadcasting && mCurrentView != formerView) {
+        dbus_connection_flush(mConnection.get());
+        sendSwitch();
+    }
 }
 
 DBusMessagePointer BenchmarkService::makeReply(DBusMessage* call)
@@ -258,13 +374,7 @@ DBusMessagePointer BenchmarkService::makePropertyReply(DBusMessage* call) const
     DBusMessagePointer reply(dbus_message_new_method_return(call));
     DBusMessageIter iterator;
     dbus_message_iter_init_append(reply.get(), &iterator);
-    if (property == std::string("screenSaverActive")) {
-        const dbus_bool_t isActive = FALSE;
-        appendVariant(iterator, DBUS_TYPE_BOOLEAN, &isActive);
-    } else {
-        const char* const text = property == std::string("currentView") ? mCurrentView.c_str() : "90";
-        appendVariant(iterator, DBUS_TYPE_STRING, &text);
-    }
+    appendProperty(iterator, property);
     return reply;
 }
 
@@ -281,26 +391,6 @@ void BenchmarkService::writeProperty(DBusMessage* call)
         dbus_message_iter_recurse(&iterator, &value);
         const char* uuid = nullptr;
         dbus_message_iter_get_basic(&value, &uuid);
-        mCurrentView = uuid;
+        mCurrentView = viewOf(uuid);
     }
-}
-
-void BenchmarkService::notifyChange(const char* receiver)
-{
-    const DBusMessagePointer signal(
-        dbus_message_new_signal(cTaskSwitcherPath, cPropertiesInterface, "PropertiesChanged"));
-    // Unicast: the other clients would handle a broadcast in their own turns.
-    dbus_message_set_destination(signal.get(), receiver);
-    DBusMessageIter iterator;
-    dbus_message_iter_init_append(signal.get(), &iterator);
-    dbus_message_iter_append_basic(&iterator, DBUS_TYPE_STRING, &cTaskSwitcherInterface);
-    DBusMessageIter changed;
-    dbus_message_iter_open_container(&iterator, DBUS_TYPE_ARRAY, "{sv}", &changed);
-    const char* const uuid = mCurrentView.c_str();
-    appendAttribute(changed, "currentView", DBUS_TYPE_STRING, &uuid);
-    dbus_message_iter_close_container(&iterator, &changed);
-    DBusMessageIter invalidated;
-    dbus_message_iter_open_container(&iterator, DBUS_TYPE_ARRAY, "s", &invalidated);
-    dbus_message_iter_close_container(&iterator, &invalidated);
-    dbus_connection_send(mConnection.get(), signal.get(), nullptr);
 }

@@ -25,7 +25,7 @@ QImage scaled(const QImage& image, int size)
 
 QImage loadFile(const QString& path, int size)
 {
-    // Anything but an ordinary file might block or never end, and so might the kernel's own, which have no size.
+    // Only regular files with a size: reading a FIFO, a device or a file in /proc may block or never end.
     const QFileInfo file(path);
     if (!file.isFile() || file.size() == 0 || file.size() > cLargestFile) {
         return {};
@@ -41,7 +41,7 @@ QImage loadFile(const QString& path, int size)
     return reader.read();
 }
 
-/// Symbolic icons are drawn in one colour that their user chooses.
+/// Paints a symbolic icon, which has one colour for the user to choose, in white.
 QImage tinted(QImage image)
 {
     QPainter painter(&image);
@@ -66,7 +66,7 @@ QImage NotificationImage::load(const QString& source, int size)
     if (source.contains(QLatin1Char('/'))) {
         return {};
     }
-    // Themes have ever fewer coloured icons, but most of them have the symbolic one.
+    // Falls back to the symbolic icon: many themes have no coloured one of that name any more.
     const QString symbolic = QStringLiteral("-symbolic");
     const bool isSymbolic = source.endsWith(symbolic) || !QIcon::hasThemeIcon(source);
     const QString name = isSymbolic && !source.endsWith(symbolic) ? source + symbolic : source;
@@ -96,7 +96,7 @@ QImage NotificationImage::fromHint(const QVariant& hint, int size)
 
     const bool isPlausible = width > 0 && width <= Limits::cLargestEdge && height > 0 && height <= Limits::cLargestEdge
         && bitsPerSample == 8 && channels == (hasAlpha ? 4 : 3) && rowStride >= width * channels;
-    // The last row may lack its padding.
+    // The last row may come without its padding.
     if (!isPlausible || data.size() < qint64(rowStride) * (height - 1) + qint64(width) * channels) {
         return {};
     }

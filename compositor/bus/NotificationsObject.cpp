@@ -21,7 +21,7 @@ constexpr int cLongestAction = 500;
 constexpr int cMostActions = 9;
 constexpr int cCriticalUrgency = 2;
 
-/// The body without the markup that the Desktop Notifications Specification allows in it.
+/// Returns the body without the markup that the Desktop Notifications Specification allows.
 QString plainBody(QString body)
 {
     static const QRegularExpression tags(QStringLiteral("</?(?:b|i|u|a|img)(?:\\s[^<>]*)?/?>"),
@@ -39,7 +39,7 @@ QString plainBody(QString body)
     return sanitizedText(body, cLongestBody);
 }
 
-/// In the order of preference of the Desktop Notifications Specification.
+/// Returns the picture that comes first in the order of the Desktop Notifications Specification.
 QImage iconOf(const QVariantMap& hints, const QString& appIcon)
 {
     for (const auto& key : {QStringLiteral("image-data"), QStringLiteral("image_data")}) {
@@ -58,7 +58,7 @@ QImage iconOf(const QVariantMap& hints, const QString& appIcon)
     return NotificationImage::fromHint(hints.value(QStringLiteral("icon_data")), Limits::cNotificationIconSize);
 }
 
-/// The list holds a key and a label by turns; a key without a label is its own label.
+/// `list` alternates keys and labels; a last key without a label is its own label.
 QVector<Notification::Action> actionsOf(const QStringList& list, bool keysAreIcons)
 {
     QVector<Notification::Action> actions;

@@ -51,7 +51,7 @@ private:
     ScreenSaver& mScreenSaver;
     CallGate& mGate;
     BusService& mBusService;
-    /// By the number of the step that waits for them.
+    /// What has been counted for a waiting step, by its number.
     QHash<int, int> mCalls;
     QHash<int, QSet<QString>> mAppearedViews;
     bool mHasFailed = false;

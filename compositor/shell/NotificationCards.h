@@ -48,7 +48,7 @@ private:
     struct Target
     {
         quint32 id = 0;
-        /// Empty for the card itself.
+        /// Empty for the card outside its buttons.
         QString actionKey;
 
         bool operator==(const Target& other) const
@@ -72,7 +72,7 @@ private:
     NotificationCenter& mCenter;
     Scene& mScene;
     bool mIsValid = true;
-    /// Of the layouts since the last frame.
+    /// What the layouts since the last frame have changed.
     QRegion mDamage;
     QVector<Card> mCards;
     QRect mRemainingRect;

@@ -182,8 +182,8 @@ void SeatInput::updatePointerFocus()
 void SeatInput::setPointerFocus(const WindowStack::Hit& target)
 {
     const bool hasMoved = target.window != mPointerWindow;
-    // A client that ends takes its surfaces along one after the other, and Qt does not survive an event for one that is
-    // about to go.
+    // While a client disconnects, its surfaces are destroyed one by one; QWaylandSeat crashes on an event for one that
+    // is already being destroyed.
     const bool isThere =
         target.surface != nullptr && target.surface->surface() != nullptr && !target.surface->surface()->isDestroyed();
     const bool isAdmitted = isThere && target.window != nullptr && target.window->admitEvent();

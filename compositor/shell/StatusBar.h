@@ -30,7 +30,7 @@ private:
     const ViewList& mViews;
     Scene& mScene;
     QTimer mClock;
-    /// As they are painted.
+    /// The texts that are painted.
     QString mTitle;
     QString mTime;
 };

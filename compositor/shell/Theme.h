@@ -34,7 +34,7 @@ qreal layOutLines(QTextLayout* layout, qreal width, int maximumLines);
 void drawText(QPainter* painter, const QRectF& rect, const QString& text, const QFont& font, Qt::Alignment alignment,
               int maximumLines);
 
-/// The height that drawText() takes.
+/// Returns the height that drawText() needs.
 int textHeight(const QString& text, const QFont& font, int width, int maximumLines);
 
 void drawShadow(QPainter* painter, const QRectF& rect, qreal radius, int reach);

@@ -75,9 +75,9 @@ private:
     ViewList& mViews;
     Scene& mScene;
     QVector<ClientWindow*> mWindows;
-    /// In the order of their opening.
+    /// In the order in which they were opened.
     QVector<ClientPopup*> mPopups;
-    /// Where everything was when it was painted last.
+    /// The rectangles of the visible surfaces in the last frame.
     QVector<QRect> mArrangement;
     bool mIsRearranged = false;
 };

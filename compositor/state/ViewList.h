@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// All views in the order of their appearance, and which of them is the current one.
+/// All views in the order of their appearance, and the current one.
 class ViewList : public QObject
 {
     Q_OBJECT
@@ -32,12 +32,12 @@ public:
     {
         return find(current());
     }
-    /// False, and nothing changed, when there is no such view.
+    /// Returns false when there is no such view.
     bool setCurrent(const QString& uuid);
 
     /// Adds `view` as the current one, with the next sort index of its application.
     void add(View view);
-    /// When the current view is removed, the one that was current before it follows.
+    /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
 
     void setAppId(const QString& uuid, const QString& appId);
@@ -47,7 +47,7 @@ public:
     void setResponding(const QString& uuid, bool isResponding);
 
 Q_SIGNALS:
-    /// Comes before currentChanged() when both change.
+    /// Emitted before currentChanged() when both change.
     void viewsChanged();
     void currentChanged();
 

@@ -2,35 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientDrag.h"
 
+#include "wayland/ClientResources.h"
 #include "wayland/RequestGuard.h"
 
 #include <QWaylandDrag>
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
-#include <wayland-server-core.h>
-
-#include <cstring>
-#include <vector>
-
-namespace {
-
-std::vector<wl_resource*> dataDevicesOf(wl_client* client)
-{
-    std::vector<wl_resource*> devices;
-    wl_client_for_each_resource(
-        client,
-        [](wl_resource* resource, void* data) {
-            if (std::strcmp(wl_resource_get_class(resource), "wl_data_device") == 0) {
-                static_cast<std::vector<wl_resource*>*>(data)->push_back(resource);
-            }
-            return WL_ITERATOR_CONTINUE;
-        },
-        &devices);
-    return devices;
-}
-
-} // namespace
+#include <wayland-server-protocol.h>
 
 ClientDrag::ClientDrag(QWaylandSeat* seat, RequestGuard& guard)
     : mSeat(seat)
@@ -77,17 +56,16 @@ bool ClientDrag::follow(wl_client* client)
     if (client == mTarget) {
         return true;
     }
-    const std::vector<wl_resource*> devices = dataDevicesOf(client);
-    if (devices.empty()) {
-        return false;
-    }
     setTarget(client);
-    for (wl_resource* device : devices) {
+    ClientResources::forEach(client, wl_data_device_interface, [this](wl_resource* device) {
         mTargetListeners.push_back(std::make_unique<ResourceListener>(device, [this] {
             leave();
         }));
+    });
+    if (mTargetListeners.empty()) {
+        mTarget = nullptr;
     }
-    return true;
+    return mTarget != nullptr;
 }
 
 void ClientDrag::setTarget(wl_client* client)

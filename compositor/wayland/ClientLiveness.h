@@ -2,12 +2,16 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ResourceListener.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
 #include <QWaylandClient>
 #include <QWaylandXdgShell>
+
+#include <memory>
 
 /// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. Pings are
 /// sent on occasions, not on a timer: an idle client is left alone.
@@ -17,6 +21,10 @@ class ClientLiveness : public QObject
 
 public:
     ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent);
+
+    /// Sets the xdg_wm_base to ping: a client may bind several and serve only the one that it has created its window
+    /// with.
+    void setShellObject(wl_resource* object);
 
     bool isResponding() const
     {
@@ -40,6 +48,9 @@ private:
 
     QWaylandXdgShell* mShell;
     QPointer<QWaylandClient> mClient;
+    /// Null when the client has destroyed it.
+    wl_resource* mShellObject = nullptr;
+    std::unique_ptr<ResourceListener> mShellListener;
     bool mWaiting = false;
     bool mResponding = true;
     uint mSerial = 0;

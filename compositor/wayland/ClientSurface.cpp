@@ -3,6 +3,7 @@
 #include "wayland/ClientSurface.h"
 
 #include "wayland/ClientBounds.h"
+#include "wayland/ServerSurface.h"
 
 #include <QPainter>
 #include <QWaylandSurface>
@@ -39,7 +40,7 @@ void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegi
 
 QRegion ClientSurface::update()
 {
-    QRegion damage = std::exchange(mDamage, QRegion()) | mPixels.update(surface());
+    QRegion damage = std::exchange(mDamage, QRegion()) | mPixels.update(qobject_cast<ServerSurface*>(surface()));
     for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (const Child& child : *children) {
             damage |= child.surface->update().translated(child.position);

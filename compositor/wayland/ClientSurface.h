@@ -4,7 +4,6 @@
 
 #include "wayland/SurfacePixels.h"
 
-#include <QImage>
 #include <QPointer>
 #include <QRegion>
 #include <QVector>
@@ -31,10 +30,6 @@ public:
     QSize size() const
     {
         return mPixels.size();
-    }
-    QImage image() const
-    {
-        return mPixels.image();
     }
 
     /// Copies the pixels committed since the last call, in the whole tree. Returns the changed region in surface

@@ -113,7 +113,9 @@ const RequestGuard::Rule RequestGuard::cRules[] = {
     {"xdg_surface", "ack_configure", &RequestGuard::checkXdgSurfaceState},
     {"xdg_surface", "set_window_geometry", &RequestGuard::checkWindowGeometry},
     {"xdg_surface", "get_popup", &RequestGuard::notePopup},
-    {"xdg_popup", "destroy", &RequestGuard::destroyPopup},
+    {"xdg_popup", "destroy", &RequestGuard::destroyObject},
+    {"wl_seat", "release", &RequestGuard::destroyObject},
+    {"wl_output", "release", &RequestGuard::destroyObject},
 };
 
 RequestGuard::RequestGuard(QWaylandCompositor& compositor, QWaylandXdgShell& shell)
@@ -230,6 +232,7 @@ void RequestGuard::checkDrag(const Request& request)
 
 void RequestGuard::checkXdgSurface(const Request& request)
 {
+    mShell = request.resource;
     if (QWaylandXdgSurface::findIn(
             QWaylandSurface::fromResource(reinterpret_cast<wl_resource*>(request.arguments[1].o)))
         != nullptr) {
@@ -267,8 +270,8 @@ void RequestGuard::notePopup(const Request& request)
     mPopupId = request.arguments[0].n;
 }
 
-/// Destroys the xdg_popup: Qt ignores this request and would keep the popup until its client disconnects.
-void RequestGuard::destroyPopup(const Request& request)
+/// Destroys the object: Qt ignores this request and would keep the object until its client disconnects.
+void RequestGuard::destroyObject(const Request& request)
 {
     redirect(request.resource, handleRequest<destroyResource>);
 }

@@ -56,11 +56,15 @@ public:
     {
         mMayDrag = rule;
     }
-    /// Returns the xdg_popup that the current request has created, while QWaylandXdgShell emits popupCreated(). Qt has
-    /// no accessor for it.
+    /// Returns the xdg_popup that the current request has created, while QWaylandXdgShell emits popupCreated(), and the
+    /// xdg_wm_base of the current request, while it emits xdgSurfaceCreated(). Qt has no accessors for them.
     wl_resource* newPopup() const
     {
         return wl_client_get_object(mPopupClient, mPopupId);
+    }
+    wl_resource* shell() const
+    {
+        return mShell;
     }
 
 Q_SIGNALS:
@@ -83,8 +87,8 @@ private:
     void checkXdgSurfaceState(const Request& request);
     void checkWindowGeometry(const Request& request);
     void notePopup(const Request& request);
-    void destroyPopup(const Request& request);
     void createSubsurface(const Request& request);
+    void destroyObject(const Request& request);
     void checkBuffer(const Request& request);
     void checkCursor(const Request& request);
     void checkDrag(const Request& request);
@@ -93,6 +97,7 @@ private:
     wl_protocol_logger* mLogger = nullptr;
     ClientRule mMaySetCursor;
     ClientRule mMayDrag;
+    wl_resource* mShell = nullptr;
     wl_client* mPopupClient = nullptr;
     quint32 mPopupId = 0;
     /// The xdg_toplevel or xdg_popup of each xdg_surface that has been given one; null when it has been destroyed.

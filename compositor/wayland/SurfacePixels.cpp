@@ -3,13 +3,13 @@
 #include "wayland/SurfacePixels.h"
 
 #include "state/Limits.h"
+#include "wayland/BufferTransform.h"
 #include "wayland/ClientBounds.h"
+#include "wayland/ServerSurface.h"
 
 #include <QPainter>
-#include <QWaylandSurface>
 
 #include <wayland-server-core.h>
-#include <wayland-server-protocol.h>
 
 #include <cstring>
 #include <utility>
@@ -43,7 +43,7 @@ void SurfacePixels::commit(const QWaylandBufferRef& buffer, const QRegion& damag
     mHasCommit = true;
 }
 
-QRegion SurfacePixels::update(const QWaylandSurface* surface)
+QRegion SurfacePixels::update(const ServerSurface* surface)
 {
     if (!std::exchange(mHasCommit, false)) {
         return {};
@@ -65,12 +65,13 @@ QRegion SurfacePixels::update(const QWaylandSurface* surface)
         const int scale = surface->bufferScale();
         mSize = ClientBounds::clamped(surface->destinationSize());
         mSource = QRectF(surface->sourceGeometry().topLeft() * scale, surface->sourceGeometry().size() * scale);
-        const bool isScaled = QSizeF(mSize) * scale != QSizeF(buffer.size());
+        mTransform = surface->bufferTransform();
+        const bool isPlain = mTransform == WL_OUTPUT_TRANSFORM_NORMAL && QSizeF(mSize) * scale == QSizeF(buffer.size());
         // The client may have truncated the file behind the memory: libwayland catches the SIGBUS between these calls.
         wl_shm_buffer_begin_access(memory);
-        copy(buffer.image(), isScaled ? QRegion() : damage, scale);
+        copy(buffer.image(), isPlain ? damage : QRegion(), scale);
         wl_shm_buffer_end_access(memory);
-        if (isScaled) {
+        if (!isPlain) {
             damage = QRect(QPoint(), mSize);
         }
     }
@@ -83,15 +84,27 @@ QRegion SurfacePixels::update(const QWaylandSurface* surface)
 
 void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
 {
-    if (mImage.isNull()) {
+    if (mImage.isNull() || mSize.isEmpty() || mSource.isEmpty()) {
         return;
     }
-    if (mSource == QRectF(QPointF(), QSizeF(mSize))) {
+    if (mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSource == QRectF(QPointF(), QSizeF(mSize))) {
         painter->drawImage(position, mImage);
-    } else {
-        painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->drawImage(QRectF(position, mSize), mImage, mSource);
+        return;
     }
+    painter->save();
+    painter->setRenderHint(QPainter::SmoothPixmapTransform, mSource.size() != QSizeF(mSize));
+    if (mTransform == WL_OUTPUT_TRANSFORM_NORMAL) {
+        painter->drawImage(QRectF(position, mSize), mImage, mSource);
+    } else {
+        painter->setClipRect(QRect(position, mSize), Qt::IntersectClip);
+        painter->translate(position);
+        painter->scale(mSize.width() / mSource.width(), mSize.height() / mSource.height());
+        painter->translate(-mSource.topLeft());
+        const QSizeF upright = BufferTransform::applied(mTransform, QSizeF(mImage.size()));
+        painter->setTransform(BufferTransform::toBuffer(mTransform, upright).inverted(), true);
+        painter->drawImage(QPoint(), mImage);
+    }
+    painter->restore();
 }
 
 void SurfacePixels::setImage(const QImage& image)

@@ -9,10 +9,11 @@
 #include <QWaylandBufferRef>
 
 #include <memory>
+#include <wayland-server-protocol.h>
 
 class QPainter;
 class QPoint;
-class QWaylandSurface;
+class ServerSurface;
 
 /// The bytes that all SurfacePixels of one client hold. Limited, because a client can show a single wl_buffer on any
 /// number of surfaces.
@@ -43,16 +44,12 @@ public:
     void commit(const QWaylandBufferRef& buffer, const QRegion& damage);
     /// Copies what was committed since the last call. Returns the changed region in surface coordinates. `surface` is
     /// null when the client has destroyed it.
-    QRegion update(const QWaylandSurface* surface);
+    QRegion update(const ServerSurface* surface);
 
     /// In surface coordinates; empty while there is no content.
     QSize size() const
     {
         return mSize;
-    }
-    QImage image() const
-    {
-        return mImage;
     }
     void paint(QPainter* painter, const QPoint& position) const;
 
@@ -67,6 +64,7 @@ private:
 
     QImage mImage;
     QSize mSize;
-    /// The part of the image that is shown, by wp_viewport.
+    wl_output_transform mTransform = WL_OUTPUT_TRANSFORM_NORMAL;
+    /// The part of the upright image that is shown, by wp_viewport.
     QRectF mSource;
 };

@@ -5,9 +5,12 @@
 #include "state/Output.h"
 #include "state/ViewList.h"
 #include "wayland/ClientLiveness.h"
+#include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
 #include "wayland/ClientWindow.h"
+#include "wayland/ServerGlobals.h"
+#include "wayland/ServerSurface.h"
 #include "wayland/XdgOutput.h"
 
 #include <QCoreApplication>
@@ -15,7 +18,15 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
+#include <QtWaylandCompositor/private/qwaylandoutput_p.h>
+#include <QtWaylandCompositor/private/qwaylandseat_p.h>
+#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <wayland-server.h>
+
+// This header is not made for QT_NO_KEYWORDS.
+#define emit Q_EMIT
+#include <QtWaylandCompositor/private/qwaylandcompositor_p.h>
+#undef emit
 
 namespace {
 
@@ -41,6 +52,13 @@ public:
 private:
     const QStringList mPaths = QCoreApplication::libraryPaths();
 };
+
+void greetSeat(wl_resource* seat)
+{
+    if (wl_resource_get_version(seat) >= WL_SEAT_NAME_SINCE_VERSION) {
+        wl_seat_send_name(seat, "seat0");
+    }
+}
 
 QWaylandOutput::Transform transformOf(const Output& output)
 {
@@ -75,8 +93,17 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     mDecorations.setPreferredMode(QWaylandXdgToplevel::ServerSideDecoration);
     mDecorations.setExtensionContainer(this);
 
+    connect(this, &QWaylandCompositor::surfaceRequested, this, [this](QWaylandClient* client, uint id, int version) {
+        new ServerSurface(this, client, id, version);
+    });
     connect(this, &QWaylandCompositor::surfaceCreated, this, [this](QWaylandSurface* surface) {
         new ClientSurface(surface, recordOf(surface->client()).budget, this);
+    });
+    connect(&mShell, &QWaylandXdgShell::xdgSurfaceCreated, this, [this](QWaylandXdgSurface* xdgSurface) {
+        mShellObjects.insert(xdgSurface, mGuard.shell());
+        connect(xdgSurface, &QObject::destroyed, this, [this, xdgSurface] {
+            mShellObjects.remove(xdgSurface);
+        });
     });
     connect(&mShell, &QWaylandXdgShell::toplevelCreated, this, &WaylandServer::addWindow);
     connect(&mShell, &QWaylandXdgShell::popupCreated, this, &WaylandServer::addPopup);
@@ -101,6 +128,7 @@ void WaylandServer::start(const QByteArray& socketName)
     // Qt creates globals in Polish events; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
     mDecorations.initialize();
+    announceGlobals();
     mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
@@ -112,9 +140,25 @@ QWaylandSeat* WaylandServer::createSeat()
     return seat;
 }
 
+QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
+{
+    return new ClientPointer(seat);
+}
+
+void WaylandServer::announceGlobals()
+{
+    mGlobals = std::make_unique<ServerGlobals>(display());
+    mGlobals->announce<QtWaylandServer::wl_compositor>(*QWaylandCompositorPrivate::get(this), 4);
+    mGlobals->announce<QtWaylandServer::wl_seat, greetSeat>(*QWaylandSeatPrivate::get(defaultSeat()), 6);
+    mGlobals->announce<QtWaylandServer::wl_output>(*QWaylandOutputPrivate::get(&mWaylandOutput), 3);
+    // Version 2 adds states that a compositor may send: tiled windows, which there are none of here.
+    mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
+}
+
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)
 {
     ClientLiveness* const liveness = recordOf(xdgSurface->surface()->client()).liveness;
+    liveness->setShellObject(mShellObjects.value(xdgSurface));
     Q_EMIT windowCreated(new ClientWindow(toplevel, xdgSurface, liveness, mViews, this));
     mWaylandOutput.surfaceEnter(xdgSurface->surface());
 }

@@ -14,6 +14,7 @@
 #include <memory>
 
 class ClientLiveness;
+class ServerGlobals;
 class ClientPopup;
 class ClientWindow;
 class Output;
@@ -43,6 +44,7 @@ Q_SIGNALS:
 
 protected:
     QWaylandSeat* createSeat() override;
+    QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
 
 private:
     struct ClientRecord
@@ -54,6 +56,7 @@ private:
     void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
     void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
     const ClientRecord& recordOf(QWaylandClient* client);
+    void announceGlobals();
     void describeOutput();
 
     const Output& mOutput;
@@ -63,6 +66,9 @@ private:
     RequestGuard mGuard;
     QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
+    std::unique_ptr<ServerGlobals> mGlobals;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
+    /// The xdg_wm_base of each xdg_surface.
+    QHash<const QWaylandXdgSurface*, wl_resource*> mShellObjects;
 };

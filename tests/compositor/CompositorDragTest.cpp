@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 #include "WireClient.h"
 
 #include <unistd.h>
+#include <wayland-client-protocol.h>
 
 /// Drags from their begin to the drop, and those that end otherwise.
-class CompositorDragTest : public CompositorTest
+class CompositorDragTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -84,9 +85,10 @@ CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& ti
     const quint32 seat = dragger.client->bind("wl_seat");
     dragger.manager = dragger.client->bind("wl_data_device_manager");
     dragger.device = dragger.client->newId();
-    dragger.client->send(WireMessage(dragger.manager, 1).number(dragger.device).number(seat));
+    dragger.client->send(
+        WireMessage(dragger.manager, WL_DATA_DEVICE_MANAGER_GET_DATA_DEVICE).number(dragger.device).number(seat));
     dragger.pointer = dragger.client->newId();
-    dragger.client->send(WireMessage(seat, 0).number(dragger.pointer));
+    dragger.client->send(WireMessage(seat, WL_SEAT_GET_POINTER).number(dragger.pointer));
     dragger.window = dragger.client->openWindow(title);
     dragger.client->synchronise();
     return dragger;
@@ -95,16 +97,19 @@ CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& ti
 quint32 CompositorDragTest::createSource(const Dragger& dragger)
 {
     const quint32 source = dragger.client->newId();
-    dragger.client->send(WireMessage(dragger.manager, 0).number(source));
-    dragger.client->send(WireMessage(source, 0).text("text/plain"));
+    dragger.client->send(WireMessage(dragger.manager, WL_DATA_DEVICE_MANAGER_CREATE_DATA_SOURCE).number(source));
+    dragger.client->send(WireMessage(source, WL_DATA_SOURCE_OFFER).text("text/plain"));
     return source;
 }
 
 void CompositorDragTest::startDrag(const Dragger& dragger, quint32 source)
 {
     const quint32 icon = dragger.client->createSurface();
-    dragger.client->send(
-        WireMessage(dragger.device, 0).number(source).number(dragger.window.surface).number(icon).number(0U));
+    dragger.client->send(WireMessage(dragger.device, WL_DATA_DEVICE_START_DRAG)
+                             .number(source)
+                             .number(dragger.window.surface)
+                             .number(icon)
+                             .number(0U));
     QVERIFY2(dragger.client->synchronise(), dragger.client->errorText());
 }
 
@@ -186,7 +191,7 @@ void CompositorDragTest::aDragEndsWithItsSource()
     const quint32 source = createSource(dragger);
     startDrag(dragger, source);
     moveUntil(dragger, dragger.device, cDeviceMotion);
-    dragger.client->send(WireMessage(source, 1));
+    dragger.client->send(WireMessage(source, WL_DATA_SOURCE_DESTROY));
     waitForEvent(dragger, dragger.device, cDeviceLeave);
     mDesktop->release();
     checkPointer(dragger);
@@ -272,7 +277,8 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
     const quint32 surface = dragger.client->createSurface();
     dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
     dragger.client->commit(surface);
-    dragger.client->send(WireMessage(dragger.pointer, 0).number(0U).number(surface).number(1U).number(1U));
+    dragger.client->send(
+        WireMessage(dragger.pointer, WL_POINTER_SET_CURSOR).number(0U).number(surface).number(1U).number(1U));
     QVERIFY(dragger.client->synchronise());
 
     // One that takes its memory away, and one that is a window.
@@ -283,7 +289,11 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
     expectComplaints(5);
     const Dragger other = openDragger("Other");
     moveUntil(other, other.pointer, cPointerMotion);
-    other.client->send(WireMessage(other.pointer, 0).number(0U).number(other.window.surface).number(1U).number(1U));
+    other.client->send(WireMessage(other.pointer, WL_POINTER_SET_CURSOR)
+                           .number(0U)
+                           .number(other.window.surface)
+                           .number(1U)
+                           .number(1U));
     QVERIFY(!other.client->synchronise());
 }
 

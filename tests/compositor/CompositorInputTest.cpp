@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 
 /// What a user does with mouse and keyboard, on a desktop in memory.
-class CompositorInputTest : public CompositorTest
+class CompositorInputTest : public CompositorFixture
 {
     Q_OBJECT
 

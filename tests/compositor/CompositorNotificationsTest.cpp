@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "ImageHint.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
@@ -28,7 +28,7 @@ bool hasColour(const QImage& image, const QColor& color)
 }
 } // namespace
 
-class CompositorNotificationsTest : public CompositorTest
+class CompositorNotificationsTest : public CompositorFixture
 {
     Q_OBJECT
 

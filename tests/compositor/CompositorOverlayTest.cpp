@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include "TelvaroGlobalOverlayDBusConnector.h"
@@ -46,7 +46,7 @@ QRect textArea(const QImage& image, const QRect& area)
 }
 } // namespace
 
-class CompositorOverlayTest : public CompositorTest
+class CompositorOverlayTest : public CompositorFixture
 {
     Q_OBJECT
 

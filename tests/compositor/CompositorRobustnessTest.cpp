@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -10,7 +10,7 @@
 
 #include <vector>
 
-class CompositorRobustnessTest : public CompositorTest
+class CompositorRobustnessTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include "TelvaroScreenShotDBusConnector.h"
@@ -28,7 +28,7 @@ QDBusMessage takeScreenShot(const QString& directory)
 }
 } // namespace
 
-class CompositorScreenShotTest : public CompositorTest
+class CompositorScreenShotTest : public CompositorFixture
 {
     Q_OBJECT
 

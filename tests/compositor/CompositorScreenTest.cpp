@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
 
@@ -41,7 +41,7 @@ bool isOneColour(const QImage& image, const QRect& rect)
 }
 } // namespace
 
-class CompositorScreenTest : public CompositorTest
+class CompositorScreenTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "InterfaceFiles.h"
 #include "TestMain.h"
 
@@ -91,7 +91,7 @@ QString pathOf(const QString& interface)
 }
 } // namespace
 
-class CompositorScriptTest : public CompositorTest
+class CompositorScriptTest : public CompositorFixture
 {
     Q_OBJECT
 

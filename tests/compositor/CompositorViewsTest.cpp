@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QRegularExpression>
@@ -21,7 +21,7 @@ QStringList titlesOf(const QList<View>& views)
 }
 } // namespace
 
-class CompositorViewsTest : public CompositorTest
+class CompositorViewsTest : public CompositorFixture
 {
     Q_OBJECT
 

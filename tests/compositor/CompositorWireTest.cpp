@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QDBusArgument>
@@ -72,7 +72,7 @@ bool isWrongCall(const QDBusMessage& reply)
 } // namespace
 
 /// The objects against their description, and against calls that nobody should make.
-class CompositorWireTest : public CompositorTest
+class CompositorWireTest : public CompositorFixture
 {
     Q_OBJECT
 

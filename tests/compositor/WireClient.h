@@ -53,6 +53,8 @@ public:
     }
     /// The events of an object until now, with that opcode.
     QVector<Event> events(quint32 object, quint16 opcode) const;
+    /// All events of an object until now.
+    QVector<Event> events(quint32 object) const;
     /// Goes without a word, as one that is killed.
     void disconnect();
 

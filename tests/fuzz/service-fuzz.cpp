@@ -25,7 +25,7 @@ const int cSeedDeadline = 300000;
 
 bool isKnown(const QString& message)
 {
-    return Scenario::isFailureLog({message}) || message == Warnings::cUnparsed
+    return Operations::isFailureLog({message}) || message == Warnings::cUnparsed
         || message == QLatin1String("Unable to convert current view to string!");
 }
 

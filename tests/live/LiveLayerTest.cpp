@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 #include <TelvaroRequests.h>
@@ -36,7 +36,7 @@ template <typename... Types> bool waitFor(const QDBusPendingReply<Types...>& rep
 } // namespace
 
 /// The whole of the live layer with a service that behaves.
-class LiveLayerTest : public TaskSwitcherTest
+class LiveLayerTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
@@ -43,7 +43,7 @@ void runInnerLoop(QEventLoop& loop)
 } // namespace
 
 /// More notifications than an application can handle at once, and what it may do while it handles them.
-class FloodTest : public ConnectorTest
+class FloodTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private:
 
 void FloodTest::init()
 {
-    ConnectorTest::init();
+    ConnectorFixture::init();
     Scenario::set(mService);
 }
 
@@ -187,7 +187,7 @@ void FloodTest::slotsMayCallEveryOperation()
     int calls = 0;
     const auto callEverything = [&] {
         for (const QString& operation : Operations::names()) {
-            QCOMPARE(operations.perform(operation), Scenario::result(operation));
+            QCOMPARE(operations.perform(operation), Operations::result(operation));
             ++calls;
         }
     };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "DBusConnectionParameter.h"
 #include "OperationProcess.h"
 #include "PrivateBus.h"
@@ -138,7 +138,7 @@ int runCase(int argc, char** argv)
 
 /// What an application must not do, since neither Qt nor libdbus survives it: the manual tells it to the users. A test
 /// that fails here is good news, and the manual's page is to be changed.
-class LimitsTest : public ConnectorTest
+class LimitsTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -194,11 +194,11 @@ bool RestartTest::performAll(ServiceRestarter& restarter, int start)
         const QString result = mOperations.perform(operation);
         const QStringList texts = log.takeTexts();
         const bool isOrientation = operation == QLatin1String("getOrientation");
-        const QString right = isOrientation ? orientation(start) : Scenario::result(operation);
+        const QString right = isOrientation ? orientation(start) : Operations::result(operation);
         const bool isRight = result == right && texts.isEmpty();
         // Between two services an answer may come from either.
         const bool isOfOtherService = isOrientation && result == orientation(start + 1) && texts.isEmpty();
-        const bool isFailure = Scenario::isFailure(operation, result) && Scenario::isFailureLog(texts);
+        const bool isFailure = Operations::isFailure(operation, result) && Operations::isFailureLog(texts);
         if (!isRight && !isOfOtherService && !isFailure) {
             mProblem = QStringLiteral("%1 answered \"%2\": %3").arg(operation, result, texts.join(QLatin1Char('\n')));
         }

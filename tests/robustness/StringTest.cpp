@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
@@ -83,7 +83,7 @@ QList<Text> texts(int longest)
 } // namespace
 
 /// Texts of every kind and size through every operation that takes or gives one, and collections of many.
-class StringTest : public ConnectorTest
+class StringTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "Scenario.h"
@@ -92,7 +92,7 @@ int useFirst()
 } // namespace
 
 /// Connectors in many threads at once, each in the thread that owns it.
-class ThreadTest : public ConnectorTest
+class ThreadTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -136,7 +136,7 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
             for (int round = 0; round < roundCount; ++round) {
                 Operations operations;
                 for (const QString& operation : rounds.at((index + round) % rounds.size())) {
-                    const bool isRight = operations.perform(operation) == Scenario::result(operation);
+                    const bool isRight = operations.perform(operation) == Operations::result(operation);
                     ++(isRight ? rightCount : wrongCount);
                 }
             }

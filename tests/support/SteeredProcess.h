@@ -40,8 +40,9 @@ protected:
 
     qint64 processId() const;
 
+    ChildProcess mProcess;
+
 private:
     QString mProgram;
     QStringList mArguments;
-    ChildProcess mProcess;
 };

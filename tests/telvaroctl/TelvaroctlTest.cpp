@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
 
@@ -62,7 +62,7 @@ QString message(const char* text)
 
 } // namespace
 
-class TelvaroctlTest : public ConnectorTest
+class TelvaroctlTest : public ConnectorFixture
 {
     Q_OBJECT
 
