@@ -29,8 +29,8 @@ private:
     void logDifferences(const QList<View>& views);
     void setAwake(bool awake);
 
-    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know the
-    // new owner of the service's name.
+    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know
+    // the new owner of the service's name.
     QDBusServiceWatcher mServiceWatcher;
     TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
     TelvaroScreenDBusConnector mScreen;
