@@ -52,8 +52,8 @@ MaybeError Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mWindowStack, mNotificationCards,
-                                             mScreenSaver, mWindow);
+    mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mServer.drag(), mWindowStack,
+                                             mNotificationCards, mScreenSaver, mWindow);
     mWindow.setInput(mSeatInput.get());
     if (mOptions.isFullScreenWindow) {
         mWindow.showFullScreen();

@@ -10,20 +10,20 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
-SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
-                     ScreenSaver& screenSaver, QWindow& window)
+SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack,
+                     NotificationCards& cards, ScreenSaver& screenSaver, QWindow& window)
     : mSeat(seat)
     , mStack(stack)
     , mCards(cards)
     , mScreenSaver(screenSaver)
     , mCursor(window)
-    , mDrag(seat, guard)
+    , mDrag(drag)
 {
     guard.setCursorRule([this](wl_client* client) {
         return hasPointer(client);
     });
-    guard.setDragRule([this](wl_client* client) {
-        return hasPressedButton(client) && !mDrag.isActive();
+    drag.setRule([this](wl_client* client) {
+        return hasPressedButton(client);
     });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
     connect(&stack, &WindowStack::currentChanged, this, &SeatInput::updateKeyboardFocus);

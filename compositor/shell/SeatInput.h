@@ -17,6 +17,7 @@
 class NotificationCards;
 class QKeyEvent;
 class QWaylandSeat;
+class RequestGuard;
 class ScreenSaver;
 
 /// Routes input: it ends the screen saver first, then goes to the notification cards, then to the current view. All
@@ -26,7 +27,7 @@ class SeatInput : public QObject
     Q_OBJECT
 
 public:
-    SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
+    SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack, NotificationCards& cards,
               ScreenSaver& screenSaver, QWindow& window);
 
     void pointerMotion(const QPointF& position);
@@ -54,7 +55,7 @@ private:
     NotificationCards& mCards;
     ScreenSaver& mScreenSaver;
     ClientCursor mCursor;
-    ClientDrag mDrag;
+    ClientDrag& mDrag;
 
     QPointF mPosition;
     bool mIsInside = false;

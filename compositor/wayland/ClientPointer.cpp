@@ -25,11 +25,11 @@ wl_client* clientOf(const QWaylandView* view)
 
 void sendFrame(wl_client* client)
 {
-    ClientResources::forEach(client, wl_pointer_interface, [](wl_resource* pointer) {
+    for (wl_resource* pointer : ClientResources::of(client, wl_pointer_interface)) {
         if (wl_resource_get_version(pointer) >= WL_POINTER_FRAME_SINCE_VERSION) {
             wl_pointer_send_frame(pointer);
         }
-    });
+    }
 }
 
 } // namespace
@@ -69,7 +69,7 @@ void ClientPointer::sendMouseWheelEvent(Qt::Orientation orientation, int delta)
         orientation == Qt::Horizontal ? WL_POINTER_AXIS_HORIZONTAL_SCROLL : WL_POINTER_AXIS_VERTICAL_SCROLL;
     const bool isWheel = delta % cNotch == 0;
     const uint32_t time = compositor()->currentTimeMsecs();
-    ClientResources::forEach(focusedClient(), wl_pointer_interface, [&](wl_resource* pointer) {
+    for (wl_resource* pointer : ClientResources::of(focusedClient(), wl_pointer_interface)) {
         const bool hasFrames = wl_resource_get_version(pointer) >= WL_POINTER_FRAME_SINCE_VERSION;
         if (hasFrames) {
             wl_pointer_send_axis_source(pointer,
@@ -82,7 +82,7 @@ void ClientPointer::sendMouseWheelEvent(Qt::Orientation orientation, int delta)
         if (hasFrames) {
             wl_pointer_send_frame(pointer);
         }
-    });
+    }
 }
 
 wl_client* ClientPointer::focusedClient() const

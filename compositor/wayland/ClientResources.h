@@ -3,33 +3,34 @@
 #pragma once
 
 #include <cstring>
+#include <vector>
 #include <wayland-server-core.h>
 
 /// The objects of a client.
 namespace ClientResources {
 
-/// Calls `function` with each wl_resource of `interface`; a null client has none.
-template <typename Function> void forEach(wl_client* client, const wl_interface& interface, const Function& function)
+/// Returns each wl_resource of `interface`; a null client has none.
+inline std::vector<wl_resource*> of(wl_client* client, const wl_interface& interface)
 {
-    struct Context
+    struct Search
     {
-        const wl_interface& interface;
-        const Function& function;
+        const char* interface;
+        std::vector<wl_resource*> found;
     };
-    if (client == nullptr) {
-        return;
+    Search search{interface.name, {}};
+    if (client != nullptr) {
+        wl_client_for_each_resource(
+            client,
+            [](wl_resource* resource, void* data) {
+                auto* const current = static_cast<Search*>(data);
+                if (std::strcmp(wl_resource_get_class(resource), current->interface) == 0) {
+                    current->found.push_back(resource);
+                }
+                return WL_ITERATOR_CONTINUE;
+            },
+            &search);
     }
-    Context context{interface, function};
-    wl_client_for_each_resource(
-        client,
-        [](wl_resource* resource, void* data) {
-            const auto* const wanted = static_cast<const Context*>(data);
-            if (std::strcmp(wl_resource_get_class(resource), wanted->interface.name) == 0) {
-                wanted->function(resource);
-            }
-            return WL_ITERATOR_CONTINUE;
-        },
-        &context);
+    return search.found;
 }
 
 } // namespace ClientResources

@@ -106,7 +106,6 @@ const RequestGuard::Rule RequestGuard::cRules[] = {
     {"wl_surface", "destroy", &RequestGuard::checkSurfaceDestruction},
     {"wl_shm_pool", "create_buffer", &RequestGuard::checkBuffer},
     {"wl_pointer", "set_cursor", &RequestGuard::checkCursor},
-    {"wl_data_device", "start_drag", &RequestGuard::checkDrag},
     {"wl_subcompositor", "get_subsurface", &RequestGuard::createSubsurface},
     {"xdg_wm_base", "get_xdg_surface", &RequestGuard::checkXdgSurface},
     {"xdg_surface", "destroy", &RequestGuard::checkXdgSurfaceDestruction},
@@ -214,20 +213,6 @@ void RequestGuard::checkCursor(const Request& request)
     if (mMaySetCursor && !mMaySetCursor(wl_resource_get_client(request.resource))) {
         drop(request.resource);
     }
-}
-
-/// Drops a drag without a source, which is for the client itself only: Qt dereferences the null source.
-void RequestGuard::checkDrag(const Request& request)
-{
-    auto* const source = reinterpret_cast<wl_resource*>(request.arguments[0].o);
-    if (source != nullptr && mMayDrag && mMayDrag(wl_resource_get_client(request.resource))) {
-        Q_EMIT dragStarting(source);
-        return;
-    }
-    if (source != nullptr) {
-        wl_data_source_send_cancelled(source);
-    }
-    drop(request.resource);
 }
 
 void RequestGuard::checkXdgSurface(const Request& request)

@@ -51,11 +51,6 @@ public:
     {
         mMaySetCursor = rule;
     }
-    /// Sets which clients may call wl_data_device.start_drag.
-    void setDragRule(const ClientRule& rule)
-    {
-        mMayDrag = rule;
-    }
     /// Returns the xdg_popup that the current request has created, while QWaylandXdgShell emits popupCreated(), and the
     /// xdg_wm_base of the current request, while it emits xdgSurfaceCreated(). Qt has no accessors for them.
     wl_resource* newPopup() const
@@ -66,10 +61,6 @@ public:
     {
         return mShell;
     }
-
-Q_SIGNALS:
-    /// An admitted wl_data_device.start_drag, before Qt handles it.
-    void dragStarting(wl_resource* source);
 
 private:
     using Request = wl_protocol_logger_message;
@@ -91,12 +82,10 @@ private:
     void destroyObject(const Request& request);
     void checkBuffer(const Request& request);
     void checkCursor(const Request& request);
-    void checkDrag(const Request& request);
 
     QWaylandCompositor& mCompositor;
     wl_protocol_logger* mLogger = nullptr;
     ClientRule mMaySetCursor;
-    ClientRule mMayDrag;
     wl_resource* mShell = nullptr;
     wl_client* mPopupClient = nullptr;
     quint32 mPopupId = 0;

@@ -9,6 +9,7 @@
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
 #include "wayland/ClientWindow.h"
+#include "wayland/DataDevices.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
 #include "wayland/XdgOutput.h"
@@ -145,6 +146,11 @@ QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
     return new ClientPointer(seat);
 }
 
+ClientDrag& WaylandServer::drag()
+{
+    return mDataDevices->drag();
+}
+
 void WaylandServer::announceGlobals()
 {
     mGlobals = std::make_unique<ServerGlobals>(display());
@@ -153,6 +159,7 @@ void WaylandServer::announceGlobals()
     mGlobals->announce<QtWaylandServer::wl_output>(*QWaylandOutputPrivate::get(&mWaylandOutput), 3);
     // Version 2 adds states that a compositor may send: tiled windows, which there are none of here.
     mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
+    mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
 }
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)

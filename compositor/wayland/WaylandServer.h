@@ -13,12 +13,14 @@
 #include <QWaylandXdgShell>
 #include <memory>
 
+class ClientDrag;
 class ClientLiveness;
-class ServerGlobals;
 class ClientPopup;
 class ClientWindow;
+class DataDevices;
 class Output;
 class PixelBudget;
+class ServerGlobals;
 class ViewList;
 class XdgOutput;
 
@@ -37,6 +39,8 @@ public:
     {
         return mGuard;
     }
+    /// Exists after start().
+    ClientDrag& drag();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -67,6 +71,7 @@ private:
     QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
     std::unique_ptr<ServerGlobals> mGlobals;
+    std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
     /// The xdg_wm_base of each xdg_surface.

@@ -9,7 +9,7 @@
 #include <unistd.h>
 #include <wayland-client-protocol.h>
 
-/// Drags from their begin to the drop, and those that end otherwise.
+/// Drag and drop, and drags that are cancelled.
 class CompositorDragTest : public CompositorFixture
 {
     Q_OBJECT
@@ -42,11 +42,11 @@ private:
     Dragger openDragger(const QByteArray& title);
     static quint32 createSource(const Dragger& dragger);
     static void startDrag(const Dragger& dragger, quint32 source);
-    /// Moves until the object has got such an event.
+    /// Moves the pointer until the object has received the event.
     void moveUntil(const Dragger& dragger, quint32 object, quint16 opcode);
     void pressOn(const Dragger& dragger);
     static void waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode);
-    /// The pointer still leads to the window of the client.
+    /// Verifies that the pointer still reaches the client's window.
     void checkPointer(const Dragger& dragger);
 
     std::unique_ptr<VirtualDesktop> mDesktop;
@@ -54,7 +54,8 @@ private:
 };
 
 namespace {
-// Events and requests of the protocol.
+
+// Event opcodes.
 constexpr quint16 cPointerMotion = 2;
 constexpr quint16 cPointerButton = 3;
 constexpr quint16 cDeviceEnter = 1;
@@ -62,6 +63,7 @@ constexpr quint16 cDeviceLeave = 2;
 constexpr quint16 cDeviceMotion = 3;
 constexpr quint16 cDeviceDrop = 4;
 constexpr quint16 cSourceCancelled = 2;
+
 } // namespace
 
 void CompositorDragTest::initTestCase()
@@ -281,7 +283,7 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
         WireMessage(dragger.pointer, WL_POINTER_SET_CURSOR).number(0U).number(surface).number(1U).number(1U));
     QVERIFY(dragger.client->synchronise());
 
-    // One that takes its memory away, and one that is a window.
+    // A cursor whose memory is truncated, and a cursor that is a window.
     dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
     QCOMPARE(ftruncate(dragger.client->memory(), 0), 0);
     dragger.client->commit(surface);

@@ -12,12 +12,12 @@
 
 #include <memory>
 
-/// Qt's macros with the deadline of everything here: other programs may keep the machine busy.
+/// QTRY_* with the deadline of all tests, since other programs may keep the machine busy.
 #define TRY_VERIFY(statement) QTRY_VERIFY_WITH_TIMEOUT(statement, ChildProcess::cDeadline)
 #define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ChildProcess::cDeadline)
 
-/// A test with a compositor. Every test function gets a new one; it must still be there at the function's end, end as
-/// it should, and have complained of nothing.
+/// A test with a compositor. Every test function gets a new process, which must still run at the function's end, exit
+/// with status 0 and have logged nothing.
 class CompositorFixture : public QObject
 {
     Q_OBJECT
@@ -28,15 +28,15 @@ protected Q_SLOTS:
 
 protected:
     virtual void startCompositor();
-    /// For a test function whose clients are worth a complaint: each of them gets its line, but no flood of them.
+    /// For a test function with misbehaving clients: allows a log line for each of them, up to a limit.
     void expectComplaints(int mostLines);
 
     std::unique_ptr<LineClient> testClient();
     std::unique_ptr<LineClient> protocolClient();
-    /// A program with a window that nobody here wrote.
+    /// A client that is not part of the tests.
     std::unique_ptr<LineClient> foreignClient(const QString& program);
 
-    /// What the output shows.
+    /// The output's picture.
     QImage screenShot();
 
     std::unique_ptr<CompositorProcess> mCompositor;

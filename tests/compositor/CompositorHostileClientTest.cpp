@@ -17,21 +17,23 @@
 #include <xdg-shell-client-protocol.h>
 
 namespace {
+
 constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
 constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
-/// What the table expects of a client that has done no wrong.
+/// The expected error of a client that stays connected.
 constexpr int cNoError = -1;
-/// The compositor may cut the client or not.
+/// The compositor may disconnect the client or not.
 constexpr int cAnyEnd = -2;
-/// It cuts the client, whatever it calls the error.
+/// The compositor disconnects the client with any error.
 constexpr int cAnyError = -3;
 
 using Attack = std::function<void(WireClient&)>;
+
 } // namespace
 
 Q_DECLARE_METATYPE(Attack)
 
-/// Clients as no library makes them, beside one that must not notice.
+/// Clients that violate the protocol, beside a well-behaved witness.
 class CompositorHostileClientTest : public CompositorFixture
 {
     Q_OBJECT
@@ -671,7 +673,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
     const auto client = connectClient();
     attack(*client);
     client->synchronise();
-    // Everything that is there is painted and arranged anew.
+    // Paints and arranges everything again.
     screenShot();
     const bool isConnected = client->synchronise();
     if (error == cNoError) {
@@ -762,7 +764,7 @@ void CompositorHostileClientTest::aPopupIsEndedOnce()
     }
     QVERIFY(client->synchronise());
     QCOMPARE(client->events(popup, popupDone).size(), 1);
-    // What has been ended is not shown again, though the client has not taken it away.
+    // A dismissed popup is not shown again before the client destroys it.
     QVERIFY(screenShot().copy(0, 40, 1024, 560) != withPopup.copy(0, 40, 1024, 560));
     client->send(WireMessage(popup, XDG_POPUP_DESTROY));
     client->send(WireMessage(xdgSurface, XDG_SURFACE_DESTROY));
@@ -772,7 +774,7 @@ void CompositorHostileClientTest::aPopupIsEndedOnce()
 
 void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
 {
-    // A sanitizer's check of virtual calls opens descriptors, and ends the process without; it is off in the presets.
+    // The sanitizer's vptr check aborts without free descriptors; the presets turn it off.
     QCOMPARE(mCompositor->end(), 0);
     CompositorProcess limited;
     constexpr int limit = 60;
@@ -788,7 +790,7 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
             sockets.back()->connectToServer(socket);
             QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
         }
-        // A connection takes two, so one may stay free. More are open where this process has handed some on.
+        // A connection takes two descriptors, so one may stay free. More are open if the process has inherited some.
         TRY_VERIFY(limited.descriptorCount() >= limit - 1);
         for (int i = 0; i < 50; ++i) {
             QVERIFY(witness.synchronise());

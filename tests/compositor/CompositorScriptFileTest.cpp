@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QTemporaryDir>
 
-/// A script that is wrong is refused before anything is started.
+/// An invalid script is rejected before anything is started.
 class CompositorScriptFileTest : public QObject
 {
     Q_OBJECT
@@ -174,7 +174,7 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong()
     file.write(script);
     file.close();
 
-    // There is neither a display nor a bus that it could start with.
+    // Without a display or a bus the compositor could not start anyway.
     CompositorProcess compositor;
     compositor.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("none"));
     compositor.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/dev/null"));

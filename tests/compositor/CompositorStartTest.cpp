@@ -14,6 +14,7 @@
 #include <sys/un.h>
 
 namespace {
+
 const QString cServiceName = QStringLiteral(TELVARO_SERVICE_NAME);
 
 bool isNameOwned(const QString& name)
@@ -25,6 +26,7 @@ bool isNameOwned(const QString& name)
     message << name;
     return PrivateBus::connection().call(message).arguments().value(0).toBool();
 }
+
 } // namespace
 
 class CompositorStartTest : public QObject
@@ -207,7 +209,7 @@ void CompositorStartTest::failsWithoutAPlaceForTheSocket_data()
                              << QByteArray("XDG_RUNTIME_DIR (\"/nowhere/at/all\") is not a directory");
     QTest::newRow("a file") << QStringLiteral("/etc/passwd")
                             << QByteArray("XDG_RUNTIME_DIR (\"/etc/passwd\") is not a directory");
-    // Not writable, not even for root.
+    // Not writable, even for root.
     QTest::newRow("not writable") << QStringLiteral("/proc")
                                   << QByteArray("cannot open the Wayland socket \"wayland-1\" in XDG_RUNTIME_DIR "
                                                 "(\"/proc\"): ");
@@ -300,7 +302,7 @@ void CompositorStartTest::endsOnASignal()
 
 void CompositorStartTest::endsWhenTheBusGoesAway()
 {
-    // A bus beside the one of this process, which must stay.
+    // A second bus, since this process's own must stay.
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     PrivateBus bus;
     CompositorProcess compositor;

@@ -4,7 +4,7 @@
 
 #include "ChildProcess.h"
 
-/// A desktop in memory whose mouse and keyboard a test moves: what they do takes the same way as a user's input.
+/// A virtual X display whose mouse and keyboard events take the same path as a user's.
 class VirtualDesktop
 {
 public:

@@ -21,6 +21,7 @@
 #include <xdg-shell-client-protocol.h>
 
 namespace {
+
 constexpr quint32 cDisplay = 1;
 constexpr int cHeaderSize = 8;
 constexpr int cPixelSize = 4;
@@ -37,6 +38,7 @@ int connectTo(const QString& path)
     }
     return descriptor;
 }
+
 } // namespace
 
 quint32 WireClient::Event::number(int index) const
@@ -109,7 +111,7 @@ void WireClient::sendBytes(const QByteArray& bytes, const QVector<int>& descript
             continue;
         }
         if (errno != EAGAIN || timer.elapsed() > ChildProcess::cDeadline) {
-            // What the compositor said before it went is still there to be read.
+            // Events sent before the disconnection can still be read.
             while (receive()) { }
             return;
         }
@@ -294,7 +296,7 @@ quint32 WireClient::createPopup(quint32 xdgSurface, quint32 parentXdgSurface, qu
     return id;
 }
 
-quint32 WireClient::createPool(qint64 size, qint32 toldSize)
+quint32 WireClient::createPool(qint64 size, qint32 claimedSize)
 {
     if (mMemory >= 0) {
         close(mMemory);
@@ -305,7 +307,7 @@ quint32 WireClient::createPool(qint64 size, qint32 toldSize)
     }
     const quint32 shared = mBound.contains("wl_shm") ? mBound.value("wl_shm") : bind("wl_shm");
     const quint32 id = newId();
-    send(WireMessage(shared, WL_SHM_CREATE_POOL).number(id).descriptor(mMemory).number(toldSize));
+    send(WireMessage(shared, WL_SHM_CREATE_POOL).number(id).descriptor(mMemory).number(claimedSize));
     return id;
 }
 

@@ -62,7 +62,7 @@ void CallsPerOperationTest::anOperationMakesTheCallsThatItNeeds_data()
 {
     QTest::addColumn<QString>("operation");
     for (const QString& operation : Operations::names()) {
-        // BusDeathTest knows what a construction sends.
+        // BusDeathTest checks the messages of constructions.
         if (!Operations::isConstruction(operation)) {
             QTest::newRow(qPrintable(operation)) << operation;
         }

@@ -6,7 +6,7 @@
 #include "Scenario.h"
 #include "TestMain.h"
 
-/// The library's calls against the interface files, which the service is made from.
+/// The library's calls against the interface files.
 class InterfaceFilesTest : public ConnectorFixture
 {
     Q_OBJECT

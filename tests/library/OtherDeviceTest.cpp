@@ -149,7 +149,7 @@ void OtherDeviceTest::theManifestIsReadOnce()
     for (const QString& operation : Operations::names()) {
         device.perform(operation);
     }
-    // One event of a watched file has no name behind it.
+    // An event of a watched file carries no name.
     alignas(inotify_event) char events[4 * sizeof(inotify_event)];
     QCOMPARE(read(watcher, events, sizeof(events)), ssize_t(sizeof(inotify_event)));
     close(watcher);

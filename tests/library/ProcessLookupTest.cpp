@@ -54,7 +54,7 @@ private Q_SLOTS:
     void anUnknownProcessDiffersFromACurrentViewThatCannotBeRead();
 
 private:
-    /// Puts a shell script in the place of the device's program.
+    /// Replaces the device's "pidof" by a shell script.
     void replacePidof(const QString& script);
     QString logged(const QString& text) const;
 

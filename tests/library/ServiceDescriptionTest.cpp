@@ -12,7 +12,7 @@
 
 #include <QDir>
 
-// What a service says of itself when it is introspected. Qt reads that once for each interface and process.
+// The introspection data of a service, which Qt reads once per interface and process.
 class ServiceDescriptionTest : public ConnectorFixture
 {
     Q_OBJECT

@@ -21,7 +21,7 @@ protected:
     static QStringList uuids(const QList<TaskSwitcherEntry>& entries);
     static bool isEmpty(const TaskSwitcherEntry& entry);
 
-    /// A warning of one of the connector's operations, whose arguments are written without blanks.
+    /// A warning of the connector's operation, whose signature is given without blanks.
     static QString warning(const QString& operation, const QString& text);
 
     static QString getViewsCall();
@@ -31,7 +31,7 @@ protected:
     void setViews(const QList<TaskSwitcherEntry>& entries, const QString& currentView = {});
     void emitPropertiesChanged(const QString& changed, const QStringList& invalidated = {});
 
-    /// What the service does with Get of one property, and with Set of the current view.
+    /// Script the service's behaviour for Get of one property, and for Set of the current view.
     void scriptViews(const QList<Behaviour>& behaviours);
     void scriptCurrentView(const QList<Behaviour>& behaviours);
     void scriptSetCurrentView(const QList<Behaviour>& behaviours);

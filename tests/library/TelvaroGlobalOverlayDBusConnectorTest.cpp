@@ -8,7 +8,7 @@
 
 namespace {
 
-// The helper is private, but what it sends is part of its contract: an explicit instantiation may name it.
+// The helper is private, but its messages are part of the contract; an explicit instantiation may name private members.
 struct CallHelper
 {
     using Member = void (TelvaroGlobalOverlayDBusConnector::*)(const QString&, const QVariant&);

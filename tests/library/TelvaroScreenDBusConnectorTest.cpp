@@ -481,7 +481,7 @@ void TelvaroScreenDBusConnectorTest::aReadThatFailsCountsAsFalseOrEmpty()
     QCOMPARE(screenOrientationChanged.first(), QVariantList{QString()});
     QCOMPARE(fullScreenChanged.size(), 1);
     QCOMPARE(fullScreenChanged.first(), QVariantList{false});
-    // And is remembered like any other.
+    // The failed value is remembered like any other.
     emitPropertiesChanged(all);
     QCOMPARE(mLog->takeDescriptions(), messages);
     QCOMPARE(screenSaverActiveChanged.size() + screenOrientationChanged.size() + fullScreenChanged.size(), 3);

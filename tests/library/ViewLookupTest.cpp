@@ -286,7 +286,7 @@ void ViewLookupTest::iteratingASingleViewWritesNothing()
 
 void ViewLookupTest::iteratingOrdersUnsigned()
 {
-    // In a circle, signed numbers have the same order: only where it begins tells them apart.
+    // Signed and unsigned order are the same cycle: only the first view differs.
     const Behaviour all = Behaviour::reply({viewsReply({makeView(QStringLiteral("max"), cApplication, 4294967295),
                                                         makeView(QStringLiteral("zero"), cApplication, 0),
                                                         makeView(QStringLiteral("half"), cApplication, 2147483648),
@@ -308,7 +308,7 @@ void ViewLookupTest::iteratingEqualSortIndexesVisitsEveryView_data()
     QTest::addColumn<bool>("backward");
     QTest::newRow("three, next") << 3 << false;
     QTest::newRow("three, previous") << 3 << true;
-    // More than a sort orders by plain insertion.
+    // More views than std::sort() orders by plain insertion.
     QTest::newRow("forty, next") << 40 << false;
 }
 

@@ -9,8 +9,8 @@
 #include "ValueText.h"
 #include "Warnings.h"
 
-/// Values and notifications of every type in place of the one that the interface prescribes. QtDBus hands a read of the
-/// wrong type to libdbus, which aborts the process, and with it this test.
+/// Values and notifications of every type in place of the prescribed type. QtDBus hands a read of the wrong type to
+/// libdbus, which aborts the process, and with it this test.
 class WrongTypesTest : public TaskSwitcherFixture
 {
     Q_OBJECT
@@ -208,7 +208,7 @@ void WrongTypesTest::viewsOfAnyOtherTypeAreRefused()
     QCOMPARE(mLog->takeDescriptions(),
              QStringList{
                  warning(QStringLiteral("getViews()"), QStringLiteral("Unable to parse dbus-reply to dbus-argument"))});
-    // Nothing of it stays behind.
+    // No state is left behind.
     QCOMPARE(uuids(connector.getViews()), QStringList{QStringLiteral("good")});
 }
 
@@ -415,7 +415,7 @@ void WrongTypesTest::notificationsOfAnySignatureAreHandledOrDropped()
     QCOMPARE(takeSignals(),
              namesProperties ? QStringLiteral("screenOrientationChanged:90 fullScreenChanged:true") : QString());
 
-    // What is well-formed still comes through.
+    // Well-formed notifications still arrive.
     emitFrom(QStringLiteral("/taskswitcher"),
              {QStringLiteral("'any'"), QStringLiteral("{'views': <1>}"), QStringLiteral("@as []")});
     emitFrom(QStringLiteral("/screen"),

@@ -14,7 +14,7 @@ endfunction()
 check_version(CHANGELOG.md "^## (.*)$")
 check_version(packaging/debian/changelog "^telvaro [(]([^)]*)[)].*$")
 
-# A recipe has it in its name.
+# A recipe carries the version in its name.
 file(GLOB recipes RELATIVE "${SOURCE_DIRECTORY}/packaging/yocto" "${SOURCE_DIRECTORY}/packaging/yocto/*.bb")
 if(NOT recipes STREQUAL "telvaro_${VERSION}.bb")
     message(FATAL_ERROR "packaging/yocto holds ${recipes}, not telvaro_${VERSION}.bb")

@@ -18,7 +18,7 @@ namespace {
 
 const QString cIntrospect = QStringLiteral("Introspect");
 
-/// How long an operation may take once it has lost the bus.
+/// The time limit for an operation that has lost the bus.
 const qint64 cReturnTime = 1000;
 
 /// A bus with the service of Scenario and an application on it.
@@ -36,13 +36,13 @@ struct Stage
     OperationProcess application;
 };
 
-/// The same with a relay before the bus.
+/// As above, with a relay between application and bus.
 struct RelayedStage : Stage
 {
     BusRelay relay;
 };
 
-// QtTest does not show all of a list that differs from another.
+// QtTest prints only the first difference of lists.
 QString words(const QStringList& list)
 {
     return list.join(QLatin1Char(' '));
@@ -59,8 +59,8 @@ QStringList members(const QString& operation)
 
 } // namespace
 
-/// The bus daemon dies in every step in which an application waits for an answer, and at every message. Each case has a
-/// bus and an application of its own.
+/// The bus daemon dies while an application waits for each reply, and at each message. Every case has its own bus and
+/// application.
 class BusDeathTest : public QObject
 {
     Q_OBJECT
@@ -200,7 +200,7 @@ void BusDeathTest::everyOperationSendsTheMessagesItIsKnownFor()
     stage.application.prepareFor(operation);
     stage.relay.takeMessages();
     QCOMPARE(stage.application.perform(operation).result, Operations::result(operation));
-    // A question to the bus, so that all that was sent before it is known.
+    // A round trip to the bus, so that all messages before it are recorded.
     stage.application.turn();
     QCOMPARE(words(stage.relay.takeMessages()), words(members(operation) + QStringList(QStringLiteral("GetId"))));
 }
@@ -228,7 +228,7 @@ void BusDeathTest::everyMessageMayBeTheLast()
     stage.relay.takeMessages();
     stage.relay.endAt(number);
     const Outcome outcome = stage.application.perform(operation);
-    // Nobody waits for an answer to the last messages of a construction.
+    // The last messages of a construction expect no reply.
     QVERIFY(QTest::qWaitFor(
         [&stage] {
             return stage.relay.hasEnded();
@@ -249,7 +249,7 @@ void BusDeathTest::everyOperationFailsOnABusThatHasDied()
     stage.application.prepare();
     stage.bus.kill();
     stage.application.turn();
-    // A proxy that has known an owner still takes it for there.
+    // A proxy that has seen an owner stays valid.
     expectFailures(stage.application, Warnings::cUnreadViews);
     stage.application.destroy();
     expectFailuresOfNewConnectors(stage.application);

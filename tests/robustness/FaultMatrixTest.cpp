@@ -21,7 +21,7 @@ const QString cRefused = error(QStringLiteral("org.example.Error.Refused"), QStr
 const QString cGone = error(QStringLiteral("org.freedesktop.DBus.Error.NoReply"),
                             QStringLiteral("Message recipient disconnected from message bus without replying"));
 
-/// What goes wrong with one call to the service.
+/// The fault injected into one call to the service.
 enum class Fault
 {
     ErrorReply,
@@ -96,7 +96,7 @@ QStringList logWithoutViews(Fault fault, const ServiceCall& call)
     if (call.number == 2) {
         return {problem, exit ? cAbsent : cNoCurrentView, cNoStep};
     }
-    // Just after the service has gone, the proxy still knows it, and the second read tries.
+    // Until the event loop turns, the proxy stays valid, so the second read is tried.
     return exit ? QStringList{problem, cUnreadViews, cAbsent, cNoStep} : QStringList{problem, cNoStep};
 }
 
@@ -121,7 +121,7 @@ QStringList logWithoutProperty(Fault fault, const ServiceCall& call)
 
 Outcome expectationOfRefusedView(Fault fault, const ServiceCall& call)
 {
-    // What comes with a reply to Set is not looked at.
+    // The arguments of a reply to Set are ignored.
     const bool isRefused = fault == Fault::ErrorReply || fault == Fault::Exit;
     if (!isRefused || call.operation == QLatin1String("surfaceToTop")) {
         return {Operations::result(call.operation), {}};
@@ -136,7 +136,7 @@ Outcome expectationOfRefusedView(Fault fault, const ServiceCall& call)
     return {QStringLiteral("false"), {failed + (fault == Fault::Exit ? cGone : cRefused)}};
 }
 
-/// QtDBus's words for a reply of another signature, as they are logged.
+/// QtDBus's error message for a reply with an unexpected signature, as logged.
 QString unexpected(const QString& signature)
 {
     return QStringLiteral("Unexpected reply signature: got \\\"%1, expected \\\"s\\\" (QString)").arg(signature);
@@ -175,7 +175,7 @@ Outcome expectation(Fault fault, const ServiceCall& call)
     if (call.property == QLatin1String("currentView")) {
         return expectationOfRefusedView(fault, call);
     }
-    // Nobody looks at the other answers.
+    // All other replies are ignored.
     return call.member == QLatin1String("ScreenShot") ? expectationWithoutScreenShot(fault) : Outcome();
 }
 
@@ -267,7 +267,7 @@ void FaultMatrixTest::everyCallMayFailInEveryWay()
     QCOMPARE(mOperations->perform(call.operation), expected.result);
     QCOMPARE(mLog->takeTexts(), expected.log);
 
-    // Nothing of it stays.
+    // The fault leaves no state.
     if (fault == Fault::Exit) {
         startService();
         Scenario::set(mService);

@@ -27,7 +27,7 @@ QList<ServiceCall> calls(bool ofIntrospection)
     return calls;
 }
 
-// A value of the property as the service of Scenario has it, in GVariant's text format.
+// The property's value in Scenario, in GVariant's text format.
 QString propertyValue(const QString& property)
 {
     static const QMap<QString, QString> cValues{

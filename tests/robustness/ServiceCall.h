@@ -25,6 +25,6 @@ struct ServiceCall
     /// The arguments of the reply from the service of Scenario.
     QStringList rightAnswer() const;
 
-    /// Scripts the behaviour for this call, and the right answer for those before and after it.
+    /// Scripts the behaviour for this call, and the right reply for those before and after it.
     void script(ScriptedServiceProcess& service, const Behaviour& behaviour) const;
 };

@@ -23,7 +23,7 @@ int setting(const char* variable, int otherwise)
     return isNumber ? value : otherwise;
 }
 
-/// What an application must not have more of, however long it runs.
+/// Resources that must not grow in a long-running application.
 struct Holdings
 {
     static Holdings now();
@@ -50,7 +50,7 @@ Holdings Holdings::now()
 
 } // namespace
 
-/// The same over and over. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS tell how often.
+/// Repeats all operations. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS set the counts.
 class SoakTest : public ConnectorFixture
 {
     Q_OBJECT

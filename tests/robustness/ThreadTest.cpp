@@ -21,7 +21,7 @@ namespace {
 
 const char cFirstUse[] = "--first-use";
 
-/// What a thread gets on the first use of everything that is made once.
+/// The results of a thread's first use of all lazily initialised objects.
 struct FirstUse
 {
     static FirstUse make();
@@ -52,7 +52,7 @@ FirstUse FirstUse::make()
         TelvaroDeviceDistinction::isCompositorDevice()};
 }
 
-/// Prints how many threads have got the same.
+/// Prints the number of threads with identical results.
 int useFirst()
 {
     const std::size_t threadCount = 200;
@@ -118,7 +118,8 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
     const int threadCount = 8;
     const int roundCount = 500;
     Scenario::set(mService);
-    // A thread takes a connector of another kind in every round. Starting processes is not what this is about.
+    // A thread takes a connector of another kind in every round. Process lookups are left out, since they only cost
+    // time.
     const QList<QStringList> rounds{
         {QStringLiteral("getViews"), QStringLiteral("getCurrentView"), QStringLiteral("setCurrentView"),
          QStringLiteral("iterateViews forward")},
@@ -145,7 +146,7 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
     }
     while (running > 0) {
         QCoreApplication::processEvents();
-        // Else its record of all calls would grow.
+        // Keeps the service's record of calls small.
         mService.takeCalls();
     }
     for (std::thread& thread : threads) {

@@ -57,7 +57,7 @@ QStringList shell(const char* script)
     return {QStringLiteral("sh"), QStringLiteral("-c"), QString::fromUtf8(script)};
 }
 
-/// The bus of a session that is running, seen from outside.
+/// The bus of a running session, used from outside.
 class SessionBus
 {
 public:

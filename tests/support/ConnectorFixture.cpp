@@ -23,7 +23,7 @@ void ConnectorFixture::initTestCase()
 {
     QVERIFY2(TelvaroDeviceDistinction::isCompositorDevice(),
              "the device's manifest " TELVARO_MANIFEST_PATH " does not hold {\"productCode\": \"481936\"}");
-    // Qt holds back what the bus sends until the event loop has run once.
+    // Qt delivers no messages of the bus before the event loop has run once.
     PrivateBus::deliver();
     startService();
 }

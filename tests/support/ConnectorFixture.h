@@ -21,10 +21,10 @@ protected Q_SLOTS:
     void cleanup();
 
 protected:
-    /// Starts the service, again where it has ended, and lets this process notice it.
+    /// Starts or restarts the service and delivers its NameOwnerChanged.
     void startService();
 
-    /// The warnings of the connectors' common test, as LogCapture describes them.
+    /// The warnings of isInterfaceValid(), as LogCapture describes them.
     static QString notRegistered(const QString& serviceName = QStringLiteral(TELVARO_SERVICE_NAME));
     static QString invalidInterface();
 

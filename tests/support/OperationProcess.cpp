@@ -62,7 +62,7 @@ bool OperationProcess::returnsWithin(int milliseconds)
 
 bool OperationProcess::isBlocked() const
 {
-    // The id of a process is that of its first thread, whose state follows the name in parentheses.
+    // The main thread has the id of the process; its state follows the name in parentheses.
     QFile status(QStringLiteral("/proc/%1/task/%1/stat").arg(processId()));
     if (!status.open(QIODevice::ReadOnly)) {
         return false;

@@ -5,35 +5,34 @@
 #include "Operations.h"
 #include "SteeredProcess.h"
 
-/// An application in a process of its own that performs the operations of Operations on this process's bus, with all
-/// connectors or, before they are prepared, with those that an operation needs. Throws std::runtime_error where the
-/// application ends or does not answer in time.
+/// A client process that performs the operations of Operations on this process's bus. Throws std::runtime_error if the
+/// process ends or does not reply in time.
 class OperationProcess : public SteeredProcess
 {
 public:
     OperationProcess();
 
-    /// Connects the application to the bus, waits for an answer of it, and runs the event loop once.
+    /// Connects the application to the bus, waits for a reply from it, and runs the event loop once.
     Outcome turn();
 
-    /// Makes all connectors, after a turn of the event loop.
+    /// Constructs all connectors, after a turn of the event loop.
     Outcome prepare();
 
-    /// What the operation needs to make all its calls: a turn for a construction, which introspects the service only
-    /// where no connector has been made before, and all connectors for another.
+    /// Prepares the process so that the operation makes all its calls: only a turn for a construction, which
+    /// introspects the service once per process, and all connectors for any other operation.
     Outcome prepareFor(const QString& operation);
 
     Outcome perform(const QString& operation);
 
-    /// The two halves of perform(): the first returns when the application is about to perform the operation.
+    /// The two halves of perform(): begin() returns when the application is about to perform the operation.
     void begin(const QString& operation);
     Outcome finish();
-    /// Whether the second half can return by then.
+    /// Whether finish() can return within this time.
     bool returnsWithin(int milliseconds);
-    /// Whether the application's main thread waits for something.
+    /// Whether the application's main thread is sleeping.
     bool isBlocked() const;
 
-    /// The signals that the connectors have emitted, after all that the bus had for them, one word each.
+    /// Delivers the bus's messages and returns the signals that the connectors have emitted, one word each.
     Outcome takeSignals();
 
     /// Destroys all connectors.

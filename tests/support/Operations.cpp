@@ -91,13 +91,13 @@ Message set(const char* property, const QStringList& log = {})
     return toProperty("Set", property, log);
 }
 
-/// The question whether the service is there, which comes before all but reads of the views.
+/// The presence query, which precedes everything but reads of the views.
 Messages presence(const QStringList& further = {})
 {
     return {toBus("NameHasOwner", QStringList(cAbsent) + further)};
 }
 
-/// A proxy is made and destroyed, with something between.
+/// Constructs and destroys a proxy, with messages in between.
 Messages construction(const char* path, const Messages& between = {}, const QStringList& log = {})
 {
     return Messages{toService(path, "org.freedesktop.DBus.Introspectable", "Introspect", log), toBus("AddMatch", log),

@@ -14,7 +14,7 @@
 
 #include <memory>
 
-/// What an operation returned and logged, and how long it took.
+/// The result, log and duration of an operation.
 struct Outcome
 {
     QString result;

@@ -8,16 +8,16 @@
 
 class ScriptedServiceProcess;
 
-/// A state of the service in which every operation of Operations has a result that differs from that of its failure:
-/// three views, the first of which is current, an active screen saver and a full screen in portrait format.
+/// A state of the service in which the results of operations differ from their failures: three views, the first of
+/// which is current, an active screen saver and a full screen in portrait format.
 class Scenario
 {
 public:
-    /// Puts a "pidof" on the search path of this process and its children that finds every name that is a number to
-    /// be the name of the process with that id.
+    /// Replaces "pidof" on the search path of this process and its children by a program that prints the given name, so
+    /// that a number is its own process id.
     Scenario();
 
-    /// Gives the service its state.
+    /// Sets the service's state.
     static void set(ScriptedServiceProcess& service);
 
     /// The property "views", in GVariant's text format.

@@ -8,7 +8,7 @@
 class TelvaroScreenDBusConnector;
 class TelvaroTaskSwitcherDBusConnector;
 
-/// Keeps the signals of two connectors in their order, each as its name and, after a colon, its argument.
+/// Records the signals of two connectors in order, each as its name and, after a colon, its argument.
 class SignalRecorder : public QObject
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class SignalRecorder : public QObject
 public:
     SignalRecorder(TelvaroTaskSwitcherDBusConnector& taskSwitcher, TelvaroScreenDBusConnector& screen);
 
-    /// The signals since the last time.
+    /// Takes the signals since the last time.
     QStringList take();
 
 private:

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// What the library logs when the service or the bus fails.
+/// The library's warnings when the service or the bus fails.
 namespace Warnings {
 
 inline const QString cUnreadViews = QStringLiteral("Unable to read views!");

@@ -67,7 +67,7 @@ class TelvaroctlTest : public ConnectorFixture
     Q_OBJECT
 
 private:
-    /// The service is away for as long as the returned object lives.
+    /// The service is absent during the lifetime of the returned object.
     std::shared_ptr<void> releaseName()
     {
         mService.release();
@@ -449,7 +449,7 @@ private Q_SLOTS:
         ChildProcess process;
         process.run(program);
         const auto pid = static_cast<uint32_t>(process.processId());
-        // Accepts the write and stays where it is.
+        // The service accepts the write but does not change.
         mService.setViews(ValueText::views({view("u-1", "notes", 1, 0, "Other"), view("u-2", "idle", pid, 0, "Idle")}));
         mService.setCurrentView(QStringLiteral("u-1"));
         const Result result = telvaroctl({QStringLiteral("top"), name});

@@ -24,7 +24,7 @@ void answer(const QJsonObject& object)
 
 } // namespace
 
-// An application that does what it is told on standard input, where it may end as it should not.
+// An application that performs the commands on its standard input, in a process of its own because it may crash.
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);

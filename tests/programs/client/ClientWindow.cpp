@@ -42,7 +42,7 @@ ClientWindow::ClientWindow(int number, const QString& title)
     connect(mComboBox, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
         print("chosen", mComboBox->itemText(index));
     });
-    // Keys are for the window itself.
+    // The window handles the keys itself.
     mComboBox->setFocusPolicy(Qt::NoFocus);
 }
 

@@ -6,8 +6,7 @@
 
 class QComboBox;
 
-/// A window like those of any application, which prints what happens to it. Every line begins with a word for the event
-/// and the window's number.
+/// An ordinary Qt window, which prints its events. Every line begins with a word for the event and the window's number.
 class ClientWindow : public QMainWindow
 {
     Q_OBJECT

@@ -9,16 +9,15 @@
 #include <QPointer>
 #include <QSocketNotifier>
 
-/// Reads commands from standard input, one per line, and does them. Windows are numbered from 1 in the order of their
-/// opening.
+/// Executes commands from standard input, one per line. Windows are numbered from 1 in the order of their opening.
 ///
 /// - open APPID TITLE...: opens a window of the application
 /// - title NUMBER TITLE...: changes a window's title
 /// - close NUMBER
-/// - menu NUMBER, combobox NUMBER, dialog NUMBER TITLE...: opens one of these
+/// - menu NUMBER, combobox NUMBER, dialog NUMBER TITLE...: opens one
 /// - ping: prints "pong"
-/// - hang: does nothing any more, not even listen to the compositor
-/// - crash, quit: ends; so does the end of the input
+/// - hang: stops handling events, the compositor's pings included
+/// - crash, quit: ends, as at the end of the input
 class CommandInterpreter : public QObject
 {
     Q_OBJECT

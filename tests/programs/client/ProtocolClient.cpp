@@ -135,7 +135,7 @@ bool ProtocolClient::runCommand(const std::string& line)
     } else if (command == "create") {
         addWindow();
     } else if (command == "sync") {
-        // What the answers to the first round trip made the windows send is done by the second.
+        // The second round trip covers the requests that windows send in reply to events of the first.
         if (wl_display_roundtrip(mDisplay) < 0 || wl_display_roundtrip(mDisplay) < 0) {
             std::puts("disconnected");
             std::fflush(stdout);
@@ -178,7 +178,7 @@ bool ProtocolClient::runCommand(const std::string& line)
     } else if (command == "titles") {
         for (int i = 1; i <= count; ++i) {
             mWindows[number]->setTitle("Title " + std::to_string(i));
-            // More than fits into the connection would end it.
+            // libwayland disconnects when its buffer overflows.
             if (i % 50 == 0) {
                 wl_display_roundtrip(mDisplay);
             }

@@ -8,20 +8,20 @@
 #include <memory>
 #include <string>
 
-/// Reads commands from standard input, one per line, and does them. Windows are numbered from 1.
+/// Executes commands from standard input, one per line. Windows are numbered from 1.
 ///
-/// - open APPID TITLE...: a window; with "-" for the application's id it gets none
-/// - create: a window without a name that is not mapped
+/// - open APPID TITLE...: a window; with "-" for APPID it has no application id
+/// - create: an unmapped window without a title
 /// - appid NUMBER APPID, title NUMBER TITLE..., parent NUMBER NUMBER
 /// - map NUMBER, unmap NUMBER, destroy NUMBER
-/// - commit NUMBER COUNT: new contents, so many times
-/// - titles NUMBER COUNT: new titles, so many times
-/// - frame NUMBER: asks to be told when it is shown, and prints that
-/// - truncate NUMBER: takes the buffer's memory away
+/// - commit NUMBER COUNT: commits new contents COUNT times
+/// - titles NUMBER COUNT: sets a new title COUNT times
+/// - frame NUMBER: requests a frame callback and prints its event
+/// - truncate NUMBER: truncates the buffer's memory
 /// - subsurface NUMBER
 /// - subsurfaceloop: two surfaces that are subsurfaces of each other
-/// - sync: prints "synced" when the compositor has done everything
-/// - output: prints what is known of the output
+/// - sync: prints "synced" when the compositor has handled all requests
+/// - output: prints the output's properties
 /// - quit
 class ProtocolClient
 {
@@ -31,7 +31,7 @@ public:
     ProtocolClient(const ProtocolClient&) = delete;
     ProtocolClient& operator=(const ProtocolClient&) = delete;
 
-    /// Until the input or the connection ends; answers the exit status.
+    /// Runs until the input or the connection ends; returns the exit status.
     int run();
 
     wl_compositor* compositor() const

@@ -9,9 +9,11 @@
 #include <unistd.h>
 
 namespace {
+
 constexpr int cWidth = 300;
 constexpr int cHeight = 200;
 constexpr uint32_t cWhite = 0xffffffff;
+
 } // namespace
 
 ProtocolWindow::ProtocolWindow(ProtocolClient& client, int number)

@@ -10,8 +10,8 @@
 
 class ProtocolClient;
 
-/// One xdg toplevel with a surface and a buffer of its own. Prints what the compositor tells it, each line beginning
-/// with a word for the event and the window's number.
+/// One xdg toplevel with a surface and a buffer of its own. Prints the compositor's events, each line beginning with a
+/// word for the event and the window's number.
 class ProtocolWindow
 {
 public:
@@ -28,9 +28,9 @@ public:
     void unmap();
     void commit(uint32_t color);
     void requestFrame();
-    /// Makes the buffer's memory shorter than the compositor was told, and shows it.
+    /// Truncates the memory of the pool below its announced size and commits the buffer.
     void truncateBuffer();
-    /// Gives the surface a smaller one above it.
+    /// Creates a smaller subsurface above the surface.
     void addSubsurface(uint32_t color);
     wl_surface* surface() const
     {

@@ -85,7 +85,7 @@ void FuzzingService::answer(GDBusMessage* call)
         values.push_back(RandomValue::variant(value));
     } else if (!mRandom.oneIn(15)) {
         values.push_back(mRandom.oneIn(2) ? string(mRandom.text()) : mRandom.any());
-        // Else a variant would be a value that is not told.
+        // A bare variant would be a value that the status does not report.
         if (isViews && g_variant_is_of_type(values.back().get(), G_VARIANT_TYPE_VARIANT) != FALSE) {
             values.back() = string(mRandom.text());
         }

@@ -9,16 +9,15 @@
 #include <QJsonObject>
 #include <QString>
 
-/// A service that answers every call with something, and sends notifications of anything. The same calls get the same
-/// answers from the same seed.
+/// A service that sends random replies and random notifications, reproducible by the seed.
 class FuzzingService : public BusService
 {
 public:
-    /// Connects to the bus at the address. Throws std::runtime_error where it cannot.
+    /// Connects to the bus at the address. Throws std::runtime_error on a failure.
     FuzzingService(const QString& address, const QString& interfaceDirectory, std::uint64_t seed);
 
-    /// The command "own" takes the name; "status" tells how many replies there were and what the last one to a read of
-    /// the views was: its type and size, or nothing where it was no value.
+    /// The command "own" acquires the name; "status" returns the number of replies and, for the last reply to a Get of
+    /// the views, its type and size, or nothing if it had no value.
     QJsonObject handle(const QJsonObject& command);
 
 private:

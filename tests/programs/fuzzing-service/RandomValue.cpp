@@ -8,7 +8,7 @@
 namespace {
 
 const int cDeepest = 8;
-/// The bus takes signatures of 255 characters, for all arguments together.
+/// The bus limits the signature of all arguments together to 255 characters.
 const std::size_t cLongestType = 60;
 
 } // namespace
@@ -144,7 +144,7 @@ std::string RandomValue::type(int depth)
 GVariantPointer RandomValue::ofType(const std::string& type, int depth)
 {
     const auto bits = [this] {
-        // The edges are where mistakes are.
+        // Mostly edge values.
         switch (below(4)) {
         case 0:
             return std::uint64_t{0};

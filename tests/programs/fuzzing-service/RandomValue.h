@@ -10,20 +10,20 @@
 #include <random>
 #include <string>
 
-/// Values as a bus may carry them, all of them determined by the seed.
+/// Random values that a bus can carry, determined by the seed.
 class RandomValue
 {
 public:
     explicit RandomValue(std::uint64_t seed);
 
-    /// From 0 to the bound, which is left out.
+    /// From 0 to the bound, exclusive.
     int below(int bound);
-    /// True once in so many times.
+    /// True with the probability 1 / `count`.
     bool oneIn(int count);
 
     /// Of any type.
     GVariantPointer any();
-    /// Nearly an array of views, or one.
+    /// An array of views, or nearly one.
     GVariantPointer views();
     /// a{sv}, the keys of which are mostly from the list.
     GVariantPointer properties(const QStringList& keys);

@@ -9,15 +9,14 @@
 #include <functional>
 #include <set>
 
-/// A connection to the bus on which messages are seen before any object model sees them. Whatever fails here throws
-/// std::runtime_error.
+/// A GDBusConnection with a message filter. All failures throw std::runtime_error.
 class BusConnection
 {
 public:
     using Receiver = std::function<void(GDBusMessage* message)>;
 
-    /// Incoming messages of these types end here: the receiver gets them in the main loop's thread. An exception of its
-    /// is told on standard error.
+    /// Filters out incoming messages of these types and passes them to the receiver in the main loop's thread.
+    /// Exceptions of the receiver are printed to standard error.
     BusConnection(const QString& address, const std::set<GDBusMessageType>& types, Receiver receiver);
     ~BusConnection();
     BusConnection(const BusConnection&) = delete;

@@ -12,7 +12,7 @@ const char cMarkerInterface[] = "org.example.Marker";
 } // namespace
 
 BusMonitor::BusMonitor(const QString& address)
-    // Calls end here: a monitor that answers one is thrown off the bus.
+    // Calls are dropped: the bus disconnects a monitor that replies.
     : mConnection(address, {G_DBUS_MESSAGE_TYPE_METHOD_CALL, G_DBUS_MESSAGE_TYPE_SIGNAL},
                   [this](GDBusMessage* message) {
                       receive(DBusMessageText::describe(message));

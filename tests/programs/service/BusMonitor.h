@@ -8,17 +8,17 @@
 #include <QJsonObject>
 #include <QString>
 
-/// Sees every message on the bus, those to the bus daemon included, and keeps the method calls.
+/// A bus monitor that records all method calls, those to the bus daemon included.
 class BusMonitor
 {
 public:
-    /// Becomes a monitor of the bus at the address. Throws std::runtime_error where it cannot.
+    /// Becomes a monitor of the bus at the address. Throws std::runtime_error on a failure.
     explicit BusMonitor(const QString& address);
     BusMonitor(const BusMonitor&) = delete;
     BusMonitor& operator=(const BusMonitor&) = delete;
 
-    /// The command "calls" hands over all method calls from one sender up to the signal that the sender has marked the
-    /// end with, once that signal has been seen.
+    /// The command "calls" returns all method calls from one sender up to the marker signal that the sender has
+    /// emitted, once that signal has arrived.
     QJsonObject handle(const QJsonObject& command);
 
 private:

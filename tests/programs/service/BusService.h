@@ -6,20 +6,19 @@
 
 #include <QString>
 
-/// A service that sits on the raw connection below any object model, so that it sees every method call and nothing is
-/// answered on its behalf.
+/// A service on the raw connection, which receives every method call, including those that GDBus would answer itself.
 class BusService : protected BusConnection
 {
 public:
-    /// Connects to the bus at the address. Throws std::runtime_error where it cannot.
+    /// Connects to the bus at the address. Throws std::runtime_error on a failure.
     explicit BusService(const QString& address);
     virtual ~BusService();
 
 protected:
-    /// Called in the main loop's thread. An exception is told on standard error.
+    /// Called in the main loop's thread. Exceptions are printed to standard error.
     virtual void receive(GDBusMessage* call) = 0;
 
-    /// Throws std::runtime_error where the name belongs to another or the bus refuses it.
+    /// Throws std::runtime_error if the name has an owner or the bus rejects it.
     void requestName(const QString& name);
     void releaseName(const QString& name);
 };

@@ -75,7 +75,7 @@ bool CommandChannel::read()
             const QJsonObject command = QJsonDocument::fromJson(line).object();
             const bool isPing = command.value(QLatin1String("command")) == QLatin1String("ping");
             const QJsonObject reply = isPing ? command : mHandler(command);
-            // An empty object is a handler that answers later.
+            // With an empty object the handler replies later.
             if (!reply.isEmpty()) {
                 answer(reply);
             }

@@ -9,14 +9,15 @@
 
 #include <functional>
 
-/// Commands on standard input, answers on standard output: one JSON object per line. The bus under observation carries
-/// none of it. The command "ping" is answered with itself.
+/// Commands on standard input and replies on standard output, one JSON object per line, apart from the bus under test.
+/// The reply to "ping" is the command itself.
 class CommandChannel
 {
 public:
     using Handler = std::function<QJsonObject(const QJsonObject& command)>;
 
-    /// Tells that it is ready, runs a main loop, and has the handler answer the commands until standard input ends.
+    /// Announces that it is ready and runs a main loop in which the handler replies to commands until standard input
+    /// ends.
     static void serve(Handler handler);
 
     static void answer(const QJsonObject& answer);

@@ -32,7 +32,7 @@ QString typeName(GDBusMessageType type)
     return QStringLiteral("invalid");
 }
 
-// Long texts are told apart by their digests.
+// Long texts are compared by their digests.
 QString describeString(GVariant* string)
 {
     const gsize longest = 65536;
@@ -135,7 +135,7 @@ GVariantPointer DBusMessageText::parseArguments(const QJsonArray& arguments)
 
 GVariantPointer DBusMessageText::parseValue(const QString& text)
 {
-    // The parser takes minutes for what this tells in short, so the string is handed to it beside the text.
+    // GVariant's parser takes minutes for such a string, so it is passed as a separate argument.
     static const QRegularExpression cRepeatedCharacter(QStringLiteral("'([^'])' \\* (\\d+)"));
     const QRegularExpressionMatch repeated = cRepeatedCharacter.match(text);
     if (repeated.hasMatch()) {

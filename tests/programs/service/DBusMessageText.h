@@ -15,15 +15,15 @@ namespace DBusMessageText {
 /// errors the name.
 QJsonObject describe(GDBusMessage* message);
 
-/// The body of a message made of the given arguments; null for none. Throws std::invalid_argument on a text that is no
-/// value.
+/// The body of a message made of the given arguments; null without arguments. Throws std::invalid_argument on an
+/// invalid text.
 GVariantPointer parseArguments(const QJsonArray& arguments);
 
-/// One value; a string in it that is one repeated character, but no more than one, may be written as 'x' * 1000. Throws
-/// std::invalid_argument on a text that is none.
+/// One value; at most one string in it may be written as a repeated character, 'x' * 1000. Throws std::invalid_argument
+/// on an invalid text.
 GVariantPointer parseValue(const QString& text);
 
-/// Sets the body and, where it mentions descriptors, gives the message one to be found at index 0.
+/// Sets the body and, if it contains handles, attaches a descriptor with index 0.
 void setBody(GDBusMessage* message, GVariantPointer body);
 
 } // namespace DBusMessageText

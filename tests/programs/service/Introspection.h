@@ -12,7 +12,7 @@ public:
     /// Reads every interface file of the directory. Throws std::runtime_error on one that cannot be read.
     explicit Introspection(const QString& directory);
 
-    /// What an object at the path answers to Introspect, the standard interfaces included.
+    /// The introspection data of the object at the path, including the standard interfaces.
     QString xml(const QString& path) const;
 
 private:

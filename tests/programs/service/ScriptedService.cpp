@@ -156,7 +156,7 @@ void ScriptedService::answer(GDBusMessage* call, const QJsonObject& behaviour)
         emitSignal(signal.toObject());
     }
     if (behaviour.contains(QLatin1String("exit"))) {
-        // The signals above are on their way before the process is gone.
+        // Flushes the signals above before the process ends.
         g_dbus_connection_flush_sync(get(), nullptr, nullptr);
         _exit(EXIT_SUCCESS);
     }
@@ -199,7 +199,7 @@ void ScriptedService::answerByDefault(GDBusMessage* call, const Target& target)
     }
 }
 
-// A script without a property answers for all properties.
+// A script without a property applies to all properties.
 QList<QJsonObject>* ScriptedService::findScript(const Target& target)
 {
     auto script = mScripts.find(target);

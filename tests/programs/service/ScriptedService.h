@@ -11,9 +11,9 @@
 #include <QMap>
 #include <QString>
 
-/// A service that does what it is told.
+/// The scriptable service.
 ///
-/// What a call is answered with, in this order: the script for its path, interface and member (and, for Get and Set,
+/// The reply to a call is, in this order: the script for its path, interface and member (and, for Get and Set,
 /// property); the object's description for Introspect; the stored value for Get; an empty reply for a Set, which is
 /// stored and signalled only by a stateful service; an error otherwise.
 ///
@@ -21,7 +21,7 @@
 class ScriptedService : public BusService
 {
 public:
-    /// Connects to the bus at the address. Throws std::runtime_error where it cannot.
+    /// Connects to the bus at the address. Throws std::runtime_error on a failure.
     ScriptedService(const QString& address, const QString& interfaceDirectory);
 
     QJsonObject handle(const QJsonObject& command);

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-// Runs under whatever name it was copied to until its standard input ends.
+// Runs until standard input ends; tests copy it to the process names that they need.
 int main()
 {
     std::cout << "running" << std::endl;
