@@ -29,9 +29,7 @@ ViewLogger::ViewLogger(const QString& awakeAppId, QObject* parent)
 {
     connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, this, &ViewLogger::update);
     connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::currentViewChanged, this, &ViewLogger::update);
-    // Queued, so that the connectors are notified first.
-    connect(&mServiceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &ViewLogger::update,
-            Qt::QueuedConnection);
+    connect(&mServiceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &ViewLogger::update);
     update();
 }
 

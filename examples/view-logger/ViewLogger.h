@@ -29,9 +29,11 @@ private:
     void logDifferences(const QList<View>& views);
     void setAwake(bool awake);
 
+    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know
+    // the new owner of the service's name.
+    QDBusServiceWatcher mServiceWatcher;
     TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
     TelvaroScreenDBusConnector mScreen;
-    QDBusServiceWatcher mServiceWatcher;
     QString mAwakeAppId;
     QHash<QString, View> mViews;
     QString mCurrentUuid;
