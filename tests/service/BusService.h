@@ -19,7 +19,8 @@ protected:
     /// Called in the main loop's thread. An exception is told on standard error.
     virtual void receive(GDBusMessage* call) = 0;
 
-    /// Throws std::runtime_error where the name belongs to another or the bus refuses it.
-    void requestName(const QString& name);
+    /// Throws std::runtime_error where the name belongs to another or the bus refuses it. A replaceable owner takes the
+    /// name from another replaceable one, without a moment in which nobody has it.
+    void requestName(const QString& name, bool replaceable = false);
     void releaseName(const QString& name);
 };

@@ -31,6 +31,8 @@ public:
     static Behaviour reply(const QStringList& arguments = {});
     static Behaviour error(const QString& name, const QString& message);
     static Behaviour silence();
+    /// What the service does where nothing is scripted.
+    static Behaviour plain();
     /// Ends the service's process before it answers.
     static Behaviour exit();
     /// Ends another process instead of answering.
@@ -64,6 +66,8 @@ public:
     void reset();
 
     void own(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
+    /// As above, and takes the name from one that has taken it in the same way, with no gap between the two.
+    void takeOver(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
     void release(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
 
     /// Each call consumes the first behaviour; the last one stays.
@@ -80,6 +84,10 @@ public:
 
     /// A stateful service stores what is written to a property and signals it.
     void setStateful(bool enabled);
+
+    /// A late service sends the answers to Get and Set, if they are not scripted, that many milliseconds after it has
+    /// made them; it goes through the list of delays over and over.
+    void setLate(const QList<int>& delays);
 
     /// Returns once the bus has handed the signals on.
     void emitSignal(const ServiceSignal& signal, int count = 1);
