@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 
 #include <TelvaroLiveObject.h>
 #include <TelvaroViewModel.h>
@@ -18,7 +18,7 @@
 #define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ChildProcess::cDeadline)
 
 /// A test of the live layer on a bus with the scripted service on it.
-class LiveTest : public TaskSwitcherTest
+class LiveTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 
