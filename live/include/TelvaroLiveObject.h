@@ -23,7 +23,7 @@ class QString;
 /// returns Qt's own pending reply, which QDBusPendingCallWatcher, or a coroutine library, can wait for. The reply
 /// outlives the object, and may be dropped: a failure also emits requestFailed(). Make the watcher before control
 /// returns to the event loop. waitForFinished() blocks, like any operation of a blocking connector. Dropping the reply
-/// or the object does not recall what was sent.
+/// or the object does not recall what was sent: when an object is destroyed, its requests have been written to the bus.
 ///
 /// A live object needs a QCoreApplication, belongs to the thread that made it, and needs a running event loop there. It
 /// starts no threads and no timers and logs nothing. The first use of the bus in a process connects to it, which Qt
@@ -34,6 +34,7 @@ class QString;
 class TELVARO_LIVE_EXPORT TelvaroLiveObject : public QObject
 {
     Q_OBJECT
+    /// See getStatus().
     Q_PROPERTY(Status status READ getStatus NOTIFY statusChanged)
 
 public:
@@ -59,6 +60,7 @@ public:
     explicit TelvaroLiveObject(QObject* parent = nullptr);
     ~TelvaroLiveObject() override;
 
+    /// How far the values are those of the service now.
     Status getStatus() const;
 
     /// Why the status is Failed: the service's own error, or QDBusError::InvalidSignature for a value of a wrong type.
@@ -88,6 +90,7 @@ protected:
     /// Emits requestFailed() if and when the request, of a derived class, fails. Returns the request.
     QDBusPendingCall report(const QDBusPendingCall& request);
 
+    /// All that the object knows; a child of it.
     LiveProperties* const mProperties;
 
 private:

@@ -15,10 +15,12 @@
 ///
 /// Every function sends one call, returns at once and never blocks. The reply is Qt's own pending reply: watch it with
 /// QDBusPendingCallWatcher, made before control returns to the event loop, or drop it; what was sent is executed in
-/// either case. It carries the service's error, QDBusError::ServiceUnknown if the service is not there (it is never
-/// started), QDBusError::NoReply if it does not answer within 25 seconds, or QDBusError::Disconnected without a bus. On
-/// another device than TelvaroDeviceDistinction::isCompositorDevice() it carries QDBusError::NotSupported, and nothing
-/// is sent. Nothing is logged.
+/// either case. It carries the service's error, the bus daemon's "org.freedesktop.DBus.Error.NameHasNoOwner" if the
+/// service is not there (it is never started), QDBusError::NoReply if it does not answer within 25 seconds, or
+/// QDBusError::Disconnected without a bus. On another device than TelvaroDeviceDistinction::isCompositorDevice() it
+/// carries QDBusError::NotSupported, and nothing is sent. Nothing is logged.
+///
+/// A process that ends right after a call may end before Qt has written it to the bus: wait for the reply first.
 ///
 /// The functions may be called from any thread with a QCoreApplication in the process; a watcher needs an event loop in
 /// its thread.

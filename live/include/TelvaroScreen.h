@@ -26,15 +26,21 @@ class LiveScreen;
 class TELVARO_LIVE_EXPORT TelvaroScreen : public TelvaroLiveObject
 {
     Q_OBJECT
+    /// See isScreenSaverActive().
     Q_PROPERTY(bool screenSaverActive READ isScreenSaverActive NOTIFY screenSaverActiveChanged)
+    /// See isScreenSaverEnabled() and setScreenSaverEnabled().
     Q_PROPERTY(
         bool screenSaverEnabled READ isScreenSaverEnabled WRITE setScreenSaverEnabled NOTIFY screenSaverEnabledChanged)
+    /// See getScreenSaverTimeout() and setScreenSaverTimeout().
     Q_PROPERTY(
         int screenSaverTimeout READ getScreenSaverTimeout WRITE setScreenSaverTimeout NOTIFY screenSaverTimeoutChanged)
+    /// See getOrientation() and setOrientation().
     Q_PROPERTY(QString orientation READ getOrientation WRITE setOrientation NOTIFY orientationChanged)
+    /// See isFullScreen() and setFullScreen().
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
 
 public:
+    /// Asks the service for all values. The status begins as Loading, or as Absent where there is nobody to ask.
     explicit TelvaroScreen(QObject* parent = nullptr);
     ~TelvaroScreen() override;
 
@@ -55,16 +61,30 @@ public:
     /// Whether the current view has the whole screen; false while unknown. Property "fullScreen", b.
     bool isFullScreen() const;
 
+    /// Allows the screen saver to become active, or keeps it from that; whether an active one ends is the service's
+    /// business.
     QDBusPendingReply<> setScreenSaverEnabled(bool enabled);
+
+    /// Sets the seconds without input after which the screen saver becomes active.
     QDBusPendingReply<> setScreenSaverTimeout(int seconds);
+
+    /// Turns the screen's contents; degrees as the service understands them, such as
+    /// TelvaroScreenDBusConnector::getOrientationPortrait().
     QDBusPendingReply<> setOrientation(const QString& orientation);
+
+    /// Gives the current view the whole screen or takes it back.
     QDBusPendingReply<> setFullScreen(bool fullScreen);
 
 Q_SIGNALS:
+    /// isScreenSaverActive() has another value.
     void screenSaverActiveChanged();
+    /// isScreenSaverEnabled() has another value.
     void screenSaverEnabledChanged();
+    /// getScreenSaverTimeout() has another value.
     void screenSaverTimeoutChanged();
+    /// getOrientation() has another value.
     void orientationChanged();
+    /// isFullScreen() has another value.
     void fullScreenChanged();
 
 private:

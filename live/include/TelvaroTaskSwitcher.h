@@ -30,10 +30,14 @@ class LiveTaskSwitcher;
 class TELVARO_LIVE_EXPORT TelvaroTaskSwitcher : public TelvaroLiveObject
 {
     Q_OBJECT
+    /// See getViews().
     Q_PROPERTY(TelvaroViewModel* views READ getViews CONSTANT)
+    /// See getCurrentView(); writing it is switchTo().
     Q_PROPERTY(QString currentView READ getCurrentView WRITE switchTo NOTIFY currentViewChanged)
 
 public:
+    /// Asks the service for the views and the current one. The status begins as Loading, or as Absent where there is
+    /// nobody to ask.
     explicit TelvaroTaskSwitcher(QObject* parent = nullptr);
     ~TelvaroTaskSwitcher() override;
 

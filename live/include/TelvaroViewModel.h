@@ -29,12 +29,16 @@ class LiveViews;
 class TELVARO_LIVE_EXPORT TelvaroViewModel : public QAbstractListModel
 {
     Q_OBJECT
+    /// See getCount().
     Q_PROPERTY(int count READ getCount NOTIFY countChanged)
+    /// See getCurrentRow().
     Q_PROPERTY(int currentRow READ getCurrentRow NOTIFY currentRowChanged)
 
 public:
+    /// One view; its fields are documented there.
     using View = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
+    /// What data() returns of a view: the field of that name, or as noted.
     enum Role
     {
         UuidRole = Qt::UserRole,
@@ -53,16 +57,21 @@ public:
     };
     Q_ENUM(Role)
 
+    /// The number of views; 0 below a view.
     int rowCount(const QModelIndex& parent = {}) const override;
+    /// A value of the view in the row, by Role; invalid for other roles and for an index that is not of this model.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     /// "uuid", "appId", "title", "info1" to "info4", "pid", "sortIndex", "attributes", "current".
     QHash<int, QByteArray> roleNames() const override;
 
+    /// The number of views.
     int getCount() const;
 
     /// The row of the current view; -1 if there is none, or it is not among the views.
     int getCurrentRow() const;
 
+    /// The views in the order of the rows. The reference holds as long as the model, its contents until control returns
+    /// to the event loop.
     const QList<View>& getViews() const;
 
     /// The view with the uuid; a default-constructed one, with an empty uuid, if there is none.
@@ -78,8 +87,10 @@ public:
     Q_INVOKABLE int indexOf(const QString& uuid) const;
 
 Q_SIGNALS:
-    /// Both follow the signals about the rows.
+    /// The number of views changed; follows the signals about the rows.
     void countChanged();
+
+    /// The current view has another row, or none; follows the signals about the rows.
     void currentRowChanged();
 
 private:
