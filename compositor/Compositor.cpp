@@ -2,9 +2,19 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Compositor.h"
 
+#include "bus/ScreenShotFile.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+constexpr int cScreenShotMessageMilliseconds = 5000;
+
+} // namespace
 
 Compositor::Compositor(Options options)
     : mOptions(std::move(options))
@@ -15,6 +25,8 @@ Compositor::Compositor(Options options)
     , mWindowStack(mOutput, mViews, mScene)
     , mStatusBar(mOutput, mViews, mScene)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
+    , mCommands(mOutput, mViews, mScreenSaver, mWindowStack)
+    , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
     , mServer(mOutput, mWindow, mViews)
@@ -29,9 +41,16 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mWindowStack);
     mScene.addLayer(&mStatusBar);
     mScene.addLayer(&mNotificationCards);
+    mScene.addLayer(&mMenu);
     mScene.addLayer(&mOverlayPanel);
     QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
     QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
+    QObject::connect(&mStatusBar, &StatusBar::clicked, &mMenu, &Menu::toggle);
+    QObject::connect(&mCommands, &DeskCommands::menuRequested, &mMenu, &Menu::toggle);
+    QObject::connect(&mCommands, &DeskCommands::switchRequested, &mMenu, &Menu::step);
+    QObject::connect(&mCommands, &DeskCommands::screenShotRequested, &mWindow, [this] {
+        takeScreenShot();
+    });
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
 }
 
@@ -52,8 +71,9 @@ MaybeError Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mServer.drag(), mWindowStack,
-                                             mNotificationCards, mScreenSaver, mWindow);
+    mSeatInput = std::make_unique<SeatInput>(
+        mServer.defaultSeat(), mServer.guard(), mServer.drag(), mWindowStack,
+        SeatInput::Layers{{&mMenu, &mNotificationCards, &mStatusBar}, mMenu, mCommands}, mScreenSaver, mWindow);
     mWindow.setInput(mSeatInput.get());
     if (mOptions.isFullScreenWindow) {
         mWindow.showFullScreen();
@@ -78,4 +98,21 @@ MaybeError Compositor::publishObjects()
         }
     }
     return {};
+}
+
+void Compositor::takeScreenShot()
+{
+    Notification notification;
+    notification.timeoutMilliseconds = cScreenShotMessageMilliseconds;
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    QDir().mkpath(directory);
+    ScreenShotFile file(directory);
+    if (file.isDirectoryOpen() && file.write(mScene.toImage())) {
+        notification.summary = QStringLiteral("Screenshot");
+        notification.body = file.path();
+    } else {
+        notification.summary = QStringLiteral("No screenshot");
+        notification.body = file.errorText();
+    }
+    mNotificationCenter.notify(notification, 0);
 }

@@ -13,6 +13,8 @@
 #include "bus/TaskSwitcherObject.h"
 #include "script/ScriptPlayer.h"
 #include "shell/Background.h"
+#include "shell/DeskCommands.h"
+#include "shell/Menu.h"
 #include "shell/NotificationCards.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
@@ -52,6 +54,8 @@ public:
 
 private:
     MaybeError publishObjects();
+    /// Stores a screenshot among the person's pictures and posts a notification about it.
+    void takeScreenShot();
 
     const Options mOptions;
 
@@ -65,6 +69,8 @@ private:
     WindowStack mWindowStack;
     StatusBar mStatusBar;
     NotificationCards mNotificationCards;
+    DeskCommands mCommands;
+    Menu mMenu;
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 

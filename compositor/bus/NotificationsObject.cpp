@@ -101,6 +101,11 @@ uint NotificationsObject::Notify(const QString&, uint replacesId, const QString&
     notification.actions = actionsOf(actions, hints.value(QStringLiteral("action-icons")).toBool());
     notification.isResident = hints.value(QStringLiteral("resident")).toBool();
     notification.isCritical = hints.value(QStringLiteral("urgency")).toInt() == cCriticalUrgency;
+    bool isNumber = false;
+    const int progress = hints.value(QStringLiteral("value")).toInt(&isNumber);
+    if (isNumber) {
+        notification.progress = qBound(0, progress, 100);
+    }
     if (!notification.isCritical) {
         notification.timeoutMilliseconds = expireTimeout < 0 ? cDefaultTimeoutMilliseconds : expireTimeout;
     }

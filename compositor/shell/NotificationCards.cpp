@@ -19,6 +19,8 @@ constexpr int cMargin = 12;
 constexpr int cPadding = 14;
 constexpr int cSpacing = 10;
 constexpr int cRadius = 12;
+constexpr int cCloseSize = 36;
+constexpr int cProgressHeight = 6;
 constexpr int cButtonHeight = 36;
 constexpr int cButtonsPerRow = 3;
 constexpr int cSummaryLines = 2;
@@ -115,7 +117,8 @@ NotificationCards::Card NotificationCards::layOutCard(const Notification& notifi
         textWidth -= Limits::cNotificationIconSize + cPadding;
         bottom += Limits::cNotificationIconSize;
     }
-    textWidth = qMax(1, textWidth);
+    card.closeRect = QRect(topLeft.x() + width - cCloseSize, topLeft.y(), cCloseSize, cCloseSize);
+    textWidth = qMax(1, textWidth - (cCloseSize - cPadding));
 
     card.summaryRect = QRect(textLeft, content.y(), textWidth,
                              Theme::textHeight(notification.summary, summaryFont(), textWidth, cSummaryLines));
@@ -123,6 +126,11 @@ NotificationCards::Card NotificationCards::layOutCard(const Notification& notifi
     card.bodyRect = QRect(textLeft, content.y() + card.summaryRect.height() + gap, textWidth,
                           Theme::textHeight(notification.body, bodyFont(), textWidth, cBodyLines));
     bottom = qMax(bottom, card.bodyRect.top() + card.bodyRect.height());
+
+    if (notification.progress) {
+        card.progressRect = QRect(textLeft, bottom + cSpacing, textWidth, cProgressHeight);
+        bottom += cSpacing + cProgressHeight;
+    }
 
     QVector<Notification::Action> actions;
     for (const Notification::Action& action : notification.actions) {
@@ -162,10 +170,10 @@ NotificationCards::Target NotificationCards::targetAt(const QPoint& position)
         }
         for (const Button& button : card.buttons) {
             if (button.rect.contains(position)) {
-                return {card.notification.id, button.action.key};
+                return {card.notification.id, button.action.key, false};
             }
         }
-        return {card.notification.id, QString()};
+        return {card.notification.id, QString(), card.closeRect.contains(position)};
     }
     return {};
 }
@@ -175,16 +183,19 @@ bool NotificationCards::contains(const QPoint& position)
     return targetAt(position).id != 0;
 }
 
-bool NotificationCards::press(const QPoint& position)
+void NotificationCards::press(const QPoint& position)
 {
     mPressed = targetAt(position);
-    return mPressed.id != 0;
 }
 
 void NotificationCards::release(const QPoint& position)
 {
     const Target pressed = std::exchange(mPressed, Target());
     if (pressed.id == 0 || !(targetAt(position) == pressed)) {
+        return;
+    }
+    if (pressed.isCloseButton) {
+        mCenter.close(pressed.id, NotificationCenter::CloseReason::Dismissed);
         return;
     }
     if (!pressed.actionKey.isEmpty()) {
@@ -231,6 +242,16 @@ void NotificationCards::paintCard(QPainter* painter, const Card& card) const
     Theme::drawText(painter, card.summaryRect, card.notification.summary, summaryFont(), Qt::AlignLeft, cSummaryLines);
     painter->setPen(Theme::cMutedText);
     Theme::drawText(painter, card.bodyRect, card.notification.body, bodyFont(), Qt::AlignLeft, cBodyLines);
+    Theme::drawCross(painter, card.closeRect);
+    if (card.notification.progress) {
+        painter->setPen(Qt::NoPen);
+        QRectF bar = card.progressRect;
+        painter->setBrush(Theme::cButton);
+        painter->drawRoundedRect(bar, bar.height() / 2, bar.height() / 2);
+        bar.setWidth(bar.width() * *card.notification.progress / 100);
+        painter->setBrush(Theme::cAccent);
+        painter->drawRoundedRect(bar, bar.height() / 2, bar.height() / 2);
+    }
     for (const Button& button : card.buttons) {
         paintButton(painter, button);
     }

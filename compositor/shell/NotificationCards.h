@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "shell/SceneLayer.h"
+#include "shell/InputLayer.h"
 #include "state/Notification.h"
 
 #include <QObject>
@@ -14,19 +14,16 @@ class Output;
 class Scene;
 
 /// The cards of the notifications, the newest at the top, as many as fit.
-class NotificationCards : public QObject, public SceneLayer
+class NotificationCards : public QObject, public InputLayer
 {
     Q_OBJECT
 
 public:
     NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent = nullptr);
 
-    bool contains(const QPoint& position);
-    /// Returns whether `position` is on a card, which takes the press then.
-    bool press(const QPoint& position);
-    /// Triggers what was pressed, if the pointer is still on it.
-    void release(const QPoint& position);
-
+    bool contains(const QPoint& position) override;
+    void press(const QPoint& position) override;
+    void release(const QPoint& position) override;
     QRegion update() override;
     void paint(QPainter* painter) const override;
 
@@ -43,6 +40,9 @@ private:
         QRect iconRect;
         QRect summaryRect;
         QRect bodyRect;
+        /// Empty without a progress.
+        QRect progressRect;
+        QRect closeRect;
         QVector<Button> buttons;
     };
     struct Target
@@ -50,10 +50,11 @@ private:
         quint32 id = 0;
         /// Empty for the card outside its buttons.
         QString actionKey;
+        bool isCloseButton = false;
 
         bool operator==(const Target& other) const
         {
-            return id == other.id && actionKey == other.actionKey;
+            return id == other.id && actionKey == other.actionKey && isCloseButton == other.isCloseButton;
         }
     };
 

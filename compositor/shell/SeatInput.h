@@ -13,21 +13,33 @@
 #include <QPointF>
 #include <QPointer>
 #include <QSet>
+#include <QVector>
 
-class NotificationCards;
+class DeskCommands;
+class InputLayer;
+class Menu;
 class QKeyEvent;
 class QWaylandSeat;
 class RequestGuard;
 class ScreenSaver;
 
-/// Routes input: it ends the screen saver first, then goes to the notification cards, then to the current view. All
-/// positions are in the output's coordinates.
+/// Routes input: it ends the screen saver first, then goes to the compositor's own layers and commands, then to the
+/// current view. All positions are in the output's coordinates.
 class SeatInput : public QObject
 {
     Q_OBJECT
 
 public:
-    SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack, NotificationCards& cards,
+    /// The compositor's own layers that receive input.
+    struct Layers
+    {
+        /// From the top to the bottom.
+        QVector<InputLayer*> pointer;
+        Menu& menu;
+        const DeskCommands& commands;
+    };
+
+    SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack, const Layers& layers,
               ScreenSaver& screenSaver, QWindow& window);
 
     void pointerMotion(const QPointF& position);
@@ -42,6 +54,11 @@ public:
 private:
     /// Returns whether the input has ended the screen saver; it has no other effect then.
     bool wakesScreen();
+    void noteRelease();
+    /// Returns whether the key is for the menu or for a command.
+    bool takesKey(QKeyEvent* event);
+    /// Null when a press at `position` is for the clients.
+    InputLayer* layerAt(const QPointF& position) const;
     void updateKeyboardFocus();
     void updatePointerFocus();
     void setPointerFocus(const WindowStack::Hit& target);
@@ -52,11 +69,13 @@ private:
 
     QWaylandSeat* mSeat;
     WindowStack& mStack;
-    NotificationCards& mCards;
+    const Layers mLayers;
     ScreenSaver& mScreenSaver;
     ClientCursor mCursor;
     ClientDrag& mDrag;
 
+    /// The layer that the pointer has pressed.
+    InputLayer* mPressedLayer = nullptr;
     QPointF mPosition;
     bool mIsInside = false;
     /// The buttons whose press was sent to the client; its surface has an implicit grab while there are any.

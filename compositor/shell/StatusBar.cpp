@@ -15,6 +15,7 @@ namespace {
 
 constexpr int cMargin = 14;
 constexpr int cClockWidth = 60;
+constexpr int cMenuSignWidth = 16;
 constexpr int cLongestTitle = 400;
 
 } // namespace
@@ -73,6 +74,22 @@ QString StatusBar::title() const
     return view->isResponding ? title : QStringLiteral("%1 (not responding)").arg(title);
 }
 
+bool StatusBar::contains(const QPoint& position)
+{
+    return mOutput.statusBarRect().contains(position);
+}
+
+void StatusBar::press(const QPoint&)
+{
+}
+
+void StatusBar::release(const QPoint& position)
+{
+    if (contains(position)) {
+        Q_EMIT clicked();
+    }
+}
+
 void StatusBar::paint(QPainter* painter) const
 {
     const QRect bar = mOutput.statusBarRect();
@@ -84,7 +101,10 @@ void StatusBar::paint(QPainter* painter) const
 
     painter->setPen(Theme::cText);
     const QFont font = Theme::font(15, QFont::Medium);
-    Theme::drawText(painter, bar.adjusted(cMargin, 0, -2 * cMargin - cClockWidth, 0), mTitle, font,
+    for (int line = -1; line <= 1; ++line) {
+        painter->fillRect(cMargin, bar.center().y() + 5 * line, cMenuSignWidth, 2, Theme::cMutedText);
+    }
+    Theme::drawText(painter, bar.adjusted(2 * cMargin + cMenuSignWidth, 0, -2 * cMargin - cClockWidth, 0), mTitle, font,
                     Qt::AlignLeft | Qt::AlignVCenter, 1);
     painter->setPen(Theme::cMutedText);
     painter->setFont(font);

@@ -68,6 +68,15 @@ int Theme::textHeight(const QString& text, const QFont& font, int width, int max
     return text.isEmpty() ? 0 : qCeil(layOutLines(&layout, width, maximumLines));
 }
 
+void Theme::drawCross(QPainter* painter, const QRect& rect)
+{
+    constexpr qreal cReach = 4.5;
+    const QPointF center = QRectF(rect).center();
+    painter->setPen(QPen(cMutedText, 1.5, Qt::SolidLine, Qt::RoundCap));
+    painter->drawLine(center + QPointF(-cReach, -cReach), center + QPointF(cReach, cReach));
+    painter->drawLine(center + QPointF(-cReach, cReach), center + QPointF(cReach, -cReach));
+}
+
 void Theme::drawShadow(QPainter* painter, const QRectF& rect, qreal radius, int reach)
 {
     painter->setPen(Qt::NoPen);

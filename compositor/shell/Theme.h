@@ -6,6 +6,7 @@
 #include <QFont>
 
 class QPainter;
+class QRect;
 class QRectF;
 class QString;
 class QTextLayout;
@@ -16,7 +17,7 @@ namespace Theme {
 inline const QColor cBackgroundTop{0x22, 0x2e, 0x3c};
 inline const QColor cBackgroundBottom{0x12, 0x19, 0x21};
 inline const QColor cBar{0x17, 0x1f, 0x29};
-inline const QColor cCard{0x29, 0x36, 0x45, 0xf4};
+inline const QColor cCard{0x29, 0x36, 0x45};
 inline const QColor cCardEdge{0xff, 0xff, 0xff, 0x1e};
 inline const QColor cButton{0xff, 0xff, 0xff, 0x1c};
 inline const QColor cText{0xee, 0xf3, 0xf8};
@@ -36,6 +37,9 @@ void drawText(QPainter* painter, const QRectF& rect, const QString& text, const 
 
 /// Returns the height that drawText() needs.
 int textHeight(const QString& text, const QFont& font, int width, int maximumLines);
+
+/// Draws the sign of a button that closes something, in the middle of `rect`.
+void drawCross(QPainter* painter, const QRect& rect);
 
 void drawShadow(QPainter* painter, const QRectF& rect, qreal radius, int reach);
 

@@ -11,6 +11,7 @@
 #include "wayland/ClientWindow.h"
 
 #include <QPainter>
+#include <QWaylandXdgToplevel>
 
 #include <algorithm>
 #include <utility>
@@ -71,7 +72,24 @@ void WindowStack::addPopup(ClientPopup* popup)
 
 ClientWindow* WindowStack::current() const
 {
-    const QString uuid = mViews.current();
+    return windowOfView(mViews.current());
+}
+
+bool WindowStack::canClose(const QString& uuid) const
+{
+    return windowOfView(uuid) != nullptr;
+}
+
+void WindowStack::close(const QString& uuid)
+{
+    ClientWindow* const window = windowOfView(uuid);
+    if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
+        window->toplevel()->sendClose();
+    }
+}
+
+ClientWindow* WindowStack::windowOfView(const QString& uuid) const
+{
     const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [&uuid](const ClientWindow* window) {
         return window->isMapped() && window->uuid() == uuid;
     });

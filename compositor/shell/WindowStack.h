@@ -43,6 +43,10 @@ public:
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
+    /// Returns whether the view has a window, which its client can be asked to close.
+    bool canClose(const QString& uuid) const;
+    /// Asks the client to close the window of the view, if it has one.
+    void close(const QString& uuid);
     /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();
 
@@ -57,6 +61,8 @@ Q_SIGNALS:
 
 private:
     ClientWindow* windowOf(const QWaylandXdgToplevel* toplevel) const;
+    /// Null when the view has no window.
+    ClientWindow* windowOfView(const QString& uuid) const;
     /// From the bottom to the top.
     QVector<ClientWindow*> visibleWindows() const;
     QVector<ClientPopup*> visiblePopups() const;

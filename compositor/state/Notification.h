@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /// One notification, sanitized and ready to be painted.
 struct Notification
 {
@@ -29,6 +31,8 @@ struct Notification
     /// Is not closed when one of its actions is chosen.
     bool isResident = false;
     bool isCritical = false;
+    /// In percent.
+    std::optional<int> progress;
     /// 0 is never.
     int timeoutMilliseconds = 0;
 };

@@ -32,6 +32,11 @@ public:
     {
         return find(current());
     }
+    /// Returns the uuids of all views, the current one first and the others in the order of their last use.
+    QStringList recent() const;
+    /// Returns the uuid of the view after (1) or before (-1) the current one among those of its application, in the
+    /// order of their sort indices and from the last to the first. Empty when there is no view.
+    QString neighbour(int step) const;
     /// Returns false when there is no such view.
     bool setCurrent(const QString& uuid);
 

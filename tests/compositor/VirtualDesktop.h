@@ -22,6 +22,8 @@ public:
     void release(int button = 1);
     /// A key's name in X, with modifiers: "shift+a".
     void key(const QString& name);
+    void keyDown(const QString& name);
+    void keyUp(const QString& name);
 
 private:
     void type(const QStringList& arguments);

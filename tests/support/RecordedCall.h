@@ -19,6 +19,8 @@ struct RecordedCall
     QString signature;
     QStringList arguments;
     bool noReply = false;
+    /// The bus does not start a service for it.
+    bool noAutoStart = false;
 
     static QList<RecordedCall> fromJson(const QJsonArray& calls);
 

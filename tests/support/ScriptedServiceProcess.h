@@ -31,6 +31,8 @@ public:
     static Behaviour reply(const QStringList& arguments = {});
     static Behaviour error(const QString& name, const QString& message);
     static Behaviour silence();
+    /// What the service does unless a reply is scripted.
+    static Behaviour plain();
     /// Ends the service's process instead of replying.
     static Behaviour exit();
     /// Kills the process instead of replying.
@@ -64,6 +66,8 @@ public:
     void reset();
 
     void own(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
+    /// As above, and takes the name from one that has taken it in the same way, with no gap between the two.
+    void takeOver(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
     void release(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
 
     /// Each call consumes the first behaviour; the last one stays.
@@ -80,6 +84,9 @@ public:
 
     /// A stateful service stores written properties and emits PropertiesChanged.
     void setStateful(bool enabled);
+
+    /// Delays the service's replies to Get and Set, unless they are scripted, by these milliseconds in turn.
+    void setLate(const QList<int>& delays);
 
     /// Returns once the bus has forwarded the signals.
     void emitSignal(const ServiceSignal& signal, int count = 1);

@@ -27,12 +27,13 @@ BusService::BusService(const QString& address)
 
 BusService::~BusService() = default;
 
-void BusService::requestName(const QString& name)
+void BusService::requestName(const QString& name, bool replaceable)
 {
+    const guint32 allowReplacementAndReplace = 1 | 2;
     const guint32 doNotQueue = 4;
+    const guint32 flags = doNotQueue | (replaceable ? allowReplacementAndReplace : 0);
     const guint32 primaryOwner = 1;
-    expectResult(callBusDaemon("RequestName", g_variant_new("(su)", name.toUtf8().constData(), doNotQueue)),
-                 primaryOwner);
+    expectResult(callBusDaemon("RequestName", g_variant_new("(su)", name.toUtf8().constData(), flags)), primaryOwner);
 }
 
 void BusService::releaseName(const QString& name)

@@ -104,7 +104,9 @@ bool containsDescriptor(GVariant* value)
 
 QJsonObject DBusMessageText::describe(GDBusMessage* message)
 {
-    const bool noReply = (g_dbus_message_get_flags(message) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) != 0;
+    const GDBusMessageFlags flags = g_dbus_message_get_flags(message);
+    const bool noReply = (flags & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) != 0;
+    const bool noAutoStart = (flags & G_DBUS_MESSAGE_FLAGS_NO_AUTO_START) != 0;
     return {
         {QStringLiteral("type"), typeName(g_dbus_message_get_message_type(message))},
         {QStringLiteral("sender"), QString::fromUtf8(g_dbus_message_get_sender(message))},
@@ -116,6 +118,7 @@ QJsonObject DBusMessageText::describe(GDBusMessage* message)
         {QStringLiteral("signature"), QString::fromUtf8(g_dbus_message_get_signature(message))},
         {QStringLiteral("arguments"), describeArguments(g_dbus_message_get_body(message))},
         {QStringLiteral("noReply"), noReply},
+        {QStringLiteral("noAutoStart"), noAutoStart},
     };
 }
 

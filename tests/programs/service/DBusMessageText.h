@@ -11,8 +11,8 @@
 /// strings above 64 KiB are their lengths and digests.
 namespace DBusMessageText {
 
-/// Type, sender, destination, path, interface, member, signature, arguments, whether a reply is expected, and for
-/// errors the name.
+/// Type, sender, destination, path, interface, member, signature, arguments, whether a reply is expected, whether
+/// the bus may start the destination, and for errors the name.
 QJsonObject describe(GDBusMessage* message);
 
 /// The body of a message made of the given arguments; null without arguments. Throws std::invalid_argument on an

@@ -54,6 +54,12 @@ struct ScriptedService::DelayedAnswer
     QJsonObject behaviour;
 };
 
+struct ScriptedService::DelayedReply
+{
+    ScriptedService* service;
+    GObjectPointer<GDBusMessage> reply;
+};
+
 bool ScriptedService::Target::operator<(const Target& other) const
 {
     return std::tie(path, interface, member, property)
@@ -85,11 +91,16 @@ QJsonObject ScriptedService::handle(const QJsonObject& command)
         mProperties.insert(target, text(command, "value"));
     } else if (name == QLatin1String("stateful")) {
         mStateful = command.value(QLatin1String("enabled")).toBool();
+    } else if (name == QLatin1String("late")) {
+        mDelays.clear();
+        for (const QJsonValue& delay : command.value(QLatin1String("delays")).toArray()) {
+            mDelays.append(delay.toInt());
+        }
     } else if (name == QLatin1String("emit")) {
         emitSignal(command);
         waitForBus();
     } else if (name == QLatin1String("own")) {
-        requestName(text(command, "name"));
+        requestName(text(command, "name"), command.value(QLatin1String("replaceable")).toBool());
     } else if (name == QLatin1String("release")) {
         releaseName(text(command, "name"));
     } else if (name == QLatin1String("calls")) {
@@ -102,6 +113,7 @@ QJsonObject ScriptedService::handle(const QJsonObject& command)
         mScripts.clear();
         mProperties.clear();
         mStateful = false;
+        mDelays.clear();
     } else {
         throw std::invalid_argument("unknown command \"" + name.toStdString() + "\"");
     }
@@ -119,15 +131,28 @@ gboolean ScriptedService::onDelayOver(gpointer delayedAnswer)
     return G_SOURCE_REMOVE;
 }
 
-void ScriptedService::receive(GDBusMessage* call)
+gboolean ScriptedService::onReplyDue(gpointer delayedReply)
 {
-    mCalls.append(DBusMessageText::describe(call));
+    const std::unique_ptr<DelayedReply> owned(static_cast<DelayedReply*>(delayedReply));
+    owned->service->send(owned->reply.get());
+    return G_SOURCE_REMOVE;
+}
+
+ScriptedService::Target ScriptedService::targetOf(GDBusMessage* call)
+{
     Target target{QString::fromUtf8(g_dbus_message_get_path(call)),
                   QString::fromUtf8(g_dbus_message_get_interface(call)),
                   QString::fromUtf8(g_dbus_message_get_member(call)), QString()};
     if (target.interface == QLatin1String(cPropertiesInterface)) {
         target.property = stringArgument(call, 1);
     }
+    return target;
+}
+
+void ScriptedService::receive(GDBusMessage* call)
+{
+    mCalls.append(DBusMessageText::describe(call));
+    const Target target = targetOf(call);
     QList<QJsonObject>* const script = findScript(target);
     if (script == nullptr) {
         answerByDefault(call, target);
@@ -166,6 +191,8 @@ void ScriptedService::answer(GDBusMessage* call, const QJsonObject& behaviour)
         sendError(call, text(behaviour, "error"), text(behaviour, "message"));
     } else if (behaviour.contains(QLatin1String("reply"))) {
         sendReply(call, DBusMessageText::parseArguments(behaviour.value(QLatin1String("reply")).toArray()));
+    } else if (behaviour.contains(QLatin1String("plain"))) {
+        answerByDefault(call, targetOf(call));
     }
 }
 
@@ -177,7 +204,7 @@ void ScriptedService::answerByDefault(GDBusMessage* call, const Target& target)
     } else if (target.interface == QLatin1String(cPropertiesInterface) && target.member == QLatin1String("Get")
                && mProperties.contains(stored)) {
         const GVariantPointer value = DBusMessageText::parseValue(mProperties.value(stored));
-        sendReply(call, GVariantPointer(g_variant_ref_sink(g_variant_new("(v)", value.get()))));
+        sendReply(call, GVariantPointer(g_variant_ref_sink(g_variant_new("(v)", value.get()))), takeDelay());
     } else if (target.interface == QLatin1String(cPropertiesInterface) && target.member == QLatin1String("Set")) {
         if (mStateful) {
             const QString value =
@@ -192,7 +219,7 @@ void ScriptedService::answerByDefault(GDBusMessage* call, const Target& target)
                   QJsonArray{QStringLiteral("'%1'").arg(stored.interface),
                              QStringLiteral("{'%1': %2}").arg(stored.property, value), QStringLiteral("@as []")}}});
         }
-        sendReply(call, nullptr);
+        sendReply(call, nullptr, takeDelay());
     } else {
         sendError(call, QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"),
                   QStringLiteral("%1.%2 of %3 is not scripted").arg(target.interface, target.member, target.path));
@@ -209,14 +236,28 @@ QList<QJsonObject>* ScriptedService::findScript(const Target& target)
     return script != mScripts.end() && !script->isEmpty() ? &*script : nullptr;
 }
 
-void ScriptedService::sendReply(GDBusMessage* call, GVariantPointer body)
+void ScriptedService::sendReply(GDBusMessage* call, GVariantPointer body, int delay)
 {
     if ((g_dbus_message_get_flags(call) & G_DBUS_MESSAGE_FLAGS_NO_REPLY_EXPECTED) != 0) {
         return;
     }
-    const GObjectPointer<GDBusMessage> reply(g_dbus_message_new_method_reply(call));
+    GObjectPointer<GDBusMessage> reply(g_dbus_message_new_method_reply(call));
     DBusMessageText::setBody(reply.get(), std::move(body));
-    send(reply.get());
+    if (delay == 0) {
+        send(reply.get());
+        return;
+    }
+    auto delayedReply = std::make_unique<DelayedReply>(DelayedReply{this, std::move(reply)});
+    g_timeout_add(static_cast<guint>(delay), onReplyDue, delayedReply.release());
+}
+
+int ScriptedService::takeDelay()
+{
+    if (mDelays.isEmpty()) {
+        return 0;
+    }
+    mDelays.append(mDelays.takeFirst());
+    return mDelays.last();
 }
 
 void ScriptedService::sendError(GDBusMessage* call, const QString& name, const QString& text)

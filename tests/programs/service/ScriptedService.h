@@ -18,6 +18,9 @@
 /// stored and signalled only by a stateful service; an error otherwise.
 ///
 /// A script is a list of behaviours of which each call consumes the first; the last one stays.
+///
+/// A late service makes its plain answers at once and sends each some time later, by a list of delays that it goes
+/// through over and over, so that answers may overtake each other, and be overtaken by signals.
 class ScriptedService : public BusService
 {
 public:
@@ -37,15 +40,19 @@ private:
         bool operator<(const Target& other) const;
     };
     struct DelayedAnswer;
+    struct DelayedReply;
 
+    static Target targetOf(GDBusMessage* call);
     static gboolean onDelayOver(gpointer delayedAnswer);
+    static gboolean onReplyDue(gpointer delayedReply);
 
     void receive(GDBusMessage* call) override;
     void behave(GDBusMessage* call, const QJsonObject& behaviour);
     void answer(GDBusMessage* call, const QJsonObject& behaviour);
     void answerByDefault(GDBusMessage* call, const Target& target);
     QList<QJsonObject>* findScript(const Target& target);
-    void sendReply(GDBusMessage* call, GVariantPointer body);
+    void sendReply(GDBusMessage* call, GVariantPointer body, int delay = 0);
+    int takeDelay();
     void sendError(GDBusMessage* call, const QString& name, const QString& text);
     void emitSignal(const QJsonObject& signal);
     void waitForBus();
@@ -55,4 +62,5 @@ private:
     QMap<Target, QList<QJsonObject>> mScripts;
     QMap<Target, QString> mProperties;
     bool mStateful = false;
+    QList<int> mDelays;
 };
