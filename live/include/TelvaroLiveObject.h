@@ -23,7 +23,7 @@ class QString;
 /// returns QDBusPendingReply, which QDBusPendingCallWatcher and coroutine libraries can wait for. Create the watcher
 /// before control returns to the event loop. The reply outlives the object and can be dropped: a failure also emits
 /// requestFailed(). waitForFinished() blocks, like any operation of a connector. Dropping the reply or the object does
-/// not recall the request.
+/// not recall the request: it has been written to the bus by the time the object is destroyed.
 ///
 /// A live object needs a QCoreApplication and a running event loop in the thread that creates it, and belongs to that
 /// thread. It starts no threads and no timers and logs nothing. The first use of the bus in a process connects to it,

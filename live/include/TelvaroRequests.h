@@ -16,10 +16,13 @@
 /// Every function sends one call and returns at once; none blocks or logs. Watch the QDBusPendingReply with a
 /// QDBusPendingCallWatcher that is created before control returns to the event loop, or drop it: the request is
 /// executed in either case. The reply carries the service's error or
-/// - QDBusError::ServiceUnknown if the service is absent; it is never started;
+/// - "org.freedesktop.DBus.Error.NameHasNoOwner" if the service is absent; it is never started;
 /// - QDBusError::NoReply if it does not reply within 25 seconds;
 /// - QDBusError::Disconnected without a bus;
 /// - QDBusError::NotSupported if TelvaroDeviceDistinction::isCompositorDevice() is false; nothing is sent.
+///
+/// Qt writes the call to the bus in a thread of its own: a process that exits right after a request should wait for its
+/// reply first, or the request may be lost.
 ///
 /// The functions can be called from any thread of a process with a QCoreApplication; a watcher needs an event loop in
 /// its thread.

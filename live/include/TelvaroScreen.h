@@ -39,7 +39,8 @@ class TELVARO_LIVE_EXPORT TelvaroScreen : public TelvaroLiveObject
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
 
 public:
-    /// Subscribes and sends the reads; returns at once.
+    /// Subscribes and sends the reads; returns at once. The status starts as Loading, or as Absent without a bus or on
+    /// another device.
     explicit TelvaroScreen(QObject* parent = nullptr);
     ~TelvaroScreen() override;
 
@@ -60,7 +61,8 @@ public:
     /// Returns whether the current view is full screen; false while unknown. D-Bus: property "fullScreen", b.
     bool isFullScreen() const;
 
-    /// Allows the screen saver to start, or keeps it from starting.
+    /// Allows the screen saver to start, or keeps it from starting. Whether an active screen saver ends is up to the
+    /// service.
     QDBusPendingReply<> setScreenSaverEnabled(bool enabled);
     /// Sets the number of seconds without input after which the screen saver starts.
     QDBusPendingReply<> setScreenSaverTimeout(int seconds);

@@ -36,7 +36,8 @@ class TELVARO_LIVE_EXPORT TelvaroTaskSwitcher : public TelvaroLiveObject
     Q_PROPERTY(QString currentView READ getCurrentView WRITE switchTo NOTIFY currentViewChanged)
 
 public:
-    /// Subscribes and sends the reads; returns at once.
+    /// Subscribes and sends the reads; returns at once. The status starts as Loading, or as Absent without a bus or on
+    /// another device.
     explicit TelvaroTaskSwitcher(QObject* parent = nullptr);
     ~TelvaroTaskSwitcher() override;
 

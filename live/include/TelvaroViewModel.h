@@ -71,7 +71,8 @@ public:
     /// Returns the row of the current view, or -1 if there is none or it is not among the views.
     int getCurrentRow() const;
 
-    /// Returns all views in the order of the rows.
+    /// Returns all views in the order of the rows. The reference is valid as long as the model, its contents until
+    /// control returns to the event loop.
     const QList<View>& getViews() const;
 
     /// Returns the view with the uuid, or a default-constructed one, whose uuid is empty, if there is none.
