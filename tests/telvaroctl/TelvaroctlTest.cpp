@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ConnectorFixture.h"
+#include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
 
@@ -103,12 +104,17 @@ private Q_SLOTS:
     void screenShotIntoNowhereIsAFailure();
     void watchPrintsEachSignalUntilInterrupted_data();
     void watchPrintsEachSignalUntilInterrupted();
-    void watchWaitsForAServiceThatIsNotThereYet();
+    void watchFollowsTheService_data();
+    void watchFollowsTheService();
+    void watchNeedsABus();
 
 private:
     /// The service is absent during the lifetime of the returned object.
     std::shared_ptr<void> releaseName();
     void setTwoViews();
+    void emitViews(const QList<View>& views);
+    /// Returns once telvaroctl is listening.
+    static void startWatch(ChildProcess& watch, const QStringList& arguments);
     static QString taskSwitcherSet(const char* uuid);
     static QString screenSet(const char* property, const char* value);
     QStringList takeWrites();
@@ -127,6 +133,22 @@ void TelvaroctlTest::setTwoViews()
     mService.setViews(
         ValueText::views({view("u-1", "notes", 4711, 0, "Shopping"), view("u-2", "notes", 4711, 1, "Recipes")}));
     mService.setCurrentView(QStringLiteral("u-1"));
+}
+
+void TelvaroctlTest::emitViews(const QList<View>& views)
+{
+    mService.emitSignal(
+        ServiceSignal::propertiesChanged(QStringLiteral("/taskswitcher"), QStringLiteral("de.Telvaro.taskswitcher"),
+                                         QStringLiteral("{'views': <%1>}").arg(ValueText::views(views))));
+}
+
+void TelvaroctlTest::startWatch(ChildProcess& watch, const QStringList& arguments)
+{
+    watch.setProcessChannelMode(QProcess::SeparateChannels);
+    watch.run(QStringLiteral(TELVAROCTL), arguments);
+    watch.setReadChannel(QProcess::StandardError);
+    QCOMPARE(QString::fromUtf8(watch.readOutputLine()), QStringLiteral("telvaroctl: watching " TELVARO_SERVICE_NAME));
+    watch.setReadChannel(QProcess::StandardOutput);
 }
 
 QString TelvaroctlTest::taskSwitcherSet(const char* uuid)
@@ -631,37 +653,27 @@ void TelvaroctlTest::watchPrintsEachSignalUntilInterrupted()
     QFETCH(int, interrupt);
     setTwoViews();
     ChildProcess watch;
-    watch.setProcessChannelMode(QProcess::SeparateChannels);
-    QStringList arguments{QStringLiteral("watch")};
-    if (asJson) {
-        arguments.append(QStringLiteral("--json"));
-    }
-    watch.run(QStringLiteral(TELVAROCTL), arguments);
-    watch.setReadChannel(QProcess::StandardError);
-    QCOMPARE(QString::fromUtf8(watch.readOutputLine()), QStringLiteral("telvaroctl: watching " TELVARO_SERVICE_NAME));
-    watch.setReadChannel(QProcess::StandardOutput);
+    startWatch(watch, words(asJson ? "watch --json" : "watch"));
 
     const QString taskSwitcherPath = QStringLiteral("/taskswitcher");
     const QString taskSwitcher = QStringLiteral("de.Telvaro.taskswitcher");
-    const QString screenPath = QStringLiteral("/screen");
-    const QString screen = QStringLiteral("de.Telvaro.screen");
-    mService.setProperty(screenPath, screen, QStringLiteral("screenSaverActive"), QStringLiteral("true"));
-    mService.setProperty(screenPath, screen, QStringLiteral("orientation"), QStringLiteral("'90'"));
-    mService.setProperty(screenPath, screen, QStringLiteral("fullScreen"), QStringLiteral("true"));
+    emitViews({view("u-2", "notes", 4711, 1, "Recipes")});
     mService.emitSignal(
-        ServiceSignal::propertiesChanged(taskSwitcherPath, taskSwitcher, QStringLiteral("{'views': <0>}")));
+        ServiceSignal::propertiesChanged(taskSwitcherPath, taskSwitcher, QStringLiteral("{'currentView': <'u-2'>}")));
+    // What is as it was is no change.
     mService.emitSignal(
-        ServiceSignal::propertiesChanged(taskSwitcherPath, taskSwitcher, QStringLiteral("{'currentView': <'x'>}")));
+        ServiceSignal::propertiesChanged(taskSwitcherPath, taskSwitcher, QStringLiteral("{'currentView': <'u-2'>}")));
     mService.emitSignal(ServiceSignal::propertiesChanged(
-        screenPath, screen, QStringLiteral("{'screenSaverActive': <0>, 'orientation': <0>, 'fullScreen': <0>}")));
+        QStringLiteral("/screen"), QStringLiteral("de.Telvaro.screen"),
+        QStringLiteral("{'screenSaverActive': <true>, 'orientation': <'90'>, 'fullScreen': <true>}")));
 
     const QStringList expected = asJson
         ? QStringList({QStringLiteral("{\"signal\":\"viewsChanged\"}"),
-                       QStringLiteral("{\"signal\":\"currentViewChanged\",\"value\":\"u-1\"}"),
+                       QStringLiteral("{\"signal\":\"currentViewChanged\",\"value\":\"u-2\"}"),
                        QStringLiteral("{\"signal\":\"screenSaverActiveChanged\",\"value\":true}"),
                        QStringLiteral("{\"signal\":\"screenOrientationChanged\",\"value\":\"90\"}"),
                        QStringLiteral("{\"signal\":\"fullScreenChanged\",\"value\":true}")})
-        : QStringList({QStringLiteral("viewsChanged"), QStringLiteral("currentViewChanged u-1"),
+        : QStringList({QStringLiteral("viewsChanged"), QStringLiteral("currentViewChanged u-2"),
                        QStringLiteral("screenSaverActiveChanged true"), QStringLiteral("screenOrientationChanged 90"),
                        QStringLiteral("fullScreenChanged true")});
     for (const QString& line : expected) {
@@ -674,22 +686,58 @@ void TelvaroctlTest::watchPrintsEachSignalUntilInterrupted()
     QCOMPARE(QString::fromUtf8(watch.readAllStandardOutput()), QString());
 }
 
-void TelvaroctlTest::watchWaitsForAServiceThatIsNotThereYet()
+void TelvaroctlTest::watchFollowsTheService_data()
 {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("gone");
+    QTest::addColumn<QString>("back");
+    QTest::addColumn<QString>("changed");
+    QTest::newRow("text") << words("watch") << "serviceGone"
+                          << "serviceBack"
+                          << "viewsChanged";
+    QTest::newRow("json") << words("watch --json") << "{\"signal\":\"serviceGone\"}"
+                          << "{\"signal\":\"serviceBack\"}"
+                          << "{\"signal\":\"viewsChanged\"}";
+}
+
+void TelvaroctlTest::watchFollowsTheService()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, gone);
+    QFETCH(QString, back);
+    QFETCH(QString, changed);
+    setTwoViews();
     auto absence = releaseName();
     ChildProcess watch;
-    watch.setProcessChannelMode(QProcess::SeparateChannels);
-    watch.run(QStringLiteral(TELVAROCTL), {QStringLiteral("watch")});
-    watch.setReadChannel(QProcess::StandardError);
-    QByteArray line = watch.readOutputLine();
-    while (!line.contains("watching")) {
-        line = watch.readOutputLine();
+    startWatch(watch, arguments);
+    for (int round = 0; round < 2; ++round) {
+        absence = {};
+        QCOMPARE(QString::fromUtf8(watch.readOutputLine()), back);
+        emitViews({view("u-2", "notes", 4711, 1, "Recipes")});
+        QCOMPARE(QString::fromUtf8(watch.readOutputLine()), changed);
+        absence = releaseName();
+        QCOMPARE(QString::fromUtf8(watch.readOutputLine()), gone);
     }
-    watch.setReadChannel(QProcess::StandardOutput);
-    absence = {};
-    mService.emitSignal(ServiceSignal::propertiesChanged(
-        QStringLiteral("/taskswitcher"), QStringLiteral("de.Telvaro.taskswitcher"), QStringLiteral("{'views': <0>}")));
-    QCOMPARE(QString::fromUtf8(watch.readOutputLine()), QStringLiteral("viewsChanged"));
+}
+
+void TelvaroctlTest::watchNeedsABus()
+{
+    const QByteArray ownBus = PrivateBus::address().toUtf8();
+    PrivateBus::setAddress("unix:path=/nonexistent");
+    const Result atOnce = telvaroctl({QStringLiteral("watch")});
+    ChildProcess watch;
+    {
+        PrivateBus bus;
+        startWatch(watch, words("watch"));
+        PrivateBus::setAddress(ownBus);
+        bus.kill();
+        QVERIFY(watch.waitForFinished(ChildProcess::cDeadline));
+    }
+    QCOMPARE(atOnce.status, 1);
+    QCOMPARE(atOnce.errors, message("there is no bus"));
+    QCOMPARE(watch.exitCode(), 1);
+    QCOMPARE(QString::fromUtf8(watch.readAllStandardError()), message("there is no bus"));
+    QCOMPARE(QString::fromUtf8(watch.readAllStandardOutput()), QString());
 }
 
 TELVARO_TEST_MAIN(TelvaroctlTest)
