@@ -13,8 +13,10 @@
 #include <QWheelEvent>
 
 namespace {
+
 constexpr int cFrameMilliseconds = 16;
-}
+
+} // namespace
 
 OutputWindow::OutputWindow(Output& output, Scene& scene)
     : mOutput(output)
@@ -28,7 +30,7 @@ OutputWindow::OutputWindow(Output& output, Scene& scene)
     mFrameTimer.setSingleShot(true);
     mFrameTimer.setTimerType(Qt::PreciseTimer);
     connect(&mFrameTimer, &QTimer::timeout, this, &OutputWindow::paintFrame);
-    connect(&scene, &Scene::frameNeeded, this, &OutputWindow::scheduleFrame);
+    connect(&scene, &Scene::frameRequested, this, &OutputWindow::scheduleFrame);
     mSinceFrame.start();
 }
 
@@ -46,8 +48,7 @@ void OutputWindow::paintFrame()
         return;
     }
     mSinceFrame.restart();
-    mScene.update();
-    const QRegion damage = mScene.takeDamage();
+    const QRegion damage = mScene.update();
     if (!damage.isEmpty()) {
         mBackingStore.resize(size());
         mBackingStore.beginPaint(damage);
@@ -65,7 +66,7 @@ void OutputWindow::paintFrame()
 void OutputWindow::exposeEvent(QExposeEvent*)
 {
     if (isExposed()) {
-        mScene.damageAll();
+        mScene.repaint();
     }
 }
 

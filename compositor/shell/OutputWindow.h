@@ -11,8 +11,8 @@ class Output;
 class Scene;
 class SeatInput;
 
-/// The window on the desktop that stands for the device's display. Paints what has changed of the scene, at most sixty
-/// times a second and not at all while nothing changes, and hands the input on.
+/// The window on the desktop that stands for the device's display. Paints the damage of the scene, at most sixty times
+/// a second and not at all while nothing changes, and passes input on.
 class OutputWindow : public QWindow
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
     }
 
 Q_SIGNALS:
-    /// What was asked for before is on the screen now.
+    /// All that was requested before is on the screen now.
     void framePainted();
 
 protected:

@@ -13,23 +13,26 @@ Scene::Scene(const Output& output, const ScreenSaver& screenSaver, QObject* pare
     , mOutput(output)
     , mScreenSaver(screenSaver)
 {
-    connect(&output, &Output::geometryChanged, this, &Scene::damageAll);
-    connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::damageAll);
+    connect(&output, &Output::geometryChanged, this, &Scene::repaint);
+    connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::repaint);
 }
 
-void Scene::damage(const QRegion& region)
+void Scene::repaint()
 {
-    mDamage |= region;
-    Q_EMIT frameNeeded();
+    mDamage = mOutput.rect();
+    requestFrame();
 }
 
-void Scene::damageAll()
+void Scene::updateLayers()
 {
-    damage(mOutput.rect());
+    for (SceneLayer* layer : qAsConst(mLayers)) {
+        mDamage |= layer->update();
+    }
 }
 
-QRegion Scene::takeDamage()
+QRegion Scene::update()
 {
+    updateLayers();
     const QRegion damage = std::exchange(mDamage, QRegion()).intersected(mOutput.rect());
     return mOutput.toWindow().map(damage);
 }
@@ -50,7 +53,7 @@ void Scene::paint(QPainter* painter) const
 
 QImage Scene::toImage()
 {
-    update();
+    updateLayers();
     QImage image(mOutput.physicalSize(), QImage::Format_RGB32);
     QPainter painter(&image);
     paint(&painter);

@@ -3,8 +3,10 @@
 #include "state/Output.h"
 
 namespace {
+
 constexpr int cStatusBarHeight = 34;
-}
+
+} // namespace
 
 Output::Output(const QSize& physicalSize, QObject* parent)
     : QObject(parent)

@@ -9,8 +9,8 @@
 #include <QStringList>
 #include <QTransform>
 
-/// The geometry of the one output: a window of some physical size whose contents are turned, and what of it is left to
-/// the views. All rectangles but physicalSize() are in the contents' own, unturned coordinates.
+/// The geometry of the one output: its physical size, the rotation of its contents, and the work area that is left to
+/// the views. All rectangles are in the coordinates of the rotated contents; only physicalSize() is the window's.
 class Output : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ public:
     {
         return QString::number(mRotation);
     }
-    /// False, and nothing changed, when \a orientation is none of orientations().
+    /// Returns false when `orientation` is none of orientations().
     bool setOrientation(const QString& orientation);
     static QStringList orientations();
 

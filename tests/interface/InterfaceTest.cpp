@@ -30,7 +30,7 @@ namespace {
 
 using Entry = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
-/// Reaches what derived classes of an application reach.
+/// Has access to the base's protected members, like classes of an application.
 class DerivedConnector : public TelvaroNotificationDBusConnector
 {
 public:
@@ -77,7 +77,7 @@ QString layout()
         + size<TelvaroViewModel>("TelvaroViewModel");
 }
 
-/// How many functions an application finds by their place in the class's table.
+/// The number of entries in the class's virtual table.
 int virtualFunctionCount(const char* className)
 {
     const QByteArray symbol = "_ZTV" + QByteArray::number(qstrlen(className)) + className;
@@ -150,8 +150,7 @@ QString metaObjects()
 
 } // namespace
 
-/// What an application compiles in, compared with what it was when applications were compiled. Each processor has its
-/// own sizes.
+/// The binary interface that applications compile in, compared with the recorded one. Sizes differ between processors.
 class InterfaceTest : public QObject
 {
     Q_OBJECT

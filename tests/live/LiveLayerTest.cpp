@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "TaskSwitcherTest.h"
+#include "LiveTest.h"
 #include "TestMain.h"
 
 #include <TelvaroRequests.h>
@@ -11,32 +11,8 @@
 #include <QDir>
 #include <QSignalSpy>
 
-namespace {
-
-QStringList currentRows(const TelvaroViewModel& views)
-{
-    QStringList uuids;
-    for (int row = 0; row < views.rowCount(); ++row) {
-        if (views.index(row).data(TelvaroViewModel::CurrentRole).toBool()) {
-            uuids.append(views.index(row).data(TelvaroViewModel::UuidRole).toString());
-        }
-    }
-    return uuids;
-}
-
-template <typename... Types> bool waitFor(const QDBusPendingReply<Types...>& reply)
-{
-    return QTest::qWaitFor(
-        [&reply] {
-            return reply.isFinished();
-        },
-        ChildProcess::cDeadline);
-}
-
-} // namespace
-
 /// The whole of the live layer with a service that behaves.
-class LiveLayerTest : public TaskSwitcherTest
+class LiveLayerTest : public LiveTest
 {
     Q_OBJECT
 

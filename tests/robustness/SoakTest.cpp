@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
@@ -23,7 +23,7 @@ int setting(const char* variable, int otherwise)
     return isNumber ? value : otherwise;
 }
 
-/// What an application must not have more of, however long it runs.
+/// Resources that must not grow in a long-running application.
 struct Holdings
 {
     static Holdings now();
@@ -50,8 +50,8 @@ Holdings Holdings::now()
 
 } // namespace
 
-/// The same over and over. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS tell how often.
-class SoakTest : public ConnectorTest
+/// Repeats all operations. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS set the counts.
+class SoakTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -77,7 +77,7 @@ void SoakTest::perform(int operationCount, int constructionCount)
     const auto repeat = [this](Operations& operations, const QStringList& names, int count) {
         for (int done = 0; done < count; ++done) {
             const QString& name = names.at(done % names.size());
-            QCOMPARE(operations.perform(name), Scenario::result(name));
+            QCOMPARE(operations.perform(name), Operations::result(name));
             if (done % batch == 0) {
                 for (const char* const path : {"/taskswitcher", "/screen"}) {
                     mService.emitSignal(ServiceSignal::propertiesChanged(

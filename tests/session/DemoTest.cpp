@@ -77,7 +77,7 @@ private Q_SLOTS:
         black.fill(Qt::black);
         QCOMPARE(picture("screen-saver"), black);
 
-        // telvaroctl was told of what it did itself.
+        // telvaroctl received the signal of its own write.
         for (const char* line : {"currentViewChanged [0-9a-f-]{36}", "viewsChanged", "screenOrientationChanged 90",
                                  "fullScreenChanged true", "screenSaverActiveChanged true"}) {
             const QRegularExpression watched(QStringLiteral("^   watch: %1$").arg(QString::fromUtf8(line)),

@@ -57,7 +57,7 @@ QStringList shell(const char* script)
     return {QStringLiteral("sh"), QStringLiteral("-c"), QString::fromUtf8(script)};
 }
 
-/// The bus of a session that is running, seen from outside.
+/// The bus of a running session, used from outside.
 class SessionBus
 {
 public:
@@ -194,8 +194,9 @@ private Q_SLOTS:
         const Result result = finish(process);
         QCOMPARE(result.status, 1);
         QCOMPARE(result.output, QString());
-        QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor did not start: it ended")),
-                 qPrintable(result.errors));
+        QVERIFY2(
+            result.errors.contains(QLatin1String("telvaro-compositor did not start: it ended with exit status 1\n")),
+            qPrintable(result.errors));
     }
 
     void theScriptIsPlayedWhenTheCommandBegins()
@@ -228,6 +229,8 @@ private Q_SLOTS:
                                        QStringLiteral("1000")});
         QCOMPARE(result.status, 1);
         QVERIFY2(result.errors.contains(QLatin1String("step 1: there is no view \"one\"")), qPrintable(result.errors));
+        QVERIFY2(result.errors.endsWith(QLatin1String("telvaro-compositor has ended with exit status 1\n")),
+                 qPrintable(result.errors));
     }
 
     void theSizeIsTheOutputs()
@@ -292,7 +295,8 @@ private Q_SLOTS:
         }
         const Result result = finish(process);
         QCOMPARE(result.status, 1);
-        QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor has ended")), qPrintable(result.errors));
+        QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor has ended with signal 9 (Killed)\n")),
+                 qPrintable(result.errors));
     }
 
     void aKilledSessionTakesEverythingWithIt()

@@ -34,7 +34,7 @@ QDBusConnection PrivateBus::connection()
 
 void PrivateBus::synchronise()
 {
-    // What the bus has sent before an answer is queued for its receivers in this process before the answer is here.
+    // Messages are ordered: everything that the bus has sent before this reply is queued in this process.
     const QDBusMessage query =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
@@ -49,9 +49,9 @@ void PrivateBus::deliver()
     QCoreApplication::processEvents();
 }
 
-// From the first turn of the event loop on Qt's own thread notes the names of this process, without the lock under
-// which a call to a service reads them. When the bus itself, for which they are not read, has answered twice, the first
-// of them is noted.
+// From the first turn of the event loop on, Qt's thread stores the names of this process without the lock under which
+// calls to a service read them. Two replies from the bus itself, for which the names are not read, ensure that the
+// first name has been stored.
 bool PrivateBus::waitForNames()
 {
     synchronise();

@@ -18,7 +18,8 @@ QList<RecordedCall> RecordedCall::fromJson(const QJsonArray& calls)
             arguments.append(argument.toString());
         }
         recordedCalls.append({text("sender"), text("destination"), text("path"), text("interface"), text("member"),
-                              text("signature"), arguments, call.value(QLatin1String("noReply")).toBool()});
+                              text("signature"), arguments, call.value(QLatin1String("noReply")).toBool(),
+                              call.value(QLatin1String("noAutoStart")).toBool()});
     }
     return recordedCalls;
 }

@@ -80,6 +80,11 @@ Behaviour Behaviour::silence()
     return Behaviour({{QStringLiteral("silence"), true}});
 }
 
+Behaviour Behaviour::plain()
+{
+    return Behaviour({{QStringLiteral("plain"), true}});
+}
+
 Behaviour Behaviour::exit()
 {
     return Behaviour({{QStringLiteral("exit"), true}});
@@ -150,6 +155,14 @@ void ScriptedServiceProcess::own(const QString& name)
     command(own);
 }
 
+void ScriptedServiceProcess::takeOver(const QString& name)
+{
+    QJsonObject own = makeCommand(QStringLiteral("own"));
+    own.insert(QStringLiteral("name"), name);
+    own.insert(QStringLiteral("replaceable"), true);
+    command(own);
+}
+
 void ScriptedServiceProcess::release(const QString& name)
 {
     QJsonObject release = makeCommand(QStringLiteral("release"));
@@ -197,9 +210,20 @@ void ScriptedServiceProcess::setStateful(bool enabled)
     command(stateful);
 }
 
+void ScriptedServiceProcess::setLate(const QList<int>& delays)
+{
+    QJsonArray list;
+    for (const int delay : delays) {
+        list.append(delay);
+    }
+    QJsonObject late = makeCommand(QStringLiteral("late"));
+    late.insert(QStringLiteral("delays"), list);
+    command(late);
+}
+
 void ScriptedServiceProcess::emitSignal(const ServiceSignal& signal, int count)
 {
-    // Subscriptions of this process that are on their way come first.
+    // Pending subscriptions of this process must be handled first.
     PrivateBus::synchronise();
     QJsonObject emission = signal.toJson();
     emission.insert(QStringLiteral("command"), QStringLiteral("emit"));

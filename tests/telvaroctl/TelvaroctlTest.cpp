@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
 
@@ -62,12 +62,12 @@ QString message(const char* text)
 
 } // namespace
 
-class TelvaroctlTest : public ConnectorTest
+class TelvaroctlTest : public ConnectorFixture
 {
     Q_OBJECT
 
 private:
-    /// The service is away for as long as the returned object lives.
+    /// The service is absent during the lifetime of the returned object.
     std::shared_ptr<void> releaseName()
     {
         mService.release();
@@ -191,6 +191,26 @@ private Q_SLOTS:
         QVERIFY2(result.errors.startsWith(error), qPrintable(result.errors));
         QVERIFY(result.errors.endsWith(QLatin1String("--help'\n")));
         QCOMPARE(mService.takeDescriptions(), QStringList());
+    }
+
+    void aWarningOfQtIsPrintedAndIsNoFailure_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        for (const char* command :
+             {"views", "screensaver", "orientation 90", "fullscreen", "overlay hide", "notify summary"}) {
+            QTest::newRow(command) << words(command);
+        }
+    }
+
+    void aWarningOfQtIsPrintedAndIsNoFailure()
+    {
+        QFETCH(QStringList, arguments);
+        setTwoViews();
+        qputenv("QT_LOGGING_RULES", "nonsense");
+        const Result result = telvaroctl(arguments);
+        qunsetenv("QT_LOGGING_RULES");
+        QCOMPARE(result.errors, message("Ignoring malformed logging rule: 'nonsense'"));
+        QCOMPARE(result.status, 0);
     }
 
     void withoutTheServiceEveryCommandFailsAndSaysWhy_data()
@@ -429,7 +449,7 @@ private Q_SLOTS:
         ChildProcess process;
         process.run(program);
         const auto pid = static_cast<uint32_t>(process.processId());
-        // Accepts the write and stays where it is.
+        // The service accepts the write but does not change.
         mService.setViews(ValueText::views({view("u-1", "notes", 1, 0, "Other"), view("u-2", "idle", pid, 0, "Idle")}));
         mService.setCurrentView(QStringLiteral("u-1"));
         const Result result = telvaroctl({QStringLiteral("top"), name});
