@@ -134,8 +134,7 @@ void WaylandServer::start(const QByteArray& socketName)
 
 QWaylandSeat* WaylandServer::createSeat()
 {
-    // Touches arrive as synthesized mouse events.
-    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard | QWaylandSeat::Touch);
     seat->setParent(this);
     return seat;
 }
