@@ -68,7 +68,9 @@ bool Application::notify(QObject* receiver, QEvent* event)
 
 void Application::insertRows(int first, int last)
 {
-    mRows.insert(mRows.begin() + first, static_cast<std::size_t>(last - first + 1), Row());
+    for (int row = first; row <= last; ++row) {
+        mRows.insert(mRows.begin() + row, Row());
+    }
     readRows(first, last);
 }
 

@@ -162,9 +162,8 @@ void BenchmarkService::run()
         if (descriptors[0].revents != 0 && !handleCommand()) {
             return;
         }
-        if (descriptors[1].revents != 0) {
-            handleMessages();
-        }
+        // In any case, since a command that sends signals may have read messages meanwhile.
+        handleMessages();
     }
 }
 

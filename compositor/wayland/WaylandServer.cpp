@@ -8,6 +8,7 @@
 #include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
+#include "wayland/ClientTouch.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/DataDevices.h"
 #include "wayland/ServerGlobals.h"
@@ -135,8 +136,7 @@ void WaylandServer::start(const QByteArray& socketName)
 
 QWaylandSeat* WaylandServer::createSeat()
 {
-    // Touches arrive as synthesized mouse events.
-    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard | QWaylandSeat::Touch);
     seat->setParent(this);
     return seat;
 }
@@ -151,6 +151,11 @@ ClientDrag& WaylandServer::drag()
     return mDataDevices->drag();
 }
 
+ClientTouch& WaylandServer::touch()
+{
+    return *mTouch;
+}
+
 void WaylandServer::announceGlobals()
 {
     mGlobals = std::make_unique<ServerGlobals>(display());
@@ -160,6 +165,7 @@ void WaylandServer::announceGlobals()
     // Version 2 adds states that a compositor may send: tiled windows, which there are none of here.
     mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
+    mTouch = std::make_unique<ClientTouch>(*defaultSeat());
 }
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)

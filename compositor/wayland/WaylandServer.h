@@ -16,6 +16,7 @@
 class ClientDrag;
 class ClientLiveness;
 class ClientPopup;
+class ClientTouch;
 class ClientWindow;
 class DataDevices;
 class Output;
@@ -39,8 +40,9 @@ public:
     {
         return mGuard;
     }
-    /// Exists after start().
+    /// Exist after start().
     ClientDrag& drag();
+    ClientTouch& touch();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -72,6 +74,7 @@ private:
     QWaylandViewporter mViewporter;
     std::unique_ptr<ServerGlobals> mGlobals;
     std::unique_ptr<DataDevices> mDataDevices;
+    std::unique_ptr<ClientTouch> mTouch;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
     /// The xdg_wm_base of each xdg_surface.

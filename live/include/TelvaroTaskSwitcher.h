@@ -69,7 +69,11 @@ public:
     QDBusPendingReply<> previous();
 
 Q_SIGNALS:
-    /// Emitted when another view or none has become current, after the signals of the model.
+    /// Emitted once when the views have changed, be it their number, their order or their data, after the signals of the
+    /// model. That another view is current is no change of the views.
+    void viewsChanged();
+
+    /// Emitted when another view or none has become current, after viewsChanged() and the signals of the model.
     void currentViewChanged();
 
 private:

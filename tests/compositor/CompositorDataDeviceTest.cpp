@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 #include "WireClient.h"
@@ -116,7 +116,7 @@ using Attack = std::function<void(DataClient&)>;
 Q_DECLARE_METATYPE(Attack)
 
 /// The clipboard, and the negotiation of a drag and drop.
-class CompositorDataDeviceTest : public CompositorTest
+class CompositorDataDeviceTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
@@ -9,7 +9,7 @@
 #include <QDir>
 
 /// The menu, the keys of the compositor's own and the cards' buttons, on a desktop in memory.
-class CompositorMenuTest : public CompositorTest
+class CompositorMenuTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -5,6 +5,7 @@
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
 #include "Scenario.h"
+#include "TelvaroTaskSwitcherDBusConnector.h"
 #include "TestMain.h"
 
 #include <QDBusArgument>
@@ -57,6 +58,7 @@ class SoakTest : public ConnectorFixture
 
 private Q_SLOTS:
     void nothingGrows();
+    void noMessageWithAnEmptyArrayForViewsIsKept();
     void cleanupTestCase();
 
 private:
@@ -126,6 +128,28 @@ void SoakTest::nothingGrows()
     if (ProcessMemory::isMeaningful()) {
         QVERIFY2(after.kibibytes - before.kibibytes < cAllowedKibibytes, qPrintable(mFigures));
     }
+}
+
+void SoakTest::noMessageWithAnEmptyArrayForViewsIsKept()
+{
+    if (!ProcessMemory::isMeaningful()) {
+        return;
+    }
+    const int reads = 50;
+    const int mebibyte = 1024 * 1024;
+    mService.scriptProperty(QStringLiteral("Get"), QStringLiteral("/taskswitcher"), QStringLiteral("views"),
+                            {Behaviour::reply({QStringLiteral("<@ai []>"), QStringLiteral("'x' * %1").arg(mebibyte)})});
+    TelvaroTaskSwitcherDBusConnector connector;
+    const auto readViews = [&connector] {
+        for (int read = 0; read < reads; ++read) {
+            QVERIFY(connector.getViews().isEmpty());
+        }
+    };
+    readViews();
+    const qint64 before = ProcessMemory::resident();
+    readViews();
+    const qint64 growth = ProcessMemory::resident() - before;
+    QVERIFY2(growth < reads * mebibyte / 1024 / 2, qPrintable(QString::number(growth)));
 }
 
 void SoakTest::cleanupTestCase()

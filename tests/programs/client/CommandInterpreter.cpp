@@ -38,7 +38,7 @@ void CommandInterpreter::run(const QString& line)
     const QString command = line.section(QLatin1Char(' '), 0, 0);
     const QString argument = line.section(QLatin1Char(' '), 1, 1);
     const QString rest = line.section(QLatin1Char(' '), 2);
-    ClientWindow* const window = mWindows.value(argument.toInt());
+    TestWindow* const window = mWindows.value(argument.toInt());
 
     if (command == QLatin1String("open")) {
         open(argument, rest);
@@ -76,7 +76,7 @@ void CommandInterpreter::open(const QString& appId, const QString& title)
 {
     QGuiApplication::setDesktopFileName(appId);
     const int number = ++mLastNumber;
-    auto* const window = new ClientWindow(number, title);
+    auto* const window = new TestWindow(number, title);
     mWindows.insert(number, window);
     window->show();
 }

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "ClientWindow.h"
+#include "TestWindow.h"
 
 #include <QHash>
 #include <QObject>
@@ -32,6 +32,6 @@ private:
 
     QSocketNotifier mNotifier;
     QByteArray mInput;
-    QHash<int, QPointer<ClientWindow>> mWindows;
+    QHash<int, QPointer<TestWindow>> mWindows;
     int mLastNumber = 0;
 };

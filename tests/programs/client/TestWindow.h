@@ -7,12 +7,12 @@
 class QComboBox;
 
 /// An ordinary Qt window, which prints its events. Every line begins with a word for the event and the window's number.
-class ClientWindow : public QMainWindow
+class TestWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    ClientWindow(int number, const QString& title);
+    TestWindow(int number, const QString& title);
 
     void openMenu();
     void openComboBox();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ClientWindow.h"
+#include "TestWindow.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -15,7 +15,7 @@
 
 #include <cstdio>
 
-ClientWindow::ClientWindow(int number, const QString& title)
+TestWindow::TestWindow(int number, const QString& title)
     : mNumber(number)
     , mMenu(menuBar()->addMenu(QStringLiteral("&File")))
     , mComboBox(new QComboBox(this))
@@ -46,17 +46,17 @@ ClientWindow::ClientWindow(int number, const QString& title)
     mComboBox->setFocusPolicy(Qt::NoFocus);
 }
 
-void ClientWindow::openMenu()
+void TestWindow::openMenu()
 {
     mMenu->popup(mapToGlobal(QPoint(0, menuBar()->height())));
 }
 
-void ClientWindow::openComboBox()
+void TestWindow::openComboBox()
 {
     mComboBox->showPopup();
 }
 
-void ClientWindow::openDialog(const QString& title)
+void TestWindow::openDialog(const QString& title)
 {
     auto* const dialog = new QDialog(this);
     dialog->setWindowTitle(title);
@@ -73,13 +73,13 @@ void ClientWindow::openDialog(const QString& title)
     dialog->open();
 }
 
-void ClientWindow::print(const char* event, const QString& text) const
+void TestWindow::print(const char* event, const QString& text) const
 {
     std::printf("%s %d%s%s\n", event, mNumber, text.isEmpty() ? "" : " ", qUtf8Printable(text));
     std::fflush(stdout);
 }
 
-void ClientWindow::paintEvent(QPaintEvent* event)
+void TestWindow::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     painter.fillRect(rect(), QColor::fromHsv(mNumber * 67 % 360, 60, 235));
@@ -92,19 +92,19 @@ void ClientWindow::paintEvent(QPaintEvent* event)
     }
 }
 
-void ClientWindow::resizeEvent(QResizeEvent* event)
+void TestWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
     print("size", QStringLiteral("%1x%2").arg(width()).arg(height()));
 }
 
-void ClientWindow::closeEvent(QCloseEvent* event)
+void TestWindow::closeEvent(QCloseEvent* event)
 {
     QMainWindow::closeEvent(event);
     print("closed");
 }
 
-void ClientWindow::changeEvent(QEvent* event)
+void TestWindow::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange) {
@@ -112,27 +112,27 @@ void ClientWindow::changeEvent(QEvent* event)
     }
 }
 
-void ClientWindow::keyPressEvent(QKeyEvent* event)
+void TestWindow::keyPressEvent(QKeyEvent* event)
 {
     print("keypress", event->text());
 }
 
-void ClientWindow::keyReleaseEvent(QKeyEvent* event)
+void TestWindow::keyReleaseEvent(QKeyEvent* event)
 {
     print("keyrelease", event->text());
 }
 
-void ClientWindow::mousePressEvent(QMouseEvent* event)
+void TestWindow::mousePressEvent(QMouseEvent* event)
 {
     print("press", QStringLiteral("%1,%2").arg(event->x()).arg(event->y()));
 }
 
-void ClientWindow::mouseReleaseEvent(QMouseEvent* event)
+void TestWindow::mouseReleaseEvent(QMouseEvent* event)
 {
     print("release", QStringLiteral("%1,%2").arg(event->x()).arg(event->y()));
 }
 
-void ClientWindow::wheelEvent(QWheelEvent* event)
+void TestWindow::wheelEvent(QWheelEvent* event)
 {
     print("wheel", QString::number(event->angleDelta().y()));
 }
