@@ -15,8 +15,7 @@ NoteWindow::NoteWindow(const QString& title, TelvaroTaskSwitcher& taskSwitcher)
     auto* const heading = new QLabel(title);
     heading->setObjectName(QStringLiteral("heading"));
     auto* const next = new QPushButton(tr("Next note"));
-    // All windows of a program are views of one application, and this steps through them and around. It returns at
-    // once.
+    // Switches among the windows of this program, which are views of one application. Returns at once.
     connect(next, &QPushButton::clicked, &taskSwitcher, &TelvaroTaskSwitcher::next);
     auto* const text = new QPlainTextEdit;
     text->setPlaceholderText(tr("Write something"));

@@ -26,7 +26,7 @@ QPushButton:pressed { background: #d9cca6; }
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    // The application id of all windows.
+    // The appId of all windows.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.notes"));
     application.setStyleSheet(QString::fromLatin1(cStyleSheet));
 

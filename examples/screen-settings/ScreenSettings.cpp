@@ -22,14 +22,14 @@ ScreenSettings::ScreenSettings(QWidget* parent)
     mScreenSaverTimeout->setRange(0, 24 * 60 * 60);
     mScreenSaverTimeout->setSpecialValueText(tr("never"));
     mScreenSaverTimeout->setSuffix(tr(" seconds"));
-    // One write when the number is complete, not one for every digit.
+    // Emits one change when the number is complete, instead of one per digit.
     mScreenSaverTimeout->setKeyboardTracking(false);
     mOrientation->addItem(tr("Landscape"), TelvaroScreenDBusConnector::getOrientationLandscape());
     mOrientation->addItem(tr("Portrait"), TelvaroScreenDBusConnector::getOrientationPortrait());
     mOrientation->addItem(tr("Portrait, upside down"), TelvaroScreenDBusConnector::getOrientationInversePortrait());
     makeLayout();
 
-    // Each write returns at once. The settings are shown anew when the service has taken it, or has refused.
+    // Each setter returns at once. The settings are shown again when the service has accepted or refused the value.
     connect(mScreenSaverEnabled, &QCheckBox::toggled, &mScreen, &TelvaroScreen::setScreenSaverEnabled);
     connect(mScreenSaverTimeout, QOverload<int>::of(&QSpinBox::valueChanged), &mScreen,
             &TelvaroScreen::setScreenSaverTimeout);
@@ -83,14 +83,14 @@ void ScreenSettings::showSettings()
     const bool isReady = mScreen.getStatus() == TelvaroScreen::Ready;
     mForm->setEnabled(isReady);
     mMessage->setText(isReady ? QString() : tr("The compositor service is not there."));
-    // What is shown here was not entered by the user, and must not be written again.
+    // These values come from the service and must not be written back.
     const QSignalBlocker enabledBlocker(mScreenSaverEnabled);
     const QSignalBlocker timeoutBlocker(mScreenSaverTimeout);
     const QSignalBlocker fullScreenBlocker(mFullScreen);
     mScreenSaverEnabled->setChecked(mScreen.isScreenSaverEnabled());
     mScreenSaverTimeout->setValue(mScreen.getScreenSaverTimeout());
     mScreenSaverState->setText(mScreen.isScreenSaverActive() ? tr("active") : tr("inactive"));
-    // None is selected for an orientation that is not in the list.
+    // findData() returns -1 for an orientation that is not in the list, which selects none.
     mOrientation->setCurrentIndex(mOrientation->findData(mScreen.getOrientation()));
     mFullScreen->setChecked(mScreen.isFullScreen());
 }

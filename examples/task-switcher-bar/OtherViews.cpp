@@ -12,8 +12,8 @@ namespace {
 
 constexpr int cIconSize = 44;
 
-/// The application's first letter on a colour of its own.
-QPixmap makeIcon(const QString& appId)
+/// Returns the title's first letter on a colour of the application.
+QPixmap makeIcon(const QString& title, const QString& appId)
 {
     QPixmap picture(cIconSize, cIconSize);
     picture.fill(Qt::transparent);
@@ -26,7 +26,7 @@ QPixmap makeIcon(const QString& appId)
     QFont font = painter.font();
     font.setPixelSize(cIconSize / 2);
     painter.setFont(font);
-    painter.drawText(picture.rect(), Qt::AlignCenter, appId.left(1).toUpper());
+    painter.drawText(picture.rect(), Qt::AlignCenter, title.left(1).toUpper());
     return picture;
 }
 
@@ -38,13 +38,13 @@ QVariant OtherViews::data(const QModelIndex& index, int role) const
         return QSortFilterProxyModel::data(index, viewRole);
     };
     const QString appId = value(TelvaroViewModel::AppIdRole).toString();
+    const QString title = value(TelvaroViewModel::TitleRole).toString();
     switch (role) {
     case Qt::DecorationRole:
-        return makeIcon(appId);
+        return makeIcon(title, appId);
     case Qt::DisplayRole:
         return QStringLiteral("%1\n%2, %3")
-            .arg(value(TelvaroViewModel::TitleRole).toString(), appId,
-                 tr("process %1").arg(value(TelvaroViewModel::PidRole).toUInt()));
+            .arg(title, appId, tr("process %1").arg(value(TelvaroViewModel::PidRole).toUInt()));
     default:
         return value(role);
     }

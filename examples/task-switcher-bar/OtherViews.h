@@ -4,7 +4,7 @@
 
 #include <QSortFilterProxyModel>
 
-/// The views of all other applications, each with an icon and two lines of text.
+/// Proxy model with the views of all other applications, each with an icon and two lines of text.
 class OtherViews : public QSortFilterProxyModel
 {
     Q_OBJECT

@@ -15,7 +15,7 @@ TaskSwitcherBar::TaskSwitcherBar(QWidget* parent)
     mMessage->setObjectName(QStringLiteral("message"));
     mMessage->setWordWrap(true);
 
-    // The model keeps itself up to date, and its rows outlive changes: nothing has to be filled in here, now or later.
+    // The model keeps itself up to date, so nothing has to be filled in here, now or later.
     mViews.setSourceModel(mTaskSwitcher.getViews());
     auto* const list = new QListView;
     list->setModel(&mViews);
@@ -59,6 +59,6 @@ void TaskSwitcherBar::showState()
 
 void TaskSwitcherBar::switchTo(const QModelIndex& view)
 {
-    // Returns at once. The list shows the switch when the service has made it.
+    // Returns at once. currentViewChanged() is emitted when the service has switched.
     mTaskSwitcher.switchTo(view.data(TelvaroViewModel::UuidRole).toString());
 }

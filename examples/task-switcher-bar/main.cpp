@@ -26,11 +26,11 @@ QListView::item:selected { background: #e4eef8; border-color: #3d7ab5; color: #1
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    // The application id of this program's own view.
+    // The appId of this program's view.
     QGuiApplication::setDesktopFileName(QStringLiteral("task-switcher-bar"));
     application.setStyleSheet(QString::fromLatin1(cStyleSheet));
 
-    // On any other device the library is silent, and the list would stay empty without a reason.
+    // On any other device the library silently does nothing.
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
         QTextStream(stderr) << "task-switcher-bar: this is not a device with the compositor service\n";
         return EXIT_FAILURE;
