@@ -18,7 +18,7 @@ import subprocess
 import tempfile
 import time
 
-BUS_CONFIGURATION = pathlib.Path(__file__).resolve().parents[1] / "tests" / "support" / "bus.conf"
+BUS_CONFIGURATION = pathlib.Path(__file__).resolve().parents[1] / "session" / "bus.conf"
 
 Sample = collections.namedtuple("Sample", "nanoseconds allocations digest")
 

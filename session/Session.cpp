@@ -24,23 +24,6 @@ const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
 constexpr int cCannotExecute = 127;
 constexpr int cSignalBase = 128;
 
-/// No restrictions, and no activation: the session offers only what it starts itself.
-QString busConfiguration(const QString& directory)
-{
-    return QStringLiteral("<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
-                          " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-                          "<busconfig>\n"
-                          "  <type>session</type>\n"
-                          "  <listen>unix:dir=%1</listen>\n"
-                          "  <policy context=\"default\">\n"
-                          "    <allow send_destination=\"*\" eavesdrop=\"true\"/>\n"
-                          "    <allow eavesdrop=\"true\"/>\n"
-                          "    <allow own=\"*\"/>\n"
-                          "  </policy>\n"
-                          "</busconfig>\n")
-        .arg(directory);
-}
-
 /// Prefers the compositor beside this program, which in a build tree is the one of the same build.
 QString compositorProgram()
 {
@@ -97,17 +80,16 @@ bool Session::areOptionsRejected() const
 MaybeError Session::startBus()
 {
     const QString configurationPath = mDirectory.filePath(QStringLiteral("bus.conf"));
-    QFile configuration(configurationPath);
-    const QByteArray text = busConfiguration(mDirectory.path()).toUtf8();
-    if (!configuration.open(QIODevice::WriteOnly) || configuration.write(text) != text.size()
-        || !configuration.flush()) {
+    QFile configuration(QStringLiteral(":/bus.conf"));
+    if (!configuration.copy(configurationPath)) {
         return Error{QStringLiteral("cannot write %1: %2").arg(configurationPath, configuration.errorString())};
     }
     // The daemon warns of resource limits that it may not raise, which a private bus does not need.
     mBus.setProcessChannelMode(QProcess::SeparateChannels);
     mBus.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
     mBus.start(QStringLiteral("dbus-daemon"),
-               {QStringLiteral("--config-file=%1").arg(configurationPath), QStringLiteral("--nofork"),
+               {QStringLiteral("--config-file=%1").arg(configurationPath),
+                QStringLiteral("--address=unix:dir=%1").arg(mDirectory.path()), QStringLiteral("--nofork"),
                 QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"), QStringLiteral("--print-address")});
     const Result<QString> line = mBus.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
