@@ -28,7 +28,7 @@ Rectangle {
 
             Text {
                 anchors.centerIn: parent
-                text: tile.appId.charAt(0).toUpperCase()
+                text: tile.title.charAt(0).toUpperCase()
                 color: "white"
                 font.pixelSize: 22
             }

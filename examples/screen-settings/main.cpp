@@ -25,11 +25,11 @@ QCheckBox { spacing: 12px; }
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    // The application id of this program's own view.
+    // The appId of this program's view.
     QGuiApplication::setDesktopFileName(QStringLiteral("screen-settings"));
     application.setStyleSheet(QString::fromLatin1(cStyleSheet));
 
-    // On any other device the library is silent, and no setting would do anything.
+    // On any other device the library silently does nothing.
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
         QTextStream(stderr) << "screen-settings: this is not a device with the compositor service\n";
         return EXIT_FAILURE;
