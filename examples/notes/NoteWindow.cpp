@@ -8,15 +8,16 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-NoteWindow::NoteWindow(const QString& title, TelvaroTaskSwitcherDBusConnector& taskSwitcher)
-    : mTaskSwitcher(taskSwitcher)
+NoteWindow::NoteWindow(const QString& title, TelvaroTaskSwitcher& taskSwitcher)
 {
     setWindowTitle(title);
 
     auto* const heading = new QLabel(title);
     heading->setObjectName(QStringLiteral("heading"));
     auto* const next = new QPushButton(tr("Next note"));
-    connect(next, &QPushButton::clicked, this, &NoteWindow::showNextNote);
+    // All windows of a program are views of one application, and this steps through them and around. It returns at
+    // once.
+    connect(next, &QPushButton::clicked, &taskSwitcher, &TelvaroTaskSwitcher::next);
     auto* const text = new QPlainTextEdit;
     text->setPlaceholderText(tr("Write something"));
     text->setFrameShape(QFrame::NoFrame);
@@ -30,11 +31,4 @@ NoteWindow::NoteWindow(const QString& title, TelvaroTaskSwitcherDBusConnector& t
     layout->setSpacing(16);
     layout->addLayout(top);
     layout->addWidget(text);
-}
-
-void NoteWindow::showNextNote()
-{
-    // All windows of a program are views of one application, and this steps through them and around. It has said on
-    // standard error why, if it did not.
-    mTaskSwitcher.iterateViews(false);
 }

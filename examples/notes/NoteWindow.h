@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroTaskSwitcherDBusConnector.h>
+#include <TelvaroTaskSwitcher.h>
 
 #include <QWidget>
 
@@ -14,10 +14,5 @@ class NoteWindow : public QWidget
     Q_OBJECT
 
 public:
-    NoteWindow(const QString& title, TelvaroTaskSwitcherDBusConnector& taskSwitcher);
-
-private:
-    void showNextNote();
-
-    TelvaroTaskSwitcherDBusConnector& mTaskSwitcher;
+    NoteWindow(const QString& title, TelvaroTaskSwitcher& taskSwitcher);
 };

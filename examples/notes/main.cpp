@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QStringList>
+#include <QTextStream>
 
 #include <memory>
 #include <vector>
@@ -33,7 +34,10 @@ int main(int argc, char** argv)
     if (titles.isEmpty()) {
         titles.append(QObject::tr("Note"));
     }
-    TelvaroTaskSwitcherDBusConnector taskSwitcher;
+    TelvaroTaskSwitcher taskSwitcher;
+    QObject::connect(&taskSwitcher, &TelvaroTaskSwitcher::requestFailed, [](const QDBusError& error) {
+        QTextStream(stderr) << "notes: no next note: " << error.message() << '\n';
+    });
     std::vector<std::unique_ptr<NoteWindow>> notes;
     for (const QString& title : qAsConst(titles)) {
         notes.push_back(std::make_unique<NoteWindow>(title, taskSwitcher));

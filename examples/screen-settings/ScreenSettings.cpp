@@ -2,15 +2,15 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ScreenSettings.h"
 
-#include <QEvent>
+#include <TelvaroScreenDBusConnector.h>
+
 #include <QFormLayout>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-using Connector = TelvaroScreenDBusConnector;
-
 ScreenSettings::ScreenSettings(QWidget* parent)
     : QWidget(parent)
+    , mForm(new QWidget)
     , mScreenSaverEnabled(new QCheckBox(tr("Allow the &screen saver")))
     , mScreenSaverTimeout(new QSpinBox)
     , mScreenSaverState(new QLabel)
@@ -24,47 +24,31 @@ ScreenSettings::ScreenSettings(QWidget* parent)
     mScreenSaverTimeout->setSuffix(tr(" seconds"));
     // One write when the number is complete, not one for every digit.
     mScreenSaverTimeout->setKeyboardTracking(false);
-    mOrientation->addItem(tr("Landscape"), Connector::getOrientationLandscape());
-    mOrientation->addItem(tr("Portrait"), Connector::getOrientationPortrait());
-    mOrientation->addItem(tr("Portrait, upside down"), Connector::getOrientationInversePortrait());
+    mOrientation->addItem(tr("Landscape"), TelvaroScreenDBusConnector::getOrientationLandscape());
+    mOrientation->addItem(tr("Portrait"), TelvaroScreenDBusConnector::getOrientationPortrait());
+    mOrientation->addItem(tr("Portrait, upside down"), TelvaroScreenDBusConnector::getOrientationInversePortrait());
     makeLayout();
 
-    // A write returns nothing. Whether the service took it is seen by reading it back.
-    connect(mScreenSaverEnabled, &QCheckBox::toggled, this, [this](bool enabled) {
-        if (enabled) {
-            mScreen.enableScreenSaver();
-        } else {
-            mScreen.disableScreenSaver();
-        }
-        showSettings();
-    });
-    connect(mScreenSaverTimeout, QOverload<int>::of(&QSpinBox::valueChanged), this, [this](int seconds) {
-        mScreen.setScreenSaverTimeout(seconds);
-        showSettings();
-    });
+    // Each write returns at once. The settings are shown anew when the service has taken it, or has refused.
+    connect(mScreenSaverEnabled, &QCheckBox::toggled, &mScreen, &TelvaroScreen::setScreenSaverEnabled);
+    connect(mScreenSaverTimeout, QOverload<int>::of(&QSpinBox::valueChanged), &mScreen,
+            &TelvaroScreen::setScreenSaverTimeout);
     connect(mOrientation, QOverload<int>::of(&QComboBox::activated), this, [this](int index) {
         mScreen.setOrientation(mOrientation->itemData(index).toString());
-        showSettings();
     });
-    connect(mFullScreen, &QCheckBox::toggled, this, [this](bool fullScreen) {
-        mScreen.setFullScreen(fullScreen);
+    connect(mFullScreen, &QCheckBox::toggled, &mScreen, &TelvaroScreen::setFullScreen);
+    connect(&mScreen, &TelvaroScreen::requestFailed, this, [this](const QDBusError& error) {
         showSettings();
+        mMessage->setText(tr("The service refused: %1").arg(error.message()));
     });
 
-    connect(&mScreen, &Connector::screenSaverActiveChanged, this, &ScreenSettings::showSettings);
-    connect(&mScreen, &Connector::screenOrientationChanged, this, &ScreenSettings::showSettings);
-    connect(&mScreen, &Connector::fullScreenChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::screenSaverActiveChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::screenSaverEnabledChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::screenSaverTimeoutChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::orientationChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::fullScreenChanged, this, &ScreenSettings::showSettings);
+    connect(&mScreen, &TelvaroScreen::statusChanged, this, &ScreenSettings::showSettings);
     showSettings();
-}
-
-// The connector signals three of the five settings. Changes of the others by other programs are seen here at the
-// latest when the user comes back.
-bool ScreenSettings::event(QEvent* event)
-{
-    if (event->type() == QEvent::WindowActivate) {
-        showSettings();
-    }
-    return QWidget::event(event);
 }
 
 void ScreenSettings::makeLayout()
@@ -74,7 +58,8 @@ void ScreenSettings::makeLayout()
     mMessage->setObjectName(QStringLiteral("message"));
     mMessage->setWordWrap(true);
 
-    auto* const form = new QFormLayout;
+    auto* const form = new QFormLayout(mForm);
+    form->setContentsMargins(0, 0, 0, 0);
     form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     form->setHorizontalSpacing(24);
     form->setVerticalSpacing(16);
@@ -88,26 +73,24 @@ void ScreenSettings::makeLayout()
     layout->setContentsMargins(32, 24, 32, 24);
     layout->setSpacing(24);
     layout->addWidget(heading);
-    layout->addLayout(form);
+    layout->addWidget(mForm);
     layout->addWidget(mMessage);
     layout->addStretch();
 }
 
 void ScreenSettings::showSettings()
 {
-    if (!mScreen.isInterfaceValid()) {
-        mMessage->setText(tr("The compositor service is not there."));
-        return;
-    }
-    mMessage->clear();
+    const bool isReady = mScreen.getStatus() == TelvaroScreen::Ready;
+    mForm->setEnabled(isReady);
+    mMessage->setText(isReady ? QString() : tr("The compositor service is not there."));
     // What is shown here was not entered by the user, and must not be written again.
     const QSignalBlocker enabledBlocker(mScreenSaverEnabled);
     const QSignalBlocker timeoutBlocker(mScreenSaverTimeout);
     const QSignalBlocker fullScreenBlocker(mFullScreen);
-    mScreenSaverEnabled->setChecked(mScreen.getProperty(Connector::cScreenSaverEnabledProperty).toBool());
-    mScreenSaverTimeout->setValue(mScreen.getProperty(Connector::cScreenSaverTimoutProperty).toInt());
+    mScreenSaverEnabled->setChecked(mScreen.isScreenSaverEnabled());
+    mScreenSaverTimeout->setValue(mScreen.getScreenSaverTimeout());
     mScreenSaverState->setText(mScreen.isScreenSaverActive() ? tr("active") : tr("inactive"));
     // None is selected for an orientation that is not in the list.
     mOrientation->setCurrentIndex(mOrientation->findData(mScreen.getOrientation()));
-    mFullScreen->setChecked(mScreen.getFullScreen());
+    mFullScreen->setChecked(mScreen.isFullScreen());
 }

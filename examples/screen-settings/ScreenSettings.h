@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroScreenDBusConnector.h>
+#include <TelvaroScreen.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,14 +18,12 @@ class ScreenSettings : public QWidget
 public:
     explicit ScreenSettings(QWidget* parent = nullptr);
 
-protected:
-    bool event(QEvent* event) override;
-
 private:
     void makeLayout();
     void showSettings();
 
-    TelvaroScreenDBusConnector mScreen;
+    TelvaroScreen mScreen;
+    QWidget* const mForm;
     QCheckBox* const mScreenSaverEnabled;
     QSpinBox* const mScreenSaverTimeout;
     QLabel* const mScreenSaverState;

@@ -2,40 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TaskSwitcherBar.h"
 
-#include <QCoreApplication>
-#include <QDBusError>
-#include <QIcon>
-#include <QPainter>
-#include <QPixmap>
+#include <QListView>
 #include <QVBoxLayout>
-
-namespace {
-
-const int cIconSize = 44;
-
-/// The application's first letter on a colour of its own.
-QIcon makeIcon(const QString& appId)
-{
-    QPixmap picture(cIconSize, cIconSize);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor::fromHsv(static_cast<int>(qHash(appId) % 360), 110, 170));
-    painter.drawRoundedRect(picture.rect(), 10, 10);
-    painter.setPen(Qt::white);
-    QFont font = painter.font();
-    font.setPixelSize(cIconSize / 2);
-    painter.setFont(font);
-    painter.drawText(picture.rect(), Qt::AlignCenter, appId.left(1).toUpper());
-    return picture;
-}
-
-} // namespace
 
 TaskSwitcherBar::TaskSwitcherBar(QWidget* parent)
     : QWidget(parent)
-    , mList(new QListWidget)
     , mMessage(new QLabel)
 {
     setWindowTitle(tr("Views"));
@@ -43,51 +14,51 @@ TaskSwitcherBar::TaskSwitcherBar(QWidget* parent)
     heading->setObjectName(QStringLiteral("heading"));
     mMessage->setObjectName(QStringLiteral("message"));
     mMessage->setWordWrap(true);
-    mList->setIconSize(QSize(cIconSize, cIconSize));
-    mList->setSpacing(2);
+
+    // The model keeps itself up to date, and its rows outlive changes: nothing has to be filled in here, now or later.
+    mViews.setSourceModel(mTaskSwitcher.getViews());
+    auto* const list = new QListView;
+    list->setModel(&mViews);
+    list->setSpacing(2);
 
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 24, 32, 24);
     layout->setSpacing(12);
     layout->addWidget(heading);
-    layout->addWidget(mList);
+    layout->addWidget(list);
     layout->addWidget(mMessage);
 
-    connect(mList, &QListWidget::itemClicked, this, &TaskSwitcherBar::switchTo);
-    connect(mList, &QListWidget::itemActivated, this, &TaskSwitcherBar::switchTo);
-    // A change of the list together with the current view is told by currentViewChanged() only.
-    connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, this, &TaskSwitcherBar::showViews);
-    connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::currentViewChanged, this, &TaskSwitcherBar::showViews);
-    showViews();
+    connect(list, &QListView::clicked, this, &TaskSwitcherBar::switchTo);
+    connect(list, &QListView::activated, this, &TaskSwitcherBar::switchTo);
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::requestFailed, this, [this](const QDBusError& error) {
+        mMessage->setText(tr("Cannot switch: %1").arg(error.message()));
+    });
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::statusChanged, this, &TaskSwitcherBar::showState);
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::viewsChanged, this, &TaskSwitcherBar::showState);
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::currentViewChanged, this, &TaskSwitcherBar::showState);
+    showState();
 }
 
-void TaskSwitcherBar::showViews()
+void TaskSwitcherBar::showState()
 {
-    mList->clear();
-    const QList<View> views = mTaskSwitcher.getViews();
-    for (const View& view : views) {
-        if (view.pid == QCoreApplication::applicationPid()) {
-            continue;
-        }
-        // Which attributes there are is the service's to say; none is certain.
-        const QString title = view.attributes.value(QStringLiteral("title"), view.appId).toString();
-        auto* const item = new QListWidgetItem(
-            makeIcon(view.appId), QStringLiteral("%1\n%2, %3").arg(title, view.appId, tr("process %1").arg(view.pid)),
-            mList);
-        item->setData(Qt::UserRole, view.uuid);
-    }
-    // An empty list is also what a failed read gives.
-    if (!mTaskSwitcher.isInterfaceValid()) {
+    switch (mTaskSwitcher.getStatus()) {
+    case TelvaroTaskSwitcher::Absent:
         mMessage->setText(tr("The compositor service is not there."));
-    } else {
-        mMessage->setText(mList->count() == 0 ? tr("No other application is running.") : QString());
+        break;
+    case TelvaroTaskSwitcher::Loading:
+        mMessage->setText(tr("Waiting for the compositor service"));
+        break;
+    case TelvaroTaskSwitcher::Ready:
+        mMessage->setText(mViews.rowCount() == 0 ? tr("No other application is running.") : QString());
+        break;
+    case TelvaroTaskSwitcher::Failed:
+        mMessage->setText(tr("The views cannot be read: %1").arg(mTaskSwitcher.getError().message()));
+        break;
     }
 }
 
-void TaskSwitcherBar::switchTo(const QListWidgetItem* item)
+void TaskSwitcherBar::switchTo(const QModelIndex& view)
 {
-    View view;
-    view.uuid = item->data(Qt::UserRole).toString();
-    const QDBusError error = mTaskSwitcher.setCurrentView(view);
-    mMessage->setText(error.isValid() ? tr("Cannot switch: %1").arg(error.message()) : QString());
+    // Returns at once. The list shows the switch when the service has made it.
+    mTaskSwitcher.switchTo(view.data(TelvaroViewModel::UuidRole).toString());
 }

@@ -2,10 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroTaskSwitcherDBusConnector.h>
+#include "OtherViews.h"
+
+#include <TelvaroTaskSwitcher.h>
 
 #include <QLabel>
-#include <QListWidget>
 #include <QWidget>
 
 /// Lists the views of all other applications; a click on one makes it current.
@@ -17,12 +18,10 @@ public:
     explicit TaskSwitcherBar(QWidget* parent = nullptr);
 
 private:
-    using View = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
+    void showState();
+    void switchTo(const QModelIndex& view);
 
-    void showViews();
-    void switchTo(const QListWidgetItem* item);
-
-    TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
-    QListWidget* const mList;
+    TelvaroTaskSwitcher mTaskSwitcher;
+    OtherViews mViews;
     QLabel* const mMessage;
 };

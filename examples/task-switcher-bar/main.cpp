@@ -15,10 +15,10 @@ const char* const cStyleSheet = R"(
 QWidget { background: #f5f6f8; color: #1f2a37; font-size: 16px; }
 QLabel#heading { font-size: 26px; font-weight: 600; }
 QLabel#message { color: #6b7785; }
-QListWidget { border: none; outline: none; }
-QListWidget::item { background: white; border: 1px solid #e3e7ec; border-radius: 10px; padding: 10px; }
-QListWidget::item:hover { border-color: #9db4cc; }
-QListWidget::item:selected { background: #e4eef8; border-color: #3d7ab5; color: #1f2a37; }
+QListView { border: none; outline: none; }
+QListView::item { background: white; border: 1px solid #e3e7ec; border-radius: 10px; padding: 10px; }
+QListView::item:hover { border-color: #9db4cc; }
+QListView::item:selected { background: #e4eef8; border-color: #3d7ab5; color: #1f2a37; }
 )";
 
 } // namespace

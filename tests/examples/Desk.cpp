@@ -10,11 +10,11 @@
 
 #include <stdexcept>
 
-Desk::Desk()
+Desk::Desk(const QStringList& options)
 {
     mCompositor.environment().insert(QStringLiteral("DISPLAY"), mDesktop.display());
     mCompositor.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    mCompositor.start({QStringLiteral("--fullscreen-window")});
+    mCompositor.start(QStringList(QStringLiteral("--fullscreen-window")) + options);
     PrivateBus::deliver();
     mTaskSwitcher = std::make_unique<TelvaroTaskSwitcherDBusConnector>();
     mScreenShot = std::make_unique<TelvaroScreenShotDBusConnector>();

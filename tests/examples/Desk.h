@@ -23,7 +23,8 @@
 class Desk
 {
 public:
-    Desk();
+    /// The options are the compositor's.
+    explicit Desk(const QStringList& options = {});
 
     /// Starts a program as a client of the compositor without waiting for its view.
     std::unique_ptr<ChildProcess> start(const QString& program, const QStringList& arguments = {});

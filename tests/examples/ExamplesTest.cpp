@@ -5,10 +5,14 @@
 #include "TestMain.h"
 
 #include <TelvaroDBusDefinitions.h>
+#include <TelvaroLiveObject.h>
+#include <TelvaroRequests.h>
 #include <TelvaroScreenDBusConnector.h>
 
 #include <QDBusMessage>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
@@ -40,6 +44,8 @@ private Q_SLOTS:
     void viewLoggerFollowsARestartOfTheService();
     void qmlTaskSwitcherSwitchesToTheViewThatIsClicked();
     void qmlTaskSwitcherSwitchesByKeyboard();
+    void anExampleOutlivesItsService_data();
+    void anExampleOutlivesItsService();
 
 private:
     using Program = std::unique_ptr<ChildProcess>;
@@ -51,6 +57,8 @@ private:
     /// focus, and earlier keys are lost.
     bool pressUntil(const QString& keys, const std::function<bool()>& condition);
     bool isScreenSaverEnabled();
+    /// Does in the example what goes to the service, again until it has an effect.
+    bool use(const QString& example);
 
     std::unique_ptr<Desk> mDesk;
     std::unique_ptr<TelvaroScreenDBusConnector> mScreen;
@@ -70,6 +78,12 @@ const QString cQmlTaskSwitcher = QStringLiteral("qml-task-switcher");
 // Only the rows and tiles of the task switchers are this long in this colour.
 const QColor cEntryColor = Qt::white;
 constexpr int cEntryLength = 150;
+// And only the button of a note in this one.
+const QColor cButtonColor(0xe9, 0xdf, 0xc2);
+constexpr int cButtonLength = 80;
+
+// How long an effect may take before the user tries again.
+constexpr int cPatience = 3000;
 
 // The time in front of each line is left out.
 QString readEvent(ChildProcess& logger)
@@ -105,7 +119,6 @@ ExamplesTest::Program ExamplesTest::startView(const QString& name, const QString
 
 bool ExamplesTest::pressUntil(const QString& keys, const std::function<bool()>& condition)
 {
-    constexpr int cPatience = 3000;
     return QTest::qWaitFor(
         [this, &keys, &condition] {
             mDesk->press(keys);
@@ -188,15 +201,14 @@ void ExamplesTest::notesStepsThroughItsViewsAndAround()
     };
     QTRY_COMPARE_WITH_TIMEOUT(currentTitle(), titles.last(), ChildProcess::cDeadline);
 
-    // The background and the button of a note, both in the colours of paper.
+    // The background of a note, in the colour of paper.
     const QColor paper(0xfb, 0xf6, 0xe6);
-    const QColor button(0xe9, 0xdf, 0xc2);
     const QRect heading(0, 40, 512, 80);
     QList<QImage> headings;
     for (const QString& title : titles) {
         mDesk->waitForRow(paper, 900);
         const QImage before = mDesk->picture().copy(heading);
-        mDesk->click(mDesk->waitForRow(button, 80));
+        mDesk->click(mDesk->waitForRow(cButtonColor, cButtonLength));
         QTRY_COMPARE_WITH_TIMEOUT(currentTitle(), title, ChildProcess::cDeadline);
         QTRY_VERIFY_WITH_TIMEOUT(mDesk->picture().copy(heading) != before, ChildProcess::cDeadline);
         mDesk->waitForRow(paper, 900);
@@ -360,6 +372,95 @@ void ExamplesTest::qmlTaskSwitcherSwitchesByKeyboard()
     QTRY_COMPARE_WITH_TIMEOUT(firstMarkedColumn(), 1, ChildProcess::cDeadline);
     mDesk->press(QStringLiteral("Return"));
     mDesk->waitForCurrent(cTaskSwitcherBar);
+}
+
+bool ExamplesTest::use(const QString& example)
+{
+    if (example == cScreenSettings) {
+        return pressUntil(QStringLiteral("alt+f"), [this] {
+            return mScreen->getFullScreen();
+        });
+    }
+    TelvaroTaskSwitcherDBusConnector taskSwitcher;
+    const QString before = taskSwitcher.getCurrentView().uuid;
+    const bool isNotes = example == cNotes;
+    return QTest::qWaitFor(
+        [&] {
+            const std::optional<QPoint> target =
+                isNotes ? mDesk->findRow(cButtonColor, cButtonLength) : mDesk->findRow(cEntryColor, cEntryLength);
+            if (target) {
+                mDesk->click(*target);
+            } else {
+                // An entry that has been chosen has another colour.
+                mDesk->press(QStringLiteral("Return"));
+            }
+            return QTest::qWaitFor(
+                [&taskSwitcher, &before] {
+                    return taskSwitcher.getCurrentView().uuid != before;
+                },
+                cPatience);
+        },
+        ChildProcess::cDeadline);
+}
+
+void ExamplesTest::anExampleOutlivesItsService_data()
+{
+    QTest::addColumn<QString>("example");
+    QTest::addColumn<QByteArray>("script");
+    // Of each, "%1" is the application id.
+    const QByteArray otherView = R"({"add-view": {"uuid": "other", "appId": "org.example.other", "pid": 4711}})";
+    const QByteArray absent = R"({"service": "gone"}, {"after": {"view": "%1"}, "service": "back"})";
+    const QByteArray restarted = R"({"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "service": "gone"},
+                                    {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "at": 1, "service": "back"})";
+    const QByteArray hung = R"({"fault": {"set": "de.Telvaro.taskswitcher.currentView", "silent": true, "times": 1}},
+                               {"fault": {"set": "de.Telvaro.screen.fullScreen", "silent": true, "times": 1}})";
+    for (const QString& example : {cTaskSwitcherBar, cScreenSettings, cNotes, cQmlTaskSwitcher}) {
+        const QByteArray name = example.toUtf8();
+        const auto addRow = [&](const char* state, QByteArray steps) {
+            steps.replace("%1", example == cNotes ? cNotesId.toUtf8() : name);
+            QTest::addRow("%s, %s", name.constData(), state) << example << '[' + otherView + ", " + steps + ']';
+        };
+        addRow("absent at the start", absent);
+        addRow("restarted", restarted);
+        addRow("hung", hung);
+    }
+}
+
+void ExamplesTest::anExampleOutlivesItsService()
+{
+    QFETCH(QString, example);
+    QFETCH(QByteArray, script);
+    cleanup();
+    const QTemporaryDir directory;
+    QFile file(directory.filePath(QStringLiteral("script.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(script) == script.size());
+    file.close();
+    mDesk = std::make_unique<Desk>(QStringList{QStringLiteral("--script"), file.fileName()});
+    mScreen = std::make_unique<TelvaroScreenDBusConnector>();
+    const TelvaroLiveObject service;
+    const auto waitFor = [&service](TelvaroLiveObject::Status status) {
+        return QTest::qWaitFor(
+            [&service, status] {
+                return service.getStatus() == status;
+            },
+            ChildProcess::cDeadline);
+    };
+
+    const QStringList arguments =
+        example == cNotes ? QStringList{QStringLiteral("Recipes"), QStringLiteral("Birthdays")} : QStringList();
+    const Program program = startExample(example, arguments);
+    QVERIFY(waitFor(TelvaroLiveObject::Ready));
+    mDesk->waitForCurrent(example == cNotes ? cNotesId : example);
+    if (script.contains("Hide")) {
+        TelvaroRequests::hideGlobalOverlay();
+        QVERIFY(waitFor(TelvaroLiveObject::Absent));
+        QVERIFY(waitFor(TelvaroLiveObject::Ready));
+    }
+    // A program that waits for an answer that never comes stands still for 25 seconds.
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(use(example));
+    QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
 }
 
 TELVARO_TEST_MAIN(ExamplesTest)
