@@ -8,6 +8,7 @@
 #include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
+#include "wayland/ClientTouch.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/DataDevices.h"
 #include "wayland/ServerGlobals.h"
@@ -135,8 +136,7 @@ void WaylandServer::start(const QByteArray& socketName)
 
 QWaylandSeat* WaylandServer::createSeat()
 {
-    // Touches arrive as synthesized mouse events.
-    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard | QWaylandSeat::Touch);
     seat->setParent(this);
     return seat;
 }
@@ -144,6 +144,11 @@ QWaylandSeat* WaylandServer::createSeat()
 QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
 {
     return new ClientPointer(seat);
+}
+
+QWaylandTouch* WaylandServer::createTouchDevice(QWaylandSeat* seat)
+{
+    return new ClientTouch(seat);
 }
 
 ClientDrag& WaylandServer::drag()

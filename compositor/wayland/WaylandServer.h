@@ -49,6 +49,7 @@ Q_SIGNALS:
 protected:
     QWaylandSeat* createSeat() override;
     QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
+    QWaylandTouch* createTouchDevice(QWaylandSeat* seat) override;
 
 private:
     struct ClientRecord

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 #include "WireClient.h"
@@ -89,7 +89,7 @@ QVector<quint16> opcodesOf(const WireClient& client, quint32 object)
 Q_DECLARE_METATYPE(Attack)
 
 /// The versions of the globals and what they promise, and clients that abuse it.
-class CompositorProtocolsTest : public CompositorTest
+class CompositorProtocolsTest : public CompositorFixture
 {
     Q_OBJECT
 
