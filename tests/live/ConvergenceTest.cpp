@@ -351,6 +351,7 @@ void ConvergenceTest::restart()
     PrivateBus::deliver();
     const QDBusPendingReply<> reply = mObjects->taskSwitcher.next();
     const int kind = below(4);
+    // The other service, with an older state, gets the name in between where it has had it before.
     if (kind == 0) {
         mActive->kill();
         mActive->start();

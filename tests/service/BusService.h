@@ -20,7 +20,7 @@ protected:
     virtual void receive(GDBusMessage* call) = 0;
 
     /// Throws std::runtime_error where the name belongs to another or the bus refuses it. A replaceable owner takes the
-    /// name from another replaceable one, without a moment in which nobody has it.
+    /// name from another replaceable one without a moment in which nobody has it, and that one waits to get it back.
     void requestName(const QString& name, bool replaceable = false);
     void releaseName(const QString& name);
 };
