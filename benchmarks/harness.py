@@ -1,12 +1,15 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-"""The processes of a measurement: a bus of its own, the service on it, and clients that are told what to do."""
+"""The processes of a measurement: a private bus, the service on it, and clients steered by commands."""
 
 import collections
 import contextlib
 import ctypes
 import glob
+import itertools
+import json
 import os
+import pathlib
 import re
 import selectors
 import signal
@@ -15,32 +18,17 @@ import subprocess
 import tempfile
 import time
 
-BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC
- "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN" "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:dir={directory}</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-  <limit name="max_incoming_bytes">1000000000</limit>
-  <limit name="max_outgoing_bytes">1000000000</limit>
-  <limit name="max_message_size">1000000000</limit>
-</busconfig>
-"""
+BUS_CONFIGURATION = pathlib.Path(__file__).resolve().parents[1] / "session" / "bus.conf"
 
 Sample = collections.namedtuple("Sample", "nanoseconds allocations digest")
 
 
 class Operation(collections.namedtuple("Operation", "name command views count title")):
-    """A measured operation: its name, the client's command for it, how many views the service has meanwhile, how often
-    it is repeated in one sample, and what it is called where people read of it."""
+    """A measured operation: its name, the client's command, the number of views of the service meanwhile, the
+    repetitions in one sample, and its title on the page."""
 
     def prerequisites(self):
-        """The commands that must have been carried out before, such as reading the view that is set."""
+        """The commands to be carried out before, such as reading the view that is set."""
         return {"set": ["current"], "decode": ["fetch"]}.get(self.command, [])
 
 
@@ -69,7 +57,7 @@ def _end_with_parent():
 
 
 class LineProcess:
-    """A program that is steered by lines and answers with lines, each within a deadline."""
+    """A program that reads commands and writes replies, a line each and within a deadline."""
 
     DEADLINE = 120
 
@@ -107,7 +95,7 @@ class LineProcess:
         return self.read()
 
     def end(self):
-        """Lets a program end that ends with its input, and makes one end that does not."""
+        """Closes the input, with which most programs end; terminates an endless one."""
         with contextlib.suppress(BrokenPipeError):
             self._process.stdin.close()
         try:
@@ -130,19 +118,17 @@ class Bus:
     def __enter__(self):
         with contextlib.ExitStack() as resources:
             directory = resources.enter_context(tempfile.TemporaryDirectory())
-            configuration = os.path.join(directory, "bus.conf")
-            with open(configuration, "w", encoding="utf-8") as file:
-                file.write(BUS_CONFIGURATION.format(directory=directory))
             self.directory = directory
             self.environment = dict(os.environ)
-            # It remarks on every monitor; and where it fails, its address fails to come.
-            daemon = LineProcess(["dbus-daemon", "--nofork", "--print-address", "--config-file=" + configuration],
+            # The daemon logs every monitor. Where it fails, no address comes.
+            daemon = LineProcess(["dbus-daemon", "--nofork", "--print-address", f"--config-file={BUS_CONFIGURATION}",
+                                  f"--address=unix:dir={directory}"],
                                  self.environment, errors=subprocess.DEVNULL, is_endless=True)
             resources.callback(daemon.end)
-            # Whichever bus the library was built for, it is this one.
-            address = daemon.read()
-            self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
-            self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = address
+            self.address = daemon.read()
+            # Serves as either bus, since the library is built for one of them.
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.address
+            self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.address
             self._service = resources.enter_context(
                 self.running([self.program("benchmark-service"), self._interfaces]))
             self._service.read()
@@ -158,14 +144,32 @@ class Bus:
     def set_views(self, count):
         self._service.ask(f"views {count}")
 
-    def mark(self):
-        """Lets a monitor know that it has seen all that was before."""
-        self._service.ask("mark")
+    def broadcast(self):
+        """Makes the service signal the changes that a client writes."""
+        self._service.ask("broadcast")
+
+    def change(self, what):
+        """Changes a title or switches to the next view, and returns the time at which the signals were sent."""
+        return int(self._service.ask(what))
 
     @contextlib.contextmanager
-    def running(self, command, is_endless=False, **environment):
+    def monitor(self):
+        """A function that returns all messages on the bus since its last call, as busctl describes them."""
+        command = ["busctl", "monitor", "--json=short", f"--address={self.address}"]
+        with self.running(command, is_endless=True, errors=subprocess.STDOUT) as process:
+            process.read()
+
+            def messages():
+                self._service.ask("mark")
+                messages = map(json.loads, iter(process.read, None))
+                return list(itertools.takewhile(lambda message: message.get("member") != "Mark", messages))
+
+            yield messages
+
+    @contextlib.contextmanager
+    def running(self, command, is_endless=False, errors=None, **environment):
         """The program while it runs."""
-        process = LineProcess(command, {**self.environment, **environment}, is_endless=is_endless)
+        process = LineProcess(command, {**self.environment, **environment}, errors, is_endless)
         try:
             yield process
         finally:
@@ -173,10 +177,35 @@ class Bus:
 
     @contextlib.contextmanager
     def client(self, name, prefix=(), **environment):
-        """A client that is ready, with the nanoseconds that took as its `start`."""
+        """A ready client, which has the nanoseconds of its construction as `start`."""
         command = [*prefix, self.program(name + "-client")]
         with self.running(command, **environment) as process:
             yield Client(process)
+
+
+class Application:
+    """A running application that shows the list of views. Its figures are nanoseconds."""
+
+    def __init__(self, process, bus):
+        self._process = process
+        self._bus = bus
+        self.start, _ = self._read()
+
+    def _read(self):
+        return [int(figure) for figure in self._process.read().split()]
+
+    def change(self, what):
+        """Changes a title or the current view at the service: the time until it is shown, and the event loop's hold."""
+        self._process.ask("await-" + what)
+        sent = self._bus.change(what)
+        shown, held = self._read()
+        return shown - sent, held
+
+    def step(self):
+        """Steps to the next view: the time of the call, and the time until the view is shown."""
+        self._process.write("step")
+        called, duration, shown, _ = self._read()
+        return duration, shown - called
 
 
 class Client:
@@ -197,15 +226,17 @@ class Client:
             self.run(command, 1)
 
 
+CALLGRIND = ["valgrind", "--quiet", "--tool=callgrind", "--instr-atstart=no"]
+
+
 def count_instructions(bus, name, operations):
     """The instructions per repetition of each operation in the client's whole process, by its name: the median of
-    several samples, each of which begins at zero. A few repetitions more or less of what Qt's thread does between two
-    messages are the noise in them."""
+    several samples. Their noise is how often Qt's thread wakes."""
     instructions = {}
     with tempfile.TemporaryDirectory(dir=bus.directory) as directory:
         output = os.path.join(directory, "dump")
-        prefix = ["valgrind", "--quiet", "--tool=callgrind", "--instr-atstart=no", f"--callgrind-out-file={output}"]
-        # Otherwise the first call of every function resolves its name.
+        prefix = [*CALLGRIND, f"--callgrind-out-file={output}"]
+        # Resolves the names of all functions before the first call.
         with bus.client(name, prefix, LD_BIND_NOW="1") as client:
             # Decoding first: it is all allocations, whose cost depends on what was freed before.
             for operation in sorted(operations, key=lambda operation: operation.command != "decode"):
@@ -216,13 +247,13 @@ def count_instructions(bus, name, operations):
                 # The first sample warms up.
                 for _ in range(1 + samples):
                     client.run(operation.command, count)
-                    totals.append(_last_dump(output))
+                    totals.append(last_dump(output))
                 instructions[operation.name] = statistics.median(totals[1:]) / count
     return instructions
 
 
 def _counted_repetitions(views):
-    """How often an operation on that many views is repeated in a sample, and the number of samples."""
+    """The repetitions of an operation on `views` views in a sample, and the number of samples."""
     if views < 100:
         return 20, 7
     if views < 1000:
@@ -230,7 +261,8 @@ def _counted_repetitions(views):
     return 1, 3 if views < 10000 else 1
 
 
-def _last_dump(output):
+def last_dump(output):
+    """The instructions of the newest dump, which is removed with those before it."""
     dumps = glob.glob(output + ".*")
     last = max(dumps, key=lambda path: int(path.rsplit(".", 1)[1]))
     with open(last, encoding="utf-8") as file:

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-"""Measures what the library costs beside other ways to say the same on the bus, into a file of results."""
+"""Measures the library's cost beside other bindings that send the same messages, into a file of results."""
 
 import argparse
 import concurrent.futures
@@ -14,18 +14,19 @@ import subprocess
 import sys
 import tempfile
 
+import applications
 import harness
 from harness import OPERATIONS
 
-CLIENTS = ["telvaro", "qtdbus", "generated", "sdbus", "gdbus", "libdbus", "sdbuscpp"]
+CLIENTS = ["telvaro", "qtdbus", "generated", "sdbus", "gdbus", "sdbuscpp"]
 CLIENTS_WITH_HANDLES = ["telvaro", "qtdbus"]
-# Sends the messages and reads nothing: what no application on QtDBus can go below.
+# Sends the messages and reads nothing: the lower bound of QtDBus.
 PREPARED = "prepared"
 PREPARED_COMMANDS = ["views", "set", "screen-read", "screen-write", "overlay", "notify", "screenshot"]
-# The library against itself: what a ratio is worth.
+# The library against itself: the noise of a ratio.
 AGAIN = "telvaro-again"
 
-FLOORS = {"socket": 200, "libdbus": 40, "thread-hop": 200}
+NO_REPLY_EXPECTED = 1
 
 
 def operations_of(client, most_views):
@@ -35,32 +36,37 @@ def operations_of(client, most_views):
             and (operation.command in PREPARED_COMMANDS or client != PREPARED)]
 
 
-def record_messages(new_bus, name):
-    """Every message of one client, and what it has read, by operation; its first messages under "start"."""
-    records = {}
-    with new_bus() as bus, bus.running([bus.program("message-monitor")], is_endless=True) as monitor:
-        def messages_until_now():
-            bus.mark()
-            return list(iter(monitor.read, "mark"))
+def describe_call(message):
+    """All that the receiver of a call can read."""
+    fields = [message.get(field) for field in ("destination", "path", "interface", "member", "payload")]
+    return json.dumps([*fields, message["flags"] & NO_REPLY_EXPECTED])
 
-        monitor.read()
+
+def record_calls(new_bus, name):
+    """Every call of one client and the digest of what it has read, by operation; its first calls under "start"."""
+    records = {}
+    with new_bus() as bus, bus.monitor() as messages:
+        def calls():
+            return [describe_call(message) for message in messages() if message["type"] == "method_call"]
+
+        calls()
         with bus.client(name) as client:
-            # Said by libraries in an order and a form of their own.
-            records["start"] = (sorted(messages_until_now()), None)
+            # Sorted, since each binding begins in its own order.
+            records["start"] = (sorted(calls()), None)
             for operation in operations_of(name, 100):
                 bus.set_views(operation.views)
                 client.prepare(operation)
-                messages_until_now()
+                calls()
                 sample = client.run(operation.command, 1)
-                records[operation.name] = (messages_until_now(), sample.digest)
+                records[operation.name] = (calls(), sample.digest)
     return records
 
 
 def check_equal(new_bus):
-    """Ends the measurement where two clients do not do the same."""
-    expected = record_messages(new_bus, "qtdbus")
+    """Ends the measurement where two clients differ in what they send or read."""
+    expected = record_calls(new_bus, "qtdbus")
     for name in [*CLIENTS, PREPARED]:
-        records = expected if name == "qtdbus" else record_messages(new_bus, name)
+        records = expected if name == "qtdbus" else record_calls(new_bus, name)
         for operation, record in records.items():
             if operation == "start" and name not in CLIENTS_WITH_HANDLES:
                 continue
@@ -68,32 +74,31 @@ def check_equal(new_bus):
                 record = (record[0], expected[operation][1])
             if record != expected[operation]:
                 sys.exit(f"{operation}: {name} and qtdbus differ:\n{record}\n{expected[operation]}")
-    return {operation: len(messages) for operation, (messages, _) in expected.items()}
 
 
 def measure_times(new_bus, rounds):
     """Nanoseconds per repetition, a list with one for each round; the clients take turns within each."""
     runners = [*CLIENTS, AGAIN]
     times = {operation.name: {} for operation in OPERATIONS}
-    floors = {name: [] for name in FLOORS}
+    floor_calls = 40
+    floors = []
     with new_bus() as bus, contextlib.ExitStack() as resources:
         clients = {name: resources.enter_context(bus.client("telvaro" if name == AGAIN else name))
                    for name in runners}
         floor = resources.enter_context(bus.running([bus.program("floor")]))
         floor.read()
         for turn in range(rounds):
-            for name, count in FLOORS.items():
-                floors[name].append(int(floor.ask(f"{name} {count}")) / count)
+            floors.append(int(floor.ask(str(floor_calls))) / floor_calls)
             for operation in OPERATIONS:
                 bus.set_views(operation.views)
-                # Another one begins each time, and the last of one round is not the first of the next.
+                # The first changes with each turn, and is never the last of the turn before.
                 for step in range(len(runners)):
                     name = runners[(turn * 3 + step) % len(runners)]
                     if operation.command == "construct" and name not in [*CLIENTS_WITH_HANDLES, AGAIN]:
                         continue
                     client = clients[name]
                     client.prepare(operation)
-                    # Wakes the client and everything on the way to it.
+                    # Warms up the client and the processes on the way to it.
                     client.run(operation.command, 1)
                     sample = client.run(operation.command, operation.count)
                     times[operation.name].setdefault(name, []).append(sample.nanoseconds / operation.count)
@@ -101,7 +106,7 @@ def measure_times(new_bus, rounds):
 
 
 def measure_cold_start(new_bus, rounds):
-    """Nanoseconds until a process has its handles: the connection, the introspection, the subscriptions."""
+    """Nanoseconds until a process has its handles: connection, introspection, subscriptions."""
     times = {name: [] for name in (*CLIENTS_WITH_HANDLES, AGAIN)}
     with new_bus() as bus:
         for _ in range(rounds):
@@ -112,7 +117,7 @@ def measure_cold_start(new_bus, rounds):
 
 
 def measure_memory(new_bus):
-    """Kilobytes that a process held at most that has read 10,000 views."""
+    """The peak memory, in kilobytes, of a process that has read 10,000 views."""
     peaks = {}
     with new_bus() as bus:
         bus.set_views(10000)
@@ -148,8 +153,30 @@ def count_everything(new_bus, quick):
             free)
 
 
+def measure_applications(new_bus, quick):
+    """Times, messages and instructions of the applications that show the list of views."""
+    # Many short turns, since the machine may be busy for a while.
+    changes_by_views = {10: 7, 100: 7} if quick else {10: 7, 100: 7, 1000: 3}
+    counted_by_views = {10: 8} if quick else {10: 15, 100: 7, 1000: 2}
+    counted = [(name, views) for views in counted_by_views for name in applications.APPLICATIONS]
+
+    def count(name_and_views):
+        name, views = name_and_views
+        return applications.count_instructions(new_bus, name, views, counted_by_views[views])
+
+    times = applications.measure_times(new_bus, 8 if quick else 30, changes_by_views)
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
+        counts = dict(zip(counted, workers.map(count, counted)))
+    return {
+        "times": times,
+        "messages": applications.count_messages(new_bus),
+        "instructions": {views: {name: counts[name, views] for name in applications.APPLICATIONS}
+                         for views in counted_by_views},
+    }
+
+
 def measure_loading(new_bus, library):
-    """What the dynamic linker has to do for the library."""
+    """The dynamic linker's work for the library."""
     def run(*command):
         return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
@@ -201,7 +228,7 @@ def main():
     parser.add_argument("--interfaces", required=True, help="folder with the interfaces' descriptions")
     parser.add_argument("--library", help="the library's file")
     parser.add_argument("--output", help="the file of results")
-    parser.add_argument("--check", action="store_true", help="measure nothing; only see to it that all clients agree")
+    parser.add_argument("--check", action="store_true", help="measure nothing; only check that all clients send and read the same")
     parser.add_argument("--quick", action="store_true", help="fewer rounds, and no counts for other bindings")
     arguments = parser.parse_args()
 
@@ -215,21 +242,23 @@ def main():
         check_equal(new_bus)
         return
 
-    def tell(what):
+    def report(what):
         print(what, file=sys.stderr, flush=True)
 
     results = {"machine": describe_machine(), "quick": arguments.quick}
-    tell("All clients send and read the same ...")
-    results["messages"] = check_equal(new_bus)
+    report("All clients send and read the same ...")
+    check_equal(new_bus)
     rounds = 7 if arguments.quick else 25
     results["rounds"] = rounds
-    tell("Time ...")
-    results["times"], results["floors"] = measure_times(new_bus, rounds)
+    report("Applications ...")
+    results["applications"] = measure_applications(new_bus, arguments.quick)
+    report("Time ...")
+    results["times"], results["floor"] = measure_times(new_bus, rounds)
     results["cold"] = measure_cold_start(new_bus, rounds)
-    tell("Memory and loading ...")
+    report("Memory and loading ...")
     results["memory"] = measure_memory(new_bus)
     results["loading"] = measure_loading(new_bus, os.path.realpath(arguments.library))
-    tell("Instructions and allocations ...")
+    report("Instructions and allocations ...")
     results["instructions"], results["allocations"], results["allocations of names"] = count_everything(
         new_bus, arguments.quick)
     results["machine"]["load at the end"] = os.getloadavg()[0]

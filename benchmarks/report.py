@@ -1,13 +1,15 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-"""Writes the page on the library's cost, and its picture, from a file of results."""
+"""Fills the figures of a measurement into the template of the page on the library's cost."""
 
 import argparse
 import json
 import math
-import os
+import pathlib
+import re
 import statistics
 
+import applications
 from harness import OPERATIONS
 
 TITLES = {
@@ -16,12 +18,11 @@ TITLES = {
     "generated": "qdbusxml2cpp",
     "sdbus": "sd-bus",
     "gdbus": "GDBus",
-    "libdbus": "libdbus",
     "sdbuscpp": "sdbus-c++",
     "prepared": "messages alone",
     "telvaro-again": "noise",
 }
-OTHERS = ["generated", "sdbus", "gdbus", "libdbus", "sdbuscpp"]
+OTHERS = ["generated", "sdbus", "gdbus", "sdbuscpp"]
 PLAIN_CALLS = ["set", "screen-read", "screen-write", "overlay", "notify", "screenshot"]
 
 
@@ -32,16 +33,13 @@ class Results:
         self.values = values
 
     def time(self, operation, client, reference="qtdbus"):
-        """The median over the rounds of the ratio within each round; None where a client has no such operation."""
+        """The median over the rounds of the ratio within each round; None where a client lacks the operation."""
         return self._ratio(self.values["times"][operation], client, reference)
 
     def noise(self, operation):
-        """How far from 1 the ratio of two equals may be: that of the library to itself, or, where chance has made that
-        small, how uncertain the median of these ratios is by their spread."""
+        """The noise of the library beside itself."""
         samples = self.values["times"][operation]
-        ratios = [again / first for again, first in zip(samples["telvaro-again"], samples["telvaro"])]
-        lower, _, upper = statistics.quantiles(ratios, n=4)
-        return max(abs(statistics.median(ratios) - 1), 1.57 * (upper - lower) / math.sqrt(len(ratios)))
+        return noise(samples["telvaro-again"], samples["telvaro"])
 
     def cold(self, client, reference="qtdbus"):
         return self._ratio(self.values["cold"], client, reference)
@@ -52,13 +50,13 @@ class Results:
             return None
         return counts[client][operation] / counts[reference][operation]
 
-    def floor(self, name):
-        """The floor's time as a ratio to the library's plain call, a written property."""
-        return (statistics.median(self.values["floors"][name])
+    def floor(self):
+        """The time of one call with libdbus as a ratio to the library's plain operation, a written property."""
+        return (statistics.median(self.values["floor"])
                 / statistics.median(self.values["times"]["screen-write"]["telvaro"]))
 
     def slope(self, fewer, more, reference, client="telvaro"):
-        """What a further view costs between two numbers of views, as a ratio to that in another pair."""
+        """The cost of a further view between two numbers of views, as a ratio to that between another pair."""
         instructions = self.values["instructions"][client]
 
         def per_view(few, many):
@@ -70,9 +68,18 @@ class Results:
 
     @staticmethod
     def _ratio(samples, client, reference):
-        if client not in samples or reference not in samples:
-            return None
-        return statistics.median(own / other for own, other in zip(samples[client], samples[reference]))
+        return median_ratio(samples[client], samples[reference]) if {client, reference} <= samples.keys() else None
+
+
+def median_ratio(samples, references):
+    return statistics.median(own / other for own, other in zip(samples, references))
+
+
+def noise(again, first):
+    """The deviation from 1 of the ratio of two equals, or of its median's 95 % interval where that is wider."""
+    ratios = [own / other for own, other in zip(again, first)]
+    lower, _, upper = statistics.quantiles(ratios, n=4)
+    return max(abs(statistics.median(ratios) - 1), 1.57 * (upper - lower) / math.sqrt(len(ratios)))
 
 
 def ratio(value):
@@ -86,6 +93,63 @@ def fine_ratio(value):
 def table(head, rows):
     lines = ["| " + " | ".join(head) + " |", "|" + "|".join(["---"] + ["---:"] * (len(head) - 1)) + "|"]
     return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
+
+
+APPLICATION_TITLES = {
+    "live": "live layer",
+    "qtdbus": "QtDBus by hand",
+    "sdbus": "sd-bus by hand",
+    "sdbus-notified": "sd-bus, values of the signals",
+}
+APPLICATION_ROWS = [
+    ("times", "start", "start, until the list stands", None),
+    ("times", "title", "a title, until shown", 0.80),
+    ("times", "switch", "a switch, until list and current view are shown", 0.35),
+    ("times", "switch held", "a switch: time that the event loop is held", 0.25),
+    ("times", "step call", "a step: the call", 0.10),
+    ("times", "step", "a step, until list and current view are shown", None),
+    ("instructions", "title", "instructions of a title", None),
+    ("instructions", "switch", "instructions of a switch", 0.40),
+    ("instructions", "step", "instructions of a step", None),
+]
+
+
+def application_ratios(results, what, figure, views):
+    """The figure to the connectors by application, and its noise."""
+    if what == "times":
+        samples = results.values["applications"]["times"][views][figure]
+        return ({name: median_ratio(samples[name], samples["connectors"]) for name in APPLICATION_TITLES},
+                noise(samples[applications.AGAIN], samples["connectors"]))
+    counts = results.values["applications"]["instructions"][views]
+    return {name: counts[name][figure] / counts["connectors"][figure] for name in APPLICATION_TITLES}, None
+
+
+def application_table(results):
+    rows = []
+    for what, figure, title, limit in APPLICATION_ROWS:
+        for views in results.values["applications"][what]:
+            ratios, deviation = application_ratios(results, what, figure, views)
+            goal = "" if limit is None else f"{limit:.2f} " + judge(ratios["live"], limit, deviation or 0)[1]
+            rows.append([title, f"{int(views):,}", f"**{ratio(ratios['live'])}**", goal,
+                         *(ratio(ratios[name]) for name in APPLICATION_TITLES if name != "live"),
+                         "" if deviation is None else "± " + ratio(deviation)])
+    live, *others = APPLICATION_TITLES.values()
+    return table(["To the blocking connectors", "views", live, "at most", *others, "noise"], rows)
+
+
+def application_messages(results):
+    messages = results.values["applications"]["messages"]
+    titles = {"connectors": "blocking connectors", **APPLICATION_TITLES}
+    changes = ["start", *applications.CHANGES]
+    return table(["Messages besides the signals", *changes],
+                 [[titles[name], *(str(messages[name][change]) for change in changes)] for name in titles])
+
+
+def live_to_sdbus(results):
+    """The range of the live layer's time for a switch to that of sd-bus by hand."""
+    ratios = [median_ratio(figures["switch"]["live"], figures["switch"]["sdbus"])
+              for figures in results.values["applications"]["times"].values()]
+    return f"{min(ratios):.2f} to {max(ratios):.2f}"
 
 
 def time_table(results):
@@ -104,7 +168,7 @@ def count_table(results, what):
 
 
 def judge(worst, limit, tolerance=0.0):
-    """A goal's figure, and whether it is reached: plainly, or only as far as the noise allows to tell."""
+    """A goal's figure, and whether it is reached, possibly only within the noise."""
     if worst is None:
         return "not measured", ""
     if worst <= limit:
@@ -153,103 +217,6 @@ def goal_table(results):
     return table(["Goal", "at most", "worst", ""], rows)
 
 
-PAGE = """# What the library costs
-
-An application can do without this library: it can write the D-Bus calls itself, or use another binding. This page says
-what either would cost beside the library. All figures are ratios; below 1 is cheaper than QtDBus written by hand.
-
-![Time of every operation beside QtDBus written by hand](images/performance.svg)
-
-`scripts/bench` measures all of it anew on your machine and writes this page; `scripts/bench --quick` takes less time
-and leaves out the counts for other bindings. This run: {rounds} rounds on {processors} processors ({processor}),
-with a load of {load_before:.1f} before and {load_after:.1f} after{load_note}.
-
-## What is compared
-
-Seven small applications do the same {operation_count} things: one on the library; one that talks to QtDBus itself, with
-`QDBusInterface` and `QDBusMessage`, in the way of Qt's own examples; one on the proxies that `qdbusxml2cpp` generates;
-and one each on sd-bus, GDBus, libdbus and sdbus-c++. They talk to the same fast service, one thread on libdbus, over a
-private `dbus-daemon`. Before anything is timed, a monitor of the bus sees to it that every application sends exactly
-the same messages for each operation, the question whether the service is there included, and a checksum over every
-field that all of them read the same; for the library and QtDBus by hand that holds for the start too.
-
-The applications take turns within each round, so that whatever else the machine does falls on all of them alike; a
-figure is the median over the rounds of the ratio within a round. One more instance of the application on the library
-takes part: how far it is from the first one, or could be by the spread of their ratios, is the noise, and no difference
-smaller than that means anything.
-
-## Goals
-
-{goals}
-
-What is not reached lies in QtDBus, and the tables show it: how many of the instructions remain for an application that
-does nothing but send its messages, how QtDBus by hand stands beside sd-bus, and what a further view costs it.
-
-## Time
-
-To QtDBus by hand:
-
-{times}
-
-A first construction, with the connection to the bus and the introspection of every object, takes {cold} of what it
-takes by hand (noise ± {cold_noise}).
-
-## Instructions
-
-Counted by callgrind in the whole process, Qt's thread included, without its start; they hardly depend on what else the
-machine does. Two runs differ by tenths of a percent, since Qt's thread does not wake equally often.
-
-{instructions}
-
-The last column is what no application on QtDBus can go below: one that sends messages which were made before, and does
-not look at the answers. Most of an operation is executed in Qt's own thread and inside `QDBusConnection::call()`,
-whatever the caller does. What lies between that column and 1 is all that a library can save, and the arguments that it
-builds, the way of calling that the service's description asks for and the decoding have to come out of it too.
-{slopes}
-## Allocations
-
-{allocations}
-
-## The floor
-
-Most of a call is spent where no binding can save anything. In units of one written screen property through the library,
-which is two messages there and back:
-
-{floors}
-
-The last one is QtDBus's: it hands every message to a thread of its own and waits for it, twice in that operation.
-
-## Memory and loading
-
-{memory}
-
-{loading}
-
-## What was done, and what was left alone
-
-Each figure is the part of the instructions of the operation that it saves, or of the decoding. They were measured one by
-one when it was decided, for version 1.0.0 and Qt 5.15.8, and are not measured anew by `scripts/bench`.
-
-- The question whether the service is there goes through the bus daemon's proxy with the way of the call given, not
-  through its helper, which compares the names of all the daemon's methods first: 1 % of every operation but the reads
-  of the views.
-- A property's value is taken out of the answer directly, not by way of `QDBusReply`, which copies it: 1 % of a read.
-- Views are read where they stand in the list: 0.1 % of the instructions of decoding, but 2 % of its time, since the
-  counters of shared strings are dear. Their attributes are read without a detour through a second variant: 0.8 %.
-- The arguments that read the views and the current view are kept: 0.7 % of a read; it is one line each.
-- A record's type is registered without a name, which spares Qt the search for it: 0.2 µs of a construction.
-- `getViews()` compares the signature of the answer before it reads it, since QtDBus ends the process on another one.
-  That costs an allocation or two and 1 % of a read of one view; the expected signature is compared first.
-- Left alone: a message for that question that is made only once. It would save 1 % more of an operation, but Qt writes
-  into a message that it sends, so that each thread would need its own; and storage for each thread makes the library
-  need the dynamic linker's own library, or leaves functions behind that a thread calls after the library has gone.
-- Left alone: the lists of arguments of the other operations, a hint where in the map an attribute goes, objects for
-  keys that are used again. Each buys less than 1 % and costs the reader's attention.
-- Left alone: the search for the method among those of the proxy (the call mode `AutoDetect`), the introspection at
-  construction, the second read of the views when stepping. They are part of what the operations promise.
-"""
-
-
 def loading_text(results):
     loading = results.values["loading"]
     part = 100 * loading["instructions"] / loading["instructions of a Qt program"]
@@ -258,111 +225,51 @@ def loading_text(results):
             "starting a program on Qt.")
 
 
-def slope_text(results):
-    rows = [(f"from {few:,} to {many:,}", few, many) for few, many in ((100, 1000), (1000, 10000))
-            if results.slope(few, many, (10, 100)) is not None]
-    if not rows:
-        return ""
-    slopes = [[where, *(fine_ratio(results.slope(few, many, (10, 100), client)) for client in ("telvaro", "qtdbus"))]
-              for where, few, many in rows]
-    return ("\nThe cost grows with the number of views. The instructions of a further view, beside one from 10 to 100:\n\n"
-            + table(["", TITLES["telvaro"], TITLES["qtdbus"]], slopes) + "\n")
+def slope_table(results):
+    rows = [[f"from {few:,} to {many:,}",
+             *(fine_ratio(results.slope(few, many, (10, 100), client)) for client in ("telvaro", "qtdbus"))]
+            for few, many in ((100, 1000), (1000, 10000))]
+    return table(["", TITLES["telvaro"], TITLES["qtdbus"]], rows)
 
 
-def write_page(results, path):
+def figures(results):
+    """The text for each placeholder of the template."""
     values = results.values
     machine = values["machine"]
-    busy = machine["load"] > machine["processors"]
-    floors = {"socket": "a byte over a socket to another thread and back",
-              "libdbus": "one message through the daemon to the service and back, with libdbus",
-              "thread-hop": "a call in another of Qt's threads, waited for"}
     memory = values["memory"]
-    text = PAGE.format(
-        rounds=values["rounds"],
-        processors=machine["processors"],
-        processor=machine["processor"],
-        load_before=machine["load"],
-        load_after=machine["load at the end"],
-        load_note=": the machine was busy with other work, and the times are to be read with that in mind"
-        if busy else "",
-        operation_count=len(OPERATIONS) - 1,
-        goals=goal_table(results),
-        times=time_table(results),
-        cold=ratio(results.cold("telvaro")),
-        cold_noise=ratio(abs(results.cold("telvaro-again", "telvaro") - 1)),
-        instructions=count_table(results, "instructions"),
-        slopes=slope_text(results),
-        allocations=count_table(results, "allocations"),
-        floors=table(["", ""], [[title, ratio(results.floor(name))] for name, title in floors.items()]),
-        memory="The most memory that a process held that has read 10,000 views, to QtDBus by hand: "
-        + ", ".join(f"{TITLES[name]} {memory[name] / memory['qtdbus']:.2f}" for name in memory if name != "qtdbus")
-        + ".",
-        loading=loading_text(results))
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(text)
-
-
-COLOURS = {"telvaro": "#0b6e4f", "generated": "#7a5195", "sdbus": "#c1440e", "gdbus": "#d4a017",
-           "libdbus": "#2f6db3", "sdbuscpp": "#6b6b6b"}
-
-
-def write_picture(results, path):
-    """A row for each operation, a dot for each client, on a logarithmic scale; a bar around 1 as wide as the noise."""
-    left, top, row_height, width = 270, 78, 26, 560
-    low, high = 0.1, 4.0
-    height = top + row_height * len(OPERATIONS) + 46
-
-    def x(value):
-        return left + width * math.log(min(max(value, low), high) / low) / math.log(high / low)
-
-    parts = [
-        f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {left + width + 30} {height}" '
-        'font-family="DejaVu Sans, Helvetica, Arial, sans-serif" font-size="13">',
-        "<!-- SPDX-License-Identifier: MIT -->",
-        "<!-- SPDX-FileCopyrightText: The Telvaro authors -->",
-        '<rect width="100%" height="100%" fill="#ffffff"/>',
-        '<text x="16" y="26" font-size="16" font-weight="bold" fill="#222">'
-        "Time beside QtDBus written by hand (1.0); left is faster</text>",
-    ]
-    for index, (client, colour) in enumerate(COLOURS.items()):
-        at = 22 + index * 135
-        parts.append(f'<circle cx="{at}" cy="50" r="5.5" fill="{colour}"/>'
-                     f'<text x="{at + 11}" y="54.5" fill="#222">{TITLES[client]}</text>')
-    bottom = top + row_height * len(OPERATIONS)
-    for tick in (0.1, 0.2, 0.5, 1.0, 2.0, 4.0):
-        colour = "#444" if tick == 1.0 else "#ddd"
-        parts.append(f'<line x1="{x(tick):.1f}" y1="{top}" x2="{x(tick):.1f}" y2="{bottom}" stroke="{colour}"/>'
-                     f'<text x="{x(tick):.1f}" y="{bottom + 20}" text-anchor="middle" fill="#444">{tick:g}</text>')
-    for index, operation in enumerate(OPERATIONS):
-        middle = top + row_height * (index + 0.5)
-        noise = results.noise(operation.name)
-        parts.append(f'<text x="{left - 14}" y="{middle + 4.5:.1f}" text-anchor="end" fill="#222">'
-                     f'{operation.title}</text>')
-        parts.append(f'<rect x="{x(1 - noise):.1f}" y="{middle - 9:.1f}" '
-                     f'width="{max(1.0, x(1 + noise) - x(1 - noise)):.1f}" height="18" fill="#cccccc"/>')
-        # The library's last, over the others.
-        for client in reversed(COLOURS):
-            value = results.time(operation.name, client)
-            if value is not None:
-                parts.append(f'<circle cx="{x(value):.1f}" cy="{middle:.1f}" r="5.5" fill="{COLOURS[client]}" '
-                             'fill-opacity="0.85"/>')
-    parts.append(f'<text x="{left}" y="{height - 8}" font-size="11" fill="#666">'
-                 "Grey: the noise, one instance of the library's client beside another. Logarithmic.</text>")
-    parts.append("</svg>\n")
-    with open(path, "w", encoding="utf-8") as file:
-        file.write("\n".join(parts))
+    return {
+        "rounds": values["rounds"],
+        "processors": machine["processors"],
+        "processor": machine["processor"],
+        "load_before": f"{machine['load']:.1f}",
+        "load_after": f"{machine['load at the end']:.1f}",
+        "operation_count": len(OPERATIONS) - 1,
+        "applications": application_table(results),
+        "application_messages": application_messages(results),
+        "live_to_sdbus": live_to_sdbus(results),
+        "application_rounds": len(results.values["applications"]["times"]["10"]["start"]["connectors"]),
+        "goals": goal_table(results),
+        "times": time_table(results),
+        "cold": ratio(results.cold("telvaro")),
+        "cold_noise": ratio(abs(results.cold("telvaro-again", "telvaro") - 1)),
+        "instructions": count_table(results, "instructions"),
+        "slopes": slope_table(results),
+        "allocations": count_table(results, "allocations"),
+        "floor": ratio(results.floor()),
+        "memory": ", ".join(f"{TITLES[name]} {memory[name] / memory['qtdbus']:.2f}"
+                            for name in memory if name != "qtdbus"),
+        "loading": loading_text(results),
+    }
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--results", required=True, help="the file of results")
-    parser.add_argument("--docs", required=True, help="the folder that gets performance.md and images/")
+    parser.add_argument("--results", required=True, type=pathlib.Path, help="the file of results")
+    parser.add_argument("--output", required=True, type=pathlib.Path, help="the page to write")
     arguments = parser.parse_args()
-    os.makedirs(os.path.join(arguments.docs, "images"), exist_ok=True)
-    with open(arguments.results, encoding="utf-8") as file:
-        results = Results(json.load(file))
-    write_page(results, os.path.join(arguments.docs, "performance.md"))
-    write_picture(results, os.path.join(arguments.docs, "images", "performance.svg"))
+    texts = figures(Results(json.loads(arguments.results.read_text(encoding="utf-8"))))
+    template = pathlib.Path(__file__).with_name("performance.md.in").read_text(encoding="utf-8")
+    arguments.output.write_text(re.sub(r"@(\w+)@", lambda field: str(texts[field[1]]), template), encoding="utf-8")
 
 
 if __name__ == "__main__":

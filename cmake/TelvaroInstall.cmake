@@ -3,8 +3,8 @@
 
 set(TELVARO_CMAKE_PACKAGE_DIRECTORY "${CMAKE_INSTALL_LIBDIR}/cmake/Telvaro")
 
-# Installs a shared library of the project with its public headers: to be run with, to be built with by CMake's package
-# "Telvaro", and to be built with by a pkg-config file, which is named after the target.
+# telvaro_install_library(TARGET HEADER...): installs a shared library with its public headers, its targets for the CMake
+# package "Telvaro", and its pkg-config file, <target>.pc.
 function(telvaro_install_library target)
     install(TARGETS ${target}
         EXPORT ${target}Targets
@@ -21,8 +21,8 @@ function(telvaro_install_library target)
         COMPONENT Development)
 
     set(pkgconfig_directory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-    # Relative, so that the package may be installed or moved to another prefix than the configured one; but a directory
-    # that is given as an absolute path stays where it is.
+    # The prefix in the pkg-config file is relative to the file, so that the installation can be moved, unless the library
+    # directory is absolute.
     if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
         set(pkgconfig_prefix "${CMAKE_INSTALL_PREFIX}")
     else()

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 
-# What every target of this project is compiled with. Compile options stay on the targets, so that a project that adds
-# this one as a subdirectory keeps its own.
+# Compile options of every target of this project. They are set per target, so that a project that adds this one as a
+# subdirectory keeps its own options.
 function(telvaro_target_defaults target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES

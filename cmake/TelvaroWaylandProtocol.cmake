@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 
-# What wayland-scanner makes is C.
+# wayland-scanner generates C.
 enable_language(C)
 find_package(PkgConfig REQUIRED)
 pkg_get_variable(telvaro_wayland_protocols wayland-protocols pkgdatadir)
@@ -10,8 +10,8 @@ if(NOT telvaro_wayland_protocols OR NOT telvaro_wayland_scanner)
     message(FATAL_ERROR "wayland-protocols and wayland-scanner are needed")
 endif()
 
-# Makes the target speak a protocol of the package wayland-protocols, given by its file's path there. The side is server
-# or client; the header is named after the file, <name>-<side>-protocol.h.
+# Generates the code of a Wayland protocol and links it to the target. The file is a path in the package
+# wayland-protocols, the side is server or client, and the header is <name>-<side>-protocol.h.
 function(telvaro_wayland_protocol target side file)
     set(xml "${telvaro_wayland_protocols}/${file}")
     get_filename_component(name "${file}" NAME_WE)

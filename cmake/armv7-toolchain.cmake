@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 
-# The device's architecture, ARMv7 with a hard-float unit and no NEON, from a Debian machine. TELVARO_SYSROOT names the
-# device's headers and libraries; the default is the folder that scripts/test-armv7 makes.
+# Toolchain for the device's architecture, ARMv7 with hard float and without NEON, on a Debian machine. TELVARO_SYSROOT
+# is the folder with the device's headers and libraries; by default the one that scripts/test-armv7 creates.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
@@ -20,10 +20,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# pkg-config has no notion of a toolchain.
+# pkg-config does not read CMAKE_SYSROOT.
 set(ENV{PKG_CONFIG_SYSROOT_DIR} "${CMAKE_SYSROOT}")
 set(ENV{PKG_CONFIG_LIBDIR}
     "${CMAKE_SYSROOT}/usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig")
 
-# A processor that can no more than the device promises.
+# A processor with no more features than the device's.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm-static -cpu cortex-a9,neon=off -L "${CMAKE_SYSROOT}")

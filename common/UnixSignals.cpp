@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 namespace {
+
 sigset_t terminationSignals()
 {
     sigset_t set;
@@ -22,6 +23,7 @@ int openDescriptor()
     const sigset_t set = terminationSignals();
     return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
 }
+
 } // namespace
 
 void UnixSignals::block()

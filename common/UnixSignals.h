@@ -5,13 +5,13 @@
 #include <QObject>
 #include <QSocketNotifier>
 
-/// Turns the signals by which a process is asked to end into a Qt signal.
+/// Turns SIGINT, SIGTERM and SIGHUP into a Qt signal.
 class UnixSignals : public QObject
 {
     Q_OBJECT
 
 public:
-    /// To be called before the first thread starts, because every thread inherits the mask.
+    /// Blocks the signals. To be called before the first thread starts, because threads inherit the signal mask.
     static void block();
 
     explicit UnixSignals(QObject* parent = nullptr);

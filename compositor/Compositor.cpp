@@ -2,72 +2,130 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Compositor.h"
 
-#include "CommandLine.h"
+#include "bus/ScreenShotFile.h"
+#include "wayland/ClientPopup.h"
+#include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
 
-Compositor::Compositor(const CommandLine& commandLine)
-    : mCommandLine(commandLine)
-    , mOutput(commandLine.size())
-    , mScreenSaver(commandLine.screenSaverTimeoutSeconds())
+#include <QDir>
+#include <QStandardPaths>
+#include <QWaylandKeymap>
+#include <QWaylandSeat>
+
+namespace {
+
+constexpr int cScreenShotMessageMilliseconds = 5000;
+
+} // namespace
+
+Compositor::Compositor(Options options)
+    : mOptions(std::move(options))
+    , mOutput(mOptions.size)
+    , mScreenSaver(mOptions.screenSaverTimeoutSeconds)
     , mScene(mOutput, mScreenSaver)
     , mBackground(mOutput, mViews)
     , mWindowStack(mOutput, mViews, mScene)
     , mStatusBar(mOutput, mViews, mScene)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
+    , mCommands(mOutput, mViews, mScreenSaver, mWindowStack)
+    , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
-    , mServer(mOutput, mWindow, mViews, mWindowStack)
+    , mServer(mOutput, mWindow, mViews)
     , mTaskSwitcherObject(mViews, mCallGate)
     , mScreenObject(mOutput, mScreenSaver, mCallGate)
     , mGlobalOverlayObject(mOverlayPanel, mCallGate)
     , mScreenShotObject(mScene, mCallGate)
     , mNotificationsObject(mNotificationCenter, mCallGate)
-    , mScriptPlayer(commandLine.script(), mViews, mScreenSaver, mCallGate, mBusService)
+    , mScriptPlayer(mOptions.script, mViews, mScreenSaver, mCallGate, mBusService)
 {
+    mOutput.setWindowTurning(mOptions.isWindowTurning);
     mScene.addLayer(&mBackground);
     mScene.addLayer(&mWindowStack);
     mScene.addLayer(&mStatusBar);
     mScene.addLayer(&mNotificationCards);
+    mScene.addLayer(&mMenu);
     mScene.addLayer(&mOverlayPanel);
+    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
+    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
+    QObject::connect(&mStatusBar, &StatusBar::clicked, &mMenu, &Menu::toggle);
+    QObject::connect(&mCommands, &DeskCommands::menuRequested, &mMenu, &Menu::toggle);
+    QObject::connect(&mCommands, &DeskCommands::switchRequested, &mMenu, &Menu::step);
+    QObject::connect(&mCommands, &DeskCommands::screenShotRequested, &mWindow, [this] {
+        takeScreenShot();
+    });
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
 }
 
-bool Compositor::start()
+MaybeError Compositor::start()
 {
-    const auto socketName = WaylandSocketName::choose(mCommandLine.socketName());
-    if (const auto* const error = std::get_if<WaylandSocketName::Error>(&socketName)) {
-        mError = error->text;
-        return false;
+    const Result<QByteArray> socketName = WaylandSocketName::choose(mOptions.socketName);
+    if (const auto* const error = std::get_if<Error>(&socketName)) {
+        return *error;
     }
-    // The name is taken before the socket is opened: a second compositor stops here and leaves no trace. Calls are
-    // answered by the event loop, when everything is up.
-    if (!publishObjects() || !mBusService.takeName()) {
-        mError = mBusService.error();
-        return false;
+    // The name is requested before the socket is opened: a second compositor stops here and leaves no trace. Calls wait
+    // for the event loop, which runs when everything is up.
+    if (const MaybeError error = publishObjects()) {
+        return error;
+    }
+    if (const MaybeError error = mBusService.takeName()) {
+        return error;
     }
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    mSeatInput = std::make_unique<SeatInput>(mServer.defaultSeat(), mServer.guard(), mWindowStack, mNotificationCards,
-                                             mScreenSaver, mWindow);
-    mWindow.setInput(mSeatInput.get());
-    if (mCommandLine.isFullScreenWindow()) {
+    const QVector<InputLayer*> inputLayers{&mMenu, &mNotificationCards, &mStatusBar};
+    QWaylandSeat* const seat = mServer.defaultSeat();
+    mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
+                                             SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
+    if (!mOptions.keyboardLayout.name.isEmpty()) {
+        seat->keymap()->setLayout(mOptions.keyboardLayout.name);
+        seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
+    }
+    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mOptions.keyboardLayout);
+    mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
+    mWindow.setInput(mSeatInput.get(), mTouchInput.get());
+    if (mOptions.isMouseFinger) {
+        mWindow.useMouseAsFinger();
+    }
+    if (mOptions.isFullScreenWindow) {
         mWindow.showFullScreen();
     } else {
         mWindow.show();
     }
-    if (!mScriptPlayer.start()) {
-        mError = mScriptPlayer.error();
-        return false;
-    }
-    return true;
+    return mScriptPlayer.start();
 }
 
-bool Compositor::publishObjects()
+MaybeError Compositor::publishObjects()
 {
-    return mBusService.publish(QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject)
-        && mBusService.publish(QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject)
-        && mBusService.publish(QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject)
-        && mBusService.publish(QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject)
-        && mBusService.publish(QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject);
+    const std::pair<QString, QObject*> objects[] = {
+        {QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject},
+        {QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject},
+        {QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject},
+        {QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject},
+        {QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject},
+    };
+    for (const auto& [path, object] : objects) {
+        if (const MaybeError error = mBusService.publish(path, object)) {
+            return error;
+        }
+    }
+    return {};
+}
+
+void Compositor::takeScreenShot()
+{
+    Notification notification;
+    notification.timeoutMilliseconds = cScreenShotMessageMilliseconds;
+    const QString directory = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    QDir().mkpath(directory);
+    ScreenShotFile file(directory);
+    if (file.isDirectoryOpen() && file.write(mScene.toImage())) {
+        notification.summary = QStringLiteral("Screenshot");
+        notification.body = file.path();
+    } else {
+        notification.summary = QStringLiteral("No screenshot");
+        notification.body = file.errorText();
+    }
+    mNotificationCenter.notify(notification, 0);
 }

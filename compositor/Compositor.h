@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Options.h"
+#include "Result.h"
 #include "bus/BusService.h"
 #include "bus/CallGate.h"
 #include "bus/GlobalOverlayObject.h"
@@ -11,12 +13,16 @@
 #include "bus/TaskSwitcherObject.h"
 #include "script/ScriptPlayer.h"
 #include "shell/Background.h"
+#include "shell/DeskCommands.h"
+#include "shell/Menu.h"
 #include "shell/NotificationCards.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
+#include "shell/ScanCodeCompleter.h"
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/StatusBar.h"
+#include "shell/TouchInput.h"
 #include "shell/WindowStack.h"
 #include "state/NotificationCenter.h"
 #include "state/Output.h"
@@ -26,20 +32,14 @@
 
 #include <memory>
 
-class CommandLine;
-
-/// Puts the parts together and starts them.
+/// Owns the parts of the program, connects them and starts them.
 class Compositor
 {
 public:
-    explicit Compositor(const CommandLine& commandLine);
+    explicit Compositor(Options options);
 
-    /// False, with a reason in error(), when the compositor cannot work here; nothing is left behind then.
-    bool start();
-    QString error() const
-    {
-        return mError;
-    }
+    /// Returns why the compositor cannot work here; nothing is left behind then.
+    MaybeError start();
     QByteArray socketName() const
     {
         return mServer.socketName();
@@ -55,10 +55,11 @@ public:
     }
 
 private:
-    bool publishObjects();
+    MaybeError publishObjects();
+    /// Stores a screenshot among the person's pictures and posts a notification about it.
+    void takeScreenShot();
 
-    const CommandLine& mCommandLine;
-    QString mError;
+    const Options mOptions;
 
     Output mOutput;
     ScreenSaver mScreenSaver;
@@ -70,11 +71,15 @@ private:
     WindowStack mWindowStack;
     StatusBar mStatusBar;
     NotificationCards mNotificationCards;
+    DeskCommands mCommands;
+    Menu mMenu;
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 
     WaylandServer mServer;
     std::unique_ptr<SeatInput> mSeatInput;
+    std::unique_ptr<TouchInput> mTouchInput;
+    std::unique_ptr<ScanCodeCompleter> mScanCodeCompleter;
 
     CallGate mCallGate;
     TaskSwitcherObject mTaskSwitcherObject;

@@ -14,13 +14,14 @@
 #include <mutex>
 
 namespace {
-/// A client that is wrong can be wrong a hundred thousand times a second.
+
+/// A faulty client can cause a hundred thousand messages a second.
 constexpr int cMostLinesPerSecond = 50;
 
 bool isKnownNoise(const QString& message)
 {
-    // Qt Wayland Compositor announces by a warning, for every menu of every client, that it leaves the grab of popups
-    // to its user. That is taken care of here.
+    // For every menu of every client Qt Wayland Compositor warns that it does not implement the grab of popups.
+    // WindowStack does.
     return message.contains(QLatin1String("QWaylandXdgPopupPrivate::xdg_popup_"));
 }
 
@@ -66,6 +67,7 @@ void handleWaylandMessage(const char* format, va_list arguments)
     std::vsnprintf(text, sizeof(text), format, arguments);
     writeBounded(text);
 }
+
 } // namespace
 
 void Log::install()

@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Compositor.h"
 #include "Log.h"
+#include "Options.h"
 #include "UnixSignals.h"
 
 #include <QGuiApplication>
@@ -13,21 +14,27 @@
 #include <cstdio>
 
 namespace {
-constexpr int cExitFailed = 1;
-constexpr int cExitWrongUsage = 2;
 
-/// How Qt has to behave; all of it must be settled before there is an application object.
+CommandLine::Text text()
+{
+    return {QStringLiteral("telvaro-compositor"), QStringLiteral("[options]"),
+            QStringLiteral("Shows Wayland applications, one at a time, and publishes their views, the screen's\n"
+                           "settings, the global overlay, notifications and screenshots on D-Bus."),
+            QStringLiteral("Prints one line WAYLAND_DISPLAY=NAME when everything is up.")};
+}
+
+/// Settings of Qt that must be made before the application object.
 void prepareQt()
 {
-    // The output's pixels are the device's, whatever the desktop scales its windows by.
+    // A pixel of the output is a pixel of the window, whatever scale factor the desktop has.
     QCoreApplication::setAttribute(Qt::AA_DisableHighDpiScaling);
-    // Input methods belong to the clients: the compositor passes keys on as they are.
+    // The compositor forwards keys; an input method of its own would swallow them.
     qputenv("QT_IM_MODULE", "none");
     QCoreApplication::setApplicationName(QStringLiteral("telvaro-compositor"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TELVARO_VERSION));
 }
 
-/// Qt looks for icons where the desktop keeps them; without a desktop it has to be told.
+/// Without a desktop Qt knows neither where icons are nor which theme to use.
 void prepareIcons()
 {
     const QStringList directories = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation,
@@ -39,7 +46,7 @@ void prepareIcons()
     QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
 }
 
-int run(int argc, char* argv[], const CommandLine& commandLine)
+int run(int argc, char* argv[], const Options& options)
 {
     Log::install();
     std::signal(SIGPIPE, SIG_IGN);
@@ -49,24 +56,25 @@ int run(int argc, char* argv[], const CommandLine& commandLine)
     const UnixSignals unixSignals;
     prepareIcons();
 
-    Compositor compositor(commandLine);
+    Compositor compositor(options);
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &application, &QCoreApplication::quit);
     QObject::connect(&compositor.busService(), &BusService::disconnected, &application, [] {
         qCritical("the connection to the bus is lost");
-        QCoreApplication::exit(cExitFailed);
+        QCoreApplication::exit(Failed);
     });
-    QObject::connect(&compositor.scriptPlayer(), &ScriptPlayer::failed, &application, [&compositor] {
-        qCritical("%s", qUtf8Printable(compositor.scriptPlayer().error()));
-        QCoreApplication::exit(cExitFailed);
+    QObject::connect(&compositor.scriptPlayer(), &ScriptPlayer::failed, &application, [](const Error& error) {
+        qCritical("%s", qUtf8Printable(error.text));
+        QCoreApplication::exit(Failed);
     });
-    if (!compositor.start()) {
-        qCritical("%s", qUtf8Printable(compositor.error()));
-        return cExitFailed;
+    if (const MaybeError error = compositor.start()) {
+        qCritical("%s", qUtf8Printable(error->text));
+        return Failed;
     }
     std::printf("WAYLAND_DISPLAY=%s\n", compositor.socketName().constData());
     std::fflush(stdout);
     return QGuiApplication::exec();
 }
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -75,20 +83,17 @@ int main(int argc, char* argv[])
     for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
-    const CommandLine commandLine(arguments);
-    switch (commandLine.task()) {
-    case CommandLine::Task::ShowHelp:
-        std::fputs(qPrintable(CommandLine::helpText()), stdout);
-        return 0;
-    case CommandLine::Task::ShowVersion:
-        std::puts("telvaro-compositor " TELVARO_VERSION);
-        return 0;
-    case CommandLine::Task::Refuse:
-        std::fprintf(stderr, "telvaro-compositor: %s\nTry \"telvaro-compositor --help\".\n",
-                     qPrintable(commandLine.error()));
-        return cExitWrongUsage;
-    case CommandLine::Task::Run:
-        break;
+    CommandLine commandLine(CommandLine::Kind::Program, text(), Options::declarations());
+    if (const std::optional<ExitStatus> status = commandLine.parse(arguments)) {
+        return *status;
     }
-    return run(argc, argv, commandLine);
+    const QStringList words = commandLine.parser().positionalArguments();
+    if (!words.isEmpty()) {
+        return CommandLine::refuse(text().command, QStringLiteral("unexpected argument '%1'").arg(words.constFirst()));
+    }
+    const Result<Options> options = Options::read(commandLine.parser());
+    if (const auto* const error = std::get_if<Error>(&options)) {
+        return CommandLine::refuse(text().command, error->text);
+    }
+    return run(argc, argv, std::get<Options>(options));
 }

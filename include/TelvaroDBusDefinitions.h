@@ -6,15 +6,15 @@
 
 #include <QString>
 
-/// The names under which the compositor service is reached on D-Bus.
+/// D-Bus names of the compositor service: bus name, object paths, interfaces and members.
 ///
-/// Every getter returns a reference to a constant string that is made on the first call and lives until the process
-/// ends; it may be kept. All getters may be called from any thread, cost no bus traffic and no allocation, and log
-/// nothing.
+/// Every getter returns a reference to a constant string that is created on the first call and lives until the process
+/// ends, so the reference may be kept. All getters are thread-safe, send nothing, log nothing and, after the first
+/// call, allocate nothing.
 class TELVARO_EXPORT TelvaroDBusDefinitions
 {
 public:
-    /// The service's well-known bus name; fixed when the library is built (TELVARO_SERVICE_NAME).
+    /// Well-known bus name of the service, set when the library is built (TELVARO_SERVICE_NAME).
     static const QString& getServiceName();
 
     /// "/taskswitcher"
@@ -24,6 +24,8 @@ public:
 
     /// "org.freedesktop.DBus.Properties"
     static const QString& getPropertyInterface();
+    // The misspelled names of the next two are exported symbols: correcting them breaks every application.
+
     /// "Get"
     static const QString& getPropertyMehodGet();
     /// "Set"
@@ -45,7 +47,7 @@ public:
 
     /// "/org/freedesktop/Notifications"
     static const QString& getNotificationsPath();
-    /// "org.freedesktop.Notifications"; an interface name only: notifications are sent to getServiceName().
+    /// "org.freedesktop.Notifications". An interface name only: notifications are sent to getServiceName().
     static const QString& getNotificationsInterface();
     /// "Notify"
     static const QString& getNotificationsMethodNotify();

@@ -4,17 +4,19 @@
 
 #include "TelvaroExport.h"
 
-/// Tells on which kind of device the process runs.
+/// The kind of device that the process runs on.
 class TELVARO_EXPORT TelvaroDeviceDistinction
 {
 public:
-    /// Whether this is the device with the compositor service: whether the product code in the device's manifest is
-    /// exactly "481936".
+    /// Returns whether this is a compositor device: whether the product code in the device's manifest is exactly
+    /// "481936". Returns false if the code is unknown.
     ///
-    /// The manifest (TELVARO_MANIFEST_PATH) is read on the first call in the process only; a later change of it is not
-    /// seen. An unknown code is false. Sends nothing on the bus and logs nothing. May be called from any thread;
-    /// concurrent first callers wait for the one that reads. A connector's isInterfaceValid() asks this first, so that
-    /// on any other device it is false without a word and nothing is written; getViews(), which does not ask it, and
-    /// what builds on that still read, and an operation still logs what it logs of a failure itself.
+    /// Reads the manifest (TELVARO_MANIFEST_PATH) on the first call in the process only; a later change of the file has
+    /// no effect. Sends nothing on the bus and logs nothing. Thread-safe: concurrent first callers block until the file
+    /// has been read.
+    ///
+    /// isInterfaceValid() of every connector checks this first, so on any other device it returns false silently and
+    /// nothing is written. getViews() and the operations built only on it skip that check and still read, and every
+    /// operation still logs its own warnings.
     static bool isCompositorDevice();
 };

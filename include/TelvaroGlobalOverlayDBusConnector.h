@@ -10,20 +10,20 @@
 
 class QVariant;
 
-/// Shows a message over everything on the screen and takes it away again.
+/// Shows and hides a message on top of everything else on the screen.
 ///
 /// D-Bus: object "/globaloverlay", interface "de.Telvaro.globaloverlay".
 ///
-/// Both operations first ask isInterfaceValid() and do nothing if it is false; it has logged why, except on another
-/// device. They block until the service has answered, up to 25 seconds with a service that hangs. The answer is not
-/// looked at: an error is neither logged nor reported. Whether a message is shown now is the service's business;
-/// nothing is remembered here.
+/// Both operations first call isInterfaceValid() and do nothing if it returns false; it has logged the reason, except
+/// on another device. They block until the service replies, for up to 25 seconds if it hangs. The reply is discarded:
+/// an error is neither logged nor reported. The connector keeps no record of the message; only the service knows
+/// whether one is shown.
 class TELVARO_EXPORT TelvaroGlobalOverlayDBusConnector : public TelvaroDBusConnectorBase
 {
     Q_OBJECT
 
 public:
-    /// Makes the proxy; calls nothing.
+    /// Creates the proxy; calls no method of the service.
     explicit TelvaroGlobalOverlayDBusConnector(QObject* parent = nullptr);
     ~TelvaroGlobalOverlayDBusConnector() override;
 
@@ -31,7 +31,7 @@ public Q_SLOTS:
     /// Shows the message. An empty message is sent as an empty string. D-Bus: method "Show", signature s.
     void showGlobalOverlay(const QString& displayMessage);
 
-    /// Takes the message away. D-Bus: method "Hide", no arguments.
+    /// Hides the message. D-Bus: method "Hide", no arguments.
     void hideGlobalOverlay();
 
 private:

@@ -11,26 +11,26 @@
 
 class QObject;
 
-/// Posts desktop notifications. The compositor service itself is the notification server of the device: notifications
-/// go to its bus name, not to "org.freedesktop.Notifications".
+/// Sends desktop notifications. The compositor service is the device's notification server: notifications are sent to
+/// its bus name, not to "org.freedesktop.Notifications".
 ///
 /// D-Bus: object "/org/freedesktop/Notifications", interface "org.freedesktop.Notifications".
 class TELVARO_EXPORT TelvaroNotificationDBusConnector : public TelvaroDBusConnectorBase
 {
 public:
-    /// Makes the proxy; calls nothing.
+    /// Creates the proxy; calls no method of the service.
     explicit TelvaroNotificationDBusConnector(QObject* parent = nullptr);
 
-    /// Posts a new notification that never expires.
+    /// Sends a new notification that never expires.
     ///
-    /// appIcon is the name or the path of an icon. actions holds pairs: the identifier of an action and its label; the
-    /// hint "action-icons" asks the server to read each identifier as the name of an icon. All of them are sent as
-    /// they are, an empty text or a list of odd length included.
+    /// `appIcon` is the name or the path of an icon. `actions` holds pairs of an action's identifier and its label; the
+    /// hint "action-icons" asks the server to use each identifier as an icon name. All arguments are sent unchecked,
+    /// including empty strings and an `actions` list of odd length.
     ///
-    /// First asks isInterfaceValid() and does nothing if it is false; it has logged why, except on another device.
-    /// Blocks until the service has answered, up to 25 seconds with a service that hangs. The answer is not looked at:
-    /// an error is neither logged nor reported, and the notification's id is not kept, so that it can be neither
-    /// replaced nor closed from here.
+    /// First calls isInterfaceValid() and does nothing if it returns false; it has logged the reason, except on another
+    /// device. Blocks until the service replies, for up to 25 seconds if it hangs. The reply is discarded: an error is
+    /// neither logged nor reported, and the notification's id is lost, so the notification can be neither replaced nor
+    /// closed through this class.
     ///
     /// D-Bus: method "Notify", signature susssasa{sv}i: "", 0, appIcon, summary, body, actions, {"action-icons": true},
     /// 0.

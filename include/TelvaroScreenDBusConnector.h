@@ -13,27 +13,27 @@
 
 class QDBusVariant;
 
-/// Reads and changes the settings of the screen and tells when they change.
+/// Screen settings: reads and writes them, and emits signals when they change.
 ///
-/// D-Bus: object "/screen", interface "de.Telvaro.screen", whose properties are read and written through Get (ss) and
-/// Set (ssv) of "org.freedesktop.DBus.Properties"; its signal PropertiesChanged (sa{sv}as) is followed.
+/// D-Bus: object "/screen", interface "de.Telvaro.screen". Its properties are read and written through Get (ss) and Set
+/// (ssv) of "org.freedesktop.DBus.Properties"; the connector subscribes to PropertiesChanged (sa{sv}as).
 ///
-/// Every read and write first asks isInterfaceValid(), then makes one call and blocks until the service has answered,
-/// up to 25 seconds with a service that hangs. Nothing that is read is cached.
+/// Every read and write first calls isInterfaceValid(), then makes one call and blocks until the service replies, for
+/// up to 25 seconds if it hangs. Read values are not cached.
 ///
-/// A write returns nothing: values are sent unchecked, and a service that refuses one cannot be told from one that
-/// accepts it but by reading the property back.
+/// A write returns nothing and sends its value unchecked. Read the property back to see whether the service accepted
+/// it.
 ///
-/// A read that fails returns false or an empty string. It logs what isInterfaceValid() logs, or, when the service does
-/// not answer with a value, `Unable to read property:  "<property>"`; and then, as for a value of another type,
+/// A read that fails returns false or an empty string. It logs the warnings of isInterfaceValid(), or, if the reply
+/// holds no value, `Unable to read property:  "<property>"`. Then, and for a value of the wrong type, it logs
 /// `Unable to convert property  "<property>" to bool!` (or `to QString!`).
 ///
-/// Signals need a running event loop in the thread that owns the connector. For each of the three properties that a
-/// notification names as changed, the new value is read from the bus (blocking, one call each), whatever the
-/// notification says of it, and the signal is emitted if it differs from the last known one. The last known values at
-/// construction are the screen saver's state as read then, no orientation, and no full screen: the first notification
-/// of an orientation is signalled whichever it is. A read that fails counts as false or empty. Properties that are only
-/// invalidated are ignored.
+/// Signals need a running event loop in the connector's thread. For each of the three followed properties among the
+/// changed properties of a PropertiesChanged signal, the connector ignores the value in the signal, reads the property
+/// from the service (one blocking call) and emits its own signal if the value differs from the last known one. A read
+/// that fails counts as false or empty. The last known values start as the screen saver's state read by the
+/// constructor, an empty orientation and false for full screen, so the first change of orientation is always signalled.
+/// Invalidated properties are ignored.
 class TELVARO_EXPORT TelvaroScreenDBusConnector : public TelvaroDBusConnectorBase
 {
     Q_OBJECT
@@ -44,17 +44,18 @@ public:
     /// "screenSaverEnabled"
     static const QString cScreenSaverEnabledProperty;
     /// "screenSaverTimeoutSeconds"
+    // The misspelled name is an exported symbol: correcting it breaks every application.
     static const QString cScreenSaverTimoutProperty;
-    /// "PropertiesChanged", the signal that is followed.
+    /// "PropertiesChanged", the D-Bus signal that the connector subscribes to.
     static const QString cPropertiesChanged;
     /// "orientation"
     static const QString cScreenOrientationProperty;
     /// "fullScreen"
     static const QString cFullScreenProperty;
 
-    /// Reads the screen saver's state once, with the warnings of isScreenSaverActive(), and subscribes to the
-    /// service's change notifications. If that fails, logs `Failed to connect to PropertiesChanged siganl`: the
-    /// connector reads and writes, but never emits a signal.
+    /// Reads the screen saver's state once, with the warnings of isScreenSaverActive(), and subscribes to
+    /// PropertiesChanged. If the subscription fails, logs `Failed to connect to PropertiesChanged siganl`: reads and
+    /// writes work, but no signal is ever emitted.
     explicit TelvaroScreenDBusConnector(QObject* parent = nullptr);
     ~TelvaroScreenDBusConnector() override;
 
@@ -65,50 +66,52 @@ public:
     /// "270", degrees.
     static QString getOrientationInversePortrait();
 
-    /// Reads any property of the screen, those without a function of their own included. Invalid on failure, with the
-    /// first of the warnings above.
+    /// Reads any property of the screen object, including those without a getter of their own. Returns an invalid
+    /// QVariant on failure, with the first of the warnings above.
     QVariant getProperty(const QString& name);
 
-    /// Writes any property of the screen. Hides QObject::setProperty(), which stays reachable by its full name. A value
-    /// that holds an invalid QVariant in a map or a list ends the process, since D-Bus has no such value.
+    /// Writes any property of the screen object. Hides QObject::setProperty(), which can still be called by its
+    /// qualified name. A map or list that holds an invalid QVariant aborts the process: D-Bus has no such value.
     void setProperty(const QString& name, const QDBusVariant& value);
 
 Q_SIGNALS:
-    /// The screen saver became active or ended. A slot that asks back through the connector gets the new state, while
-    /// a notification that is handled meanwhile is still compared with the old one.
+    /// Emitted when the screen saver starts or ends. Slots that read through the connector get the new state, but the
+    /// last known state is updated only after the slots return: a PropertiesChanged signal that a slot's own event loop
+    /// handles is still compared with the old state.
     void screenSaverActiveChanged(bool bActive);
 
-    /// The rotation of the screen's contents changed; degrees.
+    /// Emitted when the rotation of the screen's contents changes; in degrees.
     void screenOrientationChanged(QString orientation);
 
-    /// The current view got the whole screen or gave it back.
+    /// Emitted when the current view enters or leaves full screen.
     void fullScreenChanged(bool fullScreen);
 
 public Q_SLOTS:
-    /// Allows the screen saver to become active. Property "screenSaverEnabled", b.
+    /// Allows the screen saver to start. D-Bus: property "screenSaverEnabled", b.
     void enableScreenSaver();
 
-    /// Keeps the screen saver from becoming active; whether one that is active ends is the service's business. Property
+    /// Keeps the screen saver from starting. Whether an active screen saver ends is up to the service. D-Bus: property
     /// "screenSaverEnabled", b.
     void disableScreenSaver();
 
-    /// Sets the seconds without input after which the screen saver becomes active. Property
+    /// Sets the number of seconds without input after which the screen saver starts. D-Bus: property
     /// "screenSaverTimeoutSeconds", i.
     void setScreenSaverTimeout(int timeoutSeconds);
 
-    /// Whether the screen saver is active now. Property "screenSaverActive", b.
+    /// Returns whether the screen saver is active now. D-Bus: property "screenSaverActive", b.
     bool isScreenSaverActive();
 
-    /// The rotation of the screen's contents; degrees as the service writes them. Property "orientation", s.
+    /// Returns the rotation of the screen's contents in degrees, exactly as the service sends it. D-Bus: property
+    /// "orientation", s.
     QString getOrientation();
 
-    /// Turns the screen's contents; degrees as the service understands them. Property "orientation", s.
+    /// Rotates the screen's contents to an angle in degrees that the service accepts. D-Bus: property "orientation", s.
     void setOrientation(const QString& orientation);
 
-    /// Gives the current view the whole screen or takes it back. Property "fullScreen", b.
+    /// Makes the current view enter or leave full screen. D-Bus: property "fullScreen", b.
     void setFullScreen(bool fullScreen);
 
-    /// Whether the current view has the whole screen. Property "fullScreen", b.
+    /// Returns whether the current view is full screen. D-Bus: property "fullScreen", b.
     bool getFullScreen();
 
 private Q_SLOTS:

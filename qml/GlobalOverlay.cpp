@@ -2,9 +2,17 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "GlobalOverlay.h"
 
+#include "ErrorValue.h"
+
+#include <TelvaroRequests.h>
+
 GlobalOverlay::GlobalOverlay(QObject* parent)
-    : ServiceObject(parent)
+    : TelvaroLiveObject(parent)
 {
+    connect(this, &TelvaroLiveObject::statusChanged, this, &GlobalOverlay::showIfVisible);
+    connect(this, &TelvaroLiveObject::requestFailed, this, [this](const QDBusError& error) {
+        Q_EMIT requestFailed(toErrorValue(error));
+    });
 }
 
 GlobalOverlay::~GlobalOverlay()
@@ -12,6 +20,11 @@ GlobalOverlay::~GlobalOverlay()
     if (mVisible) {
         takeAway();
     }
+}
+
+bool GlobalOverlay::isAvailable() const
+{
+    return getStatus() == Ready;
 }
 
 QString GlobalOverlay::getText() const
@@ -70,16 +83,11 @@ void GlobalOverlay::componentComplete()
     showIfVisible();
 }
 
-void GlobalOverlay::onServiceChanged()
-{
-    showIfVisible();
-}
-
 // Not before all properties of a declared object are set, whatever their order.
 void GlobalOverlay::showIfVisible()
 {
     if (mVisible && mComplete && isAvailable()) {
-        mConnector.showGlobalOverlay(mText);
+        report(TelvaroRequests::showGlobalOverlay(mText));
     }
 }
 
@@ -87,6 +95,6 @@ void GlobalOverlay::showIfVisible()
 void GlobalOverlay::takeAway()
 {
     if (mComplete && isAvailable()) {
-        mConnector.hideGlobalOverlay();
+        report(TelvaroRequests::hideGlobalOverlay());
     }
 }

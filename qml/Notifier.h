@@ -2,17 +2,17 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "ServiceObject.h"
-
-#include <TelvaroNotificationDBusConnector.h>
+#include <TelvaroLiveObject.h>
 
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 
 /// A desktop notification to be sent, any number of times.
-class Notifier : public ServiceObject
+class Notifier : public TelvaroLiveObject
 {
     Q_OBJECT
+    Q_PROPERTY(bool available READ isAvailable NOTIFY statusChanged)
     /// Name or path of an icon.
     Q_PROPERTY(QString icon MEMBER mIcon NOTIFY iconChanged)
     Q_PROPERTY(QString summary MEMBER mSummary NOTIFY summaryChanged)
@@ -23,8 +23,9 @@ class Notifier : public ServiceObject
 public:
     explicit Notifier(QObject* parent = nullptr);
 
-    /// Posts a new notification that never expires; blocks until the service has answered. The service's refusal is
-    /// not told.
+    bool isAvailable() const;
+
+    /// Posts a new notification that never expires.
     Q_INVOKABLE void send();
 
 Q_SIGNALS:
@@ -32,9 +33,11 @@ Q_SIGNALS:
     void summaryChanged();
     void bodyChanged();
     void actionsChanged();
+    /// The service posted it under this id.
+    void sent(uint id);
+    void requestFailed(const QVariantMap& error);
 
 private:
-    TelvaroNotificationDBusConnector mConnector;
     QString mIcon;
     QString mSummary;
     QString mBody;

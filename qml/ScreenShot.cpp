@@ -2,23 +2,35 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ScreenShot.h"
 
+#include "ErrorValue.h"
+
+#include <TelvaroRequests.h>
+
+#include <QDBusPendingCallWatcher>
 #include <QUrl>
 
-#include <optional>
-
 ScreenShot::ScreenShot(QObject* parent)
-    : ServiceObject(parent)
+    : TelvaroLiveObject(parent)
 {
 }
 
-QString ScreenShot::capture(const QString& directory)
+bool ScreenShot::isAvailable() const
+{
+    return getStatus() == Ready;
+}
+
+void ScreenShot::capture(const QString& directory)
 {
     const QUrl url(directory);
-    const std::optional<QString> path = mConnector.captureScreenShot(url.isLocalFile() ? url.toLocalFile() : directory);
-    if (!path) {
-        Q_EMIT failed(directory);
-        return {};
-    }
-    Q_EMIT captured(*path);
-    return *path;
+    auto* const watcher = new QDBusPendingCallWatcher(
+        TelvaroRequests::captureScreenShot(url.isLocalFile() ? url.toLocalFile() : directory), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, directory] {
+        watcher->deleteLater();
+        const QDBusPendingReply<QString> reply = *watcher;
+        if (reply.isError()) {
+            Q_EMIT requestFailed(toErrorValue(reply.error()), directory);
+        } else {
+            Q_EMIT captured(reply.value());
+        }
+    });
 }

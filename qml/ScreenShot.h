@@ -2,29 +2,27 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "ServiceObject.h"
-
-#include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroLiveObject.h>
 
 #include <QString>
+#include <QVariantMap>
 
 /// Takes screenshots.
-class ScreenShot : public ServiceObject
+class ScreenShot : public TelvaroLiveObject
 {
     Q_OBJECT
+    Q_PROPERTY(bool available READ isAvailable NOTIFY statusChanged)
 
 public:
     explicit ScreenShot(QObject* parent = nullptr);
 
-    /// Has the service store a screenshot in the directory, an absolute path or a file URL. Blocks until it has
-    /// answered; returns what it answered, the path of the new file, or an empty string on failure.
-    Q_INVOKABLE QString capture(const QString& directory);
+    bool isAvailable() const;
+
+    /// Has the service store a screenshot in the directory, an absolute path or a file URL.
+    Q_INVOKABLE void capture(const QString& directory);
 
 Q_SIGNALS:
+    /// The service's answer, the path of the new file.
     void captured(const QString& path);
-    /// The reason is in the log.
-    void failed(const QString& directory);
-
-private:
-    TelvaroScreenShotDBusConnector mConnector;
+    void requestFailed(const QVariantMap& error, const QString& directory);
 };

@@ -7,7 +7,8 @@
 #include "Screen.h"
 #include "ScreenShot.h"
 #include "TaskSwitcher.h"
-#include "ViewListModel.h"
+
+#include <TelvaroViewModel.h>
 
 #include <QQmlEngine>
 
@@ -23,6 +24,6 @@ void TelvaroQmlPlugin::registerTypes(const char* uri)
     qmlRegisterType<Screen>(uri, 1, 0, "Screen");
     qmlRegisterType<ScreenShot>(uri, 1, 0, "ScreenShot");
     qmlRegisterType<TaskSwitcher>(uri, 1, 0, "TaskSwitcher");
-    qmlRegisterUncreatableType<ViewListModel>(uri, 1, 0, "ViewListModel",
-                                              QStringLiteral("ViewListModel is TaskSwitcher's property \"views\"."));
+    qmlRegisterUncreatableType<TelvaroViewModel>(uri, 1, 0, "ViewListModel",
+                                                 QStringLiteral("ViewListModel is TaskSwitcher's property \"views\"."));
 }

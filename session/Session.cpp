@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Session.h"
 
+#include "ExitStatus.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -10,7 +12,6 @@
 #include <QTextStream>
 
 #include <csignal>
-#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -19,29 +20,11 @@ const QString cRuntimeDirectory = QStringLiteral("XDG_RUNTIME_DIR");
 const QString cWaylandDisplay = QStringLiteral("WAYLAND_DISPLAY");
 const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
 
-constexpr int cFailure = 1;
-constexpr int cUsage = 2;
+// The exit statuses of shells.
 constexpr int cCannotExecute = 127;
 constexpr int cSignalBase = 128;
 
-// Anybody in the session may do anything; nothing is started on demand, since no service but the session's is meant.
-QString busConfiguration(const QString& directory)
-{
-    return QStringLiteral("<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
-                          " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-                          "<busconfig>\n"
-                          "  <type>session</type>\n"
-                          "  <listen>unix:dir=%1</listen>\n"
-                          "  <policy context=\"default\">\n"
-                          "    <allow send_destination=\"*\" eavesdrop=\"true\"/>\n"
-                          "    <allow eavesdrop=\"true\"/>\n"
-                          "    <allow own=\"*\"/>\n"
-                          "  </policy>\n"
-                          "</busconfig>\n")
-        .arg(directory);
-}
-
-// The compositor that belongs to this program, which in a build tree is the one beside it.
+/// Prefers the compositor beside this program, which in a build tree is the one of the same build.
 QString compositorProgram()
 {
     const QString name = QStringLiteral("telvaro-compositor");
@@ -70,43 +53,57 @@ Session::~Session()
     }
 }
 
-void Session::start()
+MaybeError Session::start()
 {
     if (!mDirectory.isValid()) {
-        throw std::runtime_error("cannot make a directory: " + mDirectory.errorString().toStdString());
+        return Error{QStringLiteral("cannot make a directory: %1").arg(mDirectory.errorString())};
     }
-    startBus();
-    startCompositor();
+    if (const MaybeError error = startBus()) {
+        return error;
+    }
+    if (const MaybeError error = startCompositor()) {
+        return error;
+    }
     for (SessionProcess* const program : {&mBus, &mCompositor}) {
         connect(program, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
                 &Session::onBackgroundProgramEnded);
     }
+    return {};
 }
 
-void Session::startBus()
+bool Session::areOptionsRejected() const
+{
+    return mCompositor.state() == QProcess::NotRunning && mCompositor.exitStatus() == QProcess::NormalExit
+        && mCompositor.exitCode() == Usage;
+}
+
+MaybeError Session::startBus()
 {
     const QString configurationPath = mDirectory.filePath(QStringLiteral("bus.conf"));
-    QFile configuration(configurationPath);
-    const QByteArray text = busConfiguration(mDirectory.path()).toUtf8();
-    if (!configuration.open(QIODevice::WriteOnly) || configuration.write(text) != text.size()
-        || !configuration.flush()) {
-        throw std::runtime_error("cannot write " + configurationPath.toStdString() + ": "
-                                 + configuration.errorString().toStdString());
+    QFile configuration(QStringLiteral(":/bus.conf"));
+    if (!configuration.copy(configurationPath)) {
+        return Error{QStringLiteral("cannot write %1: %2").arg(configurationPath, configuration.errorString())};
     }
-    // The daemon warns of limits that it cannot raise, which means nothing here.
+    // The daemon warns of resource limits that it may not raise, which a private bus does not need.
     mBus.setProcessChannelMode(QProcess::SeparateChannels);
     mBus.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
     mBus.start(QStringLiteral("dbus-daemon"),
-               {QStringLiteral("--config-file=%1").arg(configurationPath), QStringLiteral("--nofork"),
+               {QStringLiteral("--config-file=%1").arg(configurationPath),
+                QStringLiteral("--address=unix:dir=%1").arg(mDirectory.path()), QStringLiteral("--nofork"),
                 QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"), QStringLiteral("--print-address")});
-    mBusAddress = mBus.readFirstLine();
+    const Result<QString> line = mBus.readFirstLine();
+    if (const auto* const error = std::get_if<Error>(&line)) {
+        return *error;
+    }
+    mBusAddress = std::get<QString>(line);
+    return {};
 }
 
-void Session::startCompositor()
+MaybeError Session::startCompositor()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // The compositor may itself be a window of the desktop's compositor, whose socket it finds by a whole path once
-    // the directory is the session's own.
+    // The compositor may be a client of the desktop's compositor. It needs the absolute path of that socket, because
+    // XDG_RUNTIME_DIR becomes the session's own.
     const QString desktopDisplay = environment.value(cWaylandDisplay);
     if (!desktopDisplay.isEmpty() && QDir::isRelativePath(desktopDisplay)) {
         environment.insert(cWaylandDisplay, QDir(environment.value(cRuntimeDirectory)).filePath(desktopDisplay));
@@ -121,24 +118,17 @@ void Session::startCompositor()
     mCompositor.setProcessEnvironment(environment);
     mCompositor.start(compositorProgram(), mCompositorOptions);
 
-    const QString line = readCompositorsLine();
+    const Result<QString> line = mCompositor.readFirstLine();
+    if (const auto* const error = std::get_if<Error>(&line)) {
+        return *error;
+    }
     const QString expected = cWaylandDisplay + QLatin1Char('=');
-    if (!line.startsWith(expected)) {
-        throw std::runtime_error("the compositor said \"" + line.toStdString() + "\" instead of its socket's name");
+    if (!std::get<QString>(line).startsWith(expected)) {
+        return Error{QStringLiteral("the compositor printed \"%1\" instead of the name of its socket")
+                         .arg(std::get<QString>(line))};
     }
-    mWaylandDisplay = line.mid(expected.size());
-}
-
-QString Session::readCompositorsLine()
-{
-    try {
-        return mCompositor.readFirstLine();
-    } catch (const std::runtime_error& error) {
-        if (mCompositor.state() == QProcess::NotRunning && mCompositor.exitCode() == cUsage) {
-            throw WrongUsage(error.what());
-        }
-        throw;
-    }
+    mWaylandDisplay = std::get<QString>(line).mid(expected.size());
+    return {};
 }
 
 QStringList Session::environment() const
@@ -157,7 +147,7 @@ QStringList Session::environment() const
 QProcessEnvironment Session::commandEnvironment() const
 {
     QProcessEnvironment result = QProcessEnvironment::systemEnvironment();
-    // A program must not end up on the desktop instead of in the session.
+    // Keeps toolkits from choosing the desktop's X server.
     result.remove(QStringLiteral("DISPLAY"));
     const QStringList variables = environment();
     for (const QString& variable : variables) {
@@ -196,9 +186,9 @@ void Session::end(int signal)
 void Session::onBackgroundProgramEnded()
 {
     const auto* const program = qobject_cast<const SessionProcess*>(sender());
-    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended\n";
-    // Whatever the command makes of it, the session has failed.
+    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
+    // The session has failed, whatever the command's own status will be.
     mCommand.disconnect(this);
     mCommand.terminate();
-    Q_EMIT ended(cFailure);
+    Q_EMIT ended(Failed);
 }

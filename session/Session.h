@@ -9,50 +9,41 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <stdexcept>
-
-/// A desk without the device: a bus and a compositor of its own, and what runs in it, all of which begin and end
-/// together.
+/// A private bus, a compositor and a command, which start and end together.
 class Session : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The compositor has refused its options, and has said why.
-    class WrongUsage : public std::runtime_error
-    {
-    public:
-        using std::runtime_error::runtime_error;
-    };
-
-    /// The options are the compositor's.
+    /// `compositorOptions` are passed on to the compositor.
     Session(QStringList compositorOptions, bool isHeadless, QObject* parent = nullptr);
-    /// Ends what is still running, the bus last.
+    /// Stops the programs that still run, the bus last.
     ~Session() override;
 
-    /// Starts the bus and then the compositor, and blocks until both are up. Throws std::runtime_error if one is not,
-    /// and WrongUsage if that is because of the options.
-    void start();
+    /// Starts the bus and then the compositor, and blocks until both are up. Returns why one is not.
+    MaybeError start();
 
-    /// Runs the command in the session, with this process's input and output; ended() follows.
+    /// Returns whether start() has failed because the compositor rejects its options. It has printed why.
+    bool areOptionsRejected() const;
+
+    /// Starts the command with this process's input and output; emits ended() when it has ended.
     void run(const QStringList& command);
 
-    /// What a program needs in its environment to be part of the session, as NAME=VALUE.
+    /// Returns the environment variables of a program in the session, as NAME=VALUE.
     QStringList environment() const;
 
 public Q_SLOTS:
-    /// Asks the command to end, or the session where it has none. An interrupt from the terminal has reached the
-    /// command already, which may have its own idea of it.
+    /// Terminates the command, or ends the session where it has none. Ignores SIGINT while a command runs: the terminal
+    /// has sent it to the command, too, which may handle it.
     void end(int signal);
 
 Q_SIGNALS:
-    /// Everything is over. The status is the command's, as a shell tells it.
+    /// The status is the command's, as a shell reports it.
     void ended(int status);
 
 private:
-    void startBus();
-    void startCompositor();
-    QString readCompositorsLine();
+    MaybeError startBus();
+    MaybeError startCompositor();
     QProcessEnvironment commandEnvironment() const;
     void onBackgroundProgramEnded();
 

@@ -2,9 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "SessionProcess.h"
 
-#include <stdexcept>
-
 #include <csignal>
+#include <cstring>
 
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -34,14 +33,14 @@ SessionProcess::~SessionProcess()
     stop();
 }
 
-QString SessionProcess::readFirstLine()
+Result<QString> SessionProcess::readFirstLine()
 {
     while (!canReadLine()) {
         if (!waitForReadyRead(cStartDeadline)) {
-            const std::string reason = state() == QProcess::NotRunning && error() != QProcess::FailedToStart
-                ? "it ended"
-                : errorString().toStdString();
-            throw std::runtime_error(program().toStdString() + " did not start: " + reason);
+            const QString reason = state() == QProcess::NotRunning && error() != QProcess::FailedToStart
+                ? QStringLiteral("it ended with %1").arg(ending())
+                : errorString();
+            return Error{QStringLiteral("%1 did not start: %2").arg(program(), reason)};
         }
     }
     return QString::fromLocal8Bit(readLine()).trimmed();
@@ -59,13 +58,20 @@ void SessionProcess::stop()
     }
 }
 
+QString SessionProcess::ending() const
+{
+    return exitStatus() == QProcess::NormalExit
+        ? QStringLiteral("exit status %1").arg(exitCode())
+        : QStringLiteral("signal %1 (%2)").arg(exitCode()).arg(QString::fromLocal8Bit(::strsignal(exitCode())));
+}
+
 void SessionProcess::setupChildProcess()
 {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (mRole == Role::Background) {
         ::setpgid(0, 0);
     }
-    // The session blocks what it handles itself, and a program inherits that.
+    // The child inherits the signal mask, and the session blocks the signals that it reads from a descriptor.
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);

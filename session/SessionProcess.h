@@ -2,9 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
+
 #include <QProcess>
 
-/// A program of the session, which never outlives it, however it ends.
+/// A child process that the kernel terminates when the session dies, however the session dies.
 class SessionProcess : public QProcess
 {
     Q_OBJECT
@@ -12,7 +14,7 @@ class SessionProcess : public QProcess
 public:
     enum class Role
     {
-        /// Works behind the command and does not see the terminal's interrupts, which are the command's.
+        /// Has a process group of its own: interrupts from the terminal reach only the command.
         Background,
         /// Has the session's own input, output and terminal.
         Command
@@ -21,11 +23,14 @@ public:
     explicit SessionProcess(Role role, QObject* parent = nullptr);
     ~SessionProcess() override;
 
-    /// The first line that the program prints. Throws std::runtime_error where it prints none.
-    QString readFirstLine();
+    /// Blocks until the program has printed a line. Returns it, or why the program did not print one.
+    Result<QString> readFirstLine();
 
-    /// Asks the program to end and waits; ends it where it does not.
+    /// Sends SIGTERM and waits; sends SIGKILL to a program that does not end.
     void stop();
+
+    /// Returns how the program ended: "exit status 1", "signal 9 (Killed)".
+    QString ending() const;
 
 protected:
     void setupChildProcess() override;

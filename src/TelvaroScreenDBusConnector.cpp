@@ -33,6 +33,7 @@ TelvaroScreenDBusConnector::TelvaroScreenDBusConnector(QObject* parent)
                                    TelvaroDBusDefinitions::getPropertyInterface(), cPropertiesChanged,
                                    QStringLiteral("sa{sv}as"), this,
                                    SLOT(onScreenPropertiesChanged(QString, QVariantMap, QStringList)))) {
+        // "siganl" stays: applications may rely on the text of the log.
         qWarning() << "Failed to connect to PropertiesChanged siganl";
     }
 }
@@ -146,7 +147,7 @@ void TelvaroScreenDBusConnector::onScreenPropertiesChanged(const QString& /*name
             if (!self) {
                 return;
             }
-            // Stored after the signal, unlike the others: listeners rely on it.
+            // Stored after the emission, unlike the other two: listeners rely on it.
             mScreenSaverActive = active;
         }
     }

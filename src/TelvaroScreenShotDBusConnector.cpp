@@ -23,6 +23,7 @@ std::optional<QString> TelvaroScreenShotDBusConnector::captureScreenShot(const Q
         return std::nullopt;
     }
     if (!QDir(directory).exists()) {
+        // "does not exists" stays: applications may rely on the text of the log.
         qWarning() << "Unable to capture screenshot, store directory does not exists" << directory;
         return std::nullopt;
     }

@@ -24,7 +24,7 @@ const QString TelvaroTaskSwitcherDBusConnector::cPropertiesChanged = QStringLite
 
 namespace {
 
-// What Qt's operator for maps does, which reads every value by way of a QVariant around the QDBusVariant.
+// Like Qt's operator>> for QVariantMap, without its extra QVariant per value.
 void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
 {
     QString key;
@@ -35,7 +35,7 @@ void readAttributes(const QDBusArgument& argument, QVariantMap& attributes)
         argument.beginMapEntry();
         argument >> key >> value;
         argument.endMapEntry();
-        // Every value of a key that comes twice is kept.
+        // Keeps both values of a repeated key.
         static_cast<QMultiMap<QString, QVariant>&>(attributes).insert(key, value.variant());
     }
     argument.endMap();
@@ -62,7 +62,7 @@ TelvaroTaskSwitcherDBusConnector::TelvaroTaskSwitcherDBusConnector(QObject* pare
 
 TelvaroTaskSwitcherDBusConnector::~TelvaroTaskSwitcherDBusConnector() = default;
 
-// A warning carries the whole signature of its operation, in which compilers would leave an alias as it is.
+// The return type is spelled out, because it is part of the function name in the warnings.
 QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry> TelvaroTaskSwitcherDBusConnector::getViews()
 {
     QList<TaskSwitcherEntry> views;
@@ -157,7 +157,7 @@ TelvaroTaskSwitcherDBusConnector::idsToTaskSwitcherEntry(const QString& appId, u
 
 bool TelvaroTaskSwitcherDBusConnector::switchToView(const QString& appId, uint32_t sortIndex)
 {
-    // No check: setCurrentView() refuses the empty entry.
+    // The empty entry needs no check here: setCurrentView() rejects it.
     const QDBusError error = setCurrentView(idsToTaskSwitcherEntry(appId, sortIndex));
     if (error.isValid()) {
         qWarning() << "switch view failed" << error;
@@ -214,6 +214,7 @@ uint32_t TelvaroTaskSwitcherDBusConnector::processNameToPid(const QString& proce
     bool isNumber = false;
     const int pid = output.toInt(&isNumber);
     if (!isNumber) {
+        // "covert" stays: applications may rely on the text of the log.
         qWarning() << "Unable to covert string (" << output << ") to integer";
     }
     return static_cast<uint32_t>(pid);
@@ -236,7 +237,7 @@ void TelvaroTaskSwitcherDBusConnector::onPropertiesChanged(const QString& /*name
     const auto currentView = map.constFind(cCurrentViewProperty);
     if (currentView != map.constEnd()) {
         if (currentView->canConvert<QString>()) {
-            // The notified value may be outdated by now, so the bus is asked.
+            // The notified value may be outdated, so read the current one.
             Q_EMIT currentViewChanged(getCurrentView().uuid);
         } else {
             qWarning() << "Unable to convert current view to string!";
@@ -270,7 +271,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, QList<TaskSwitche
     argument.beginArray();
     entries.clear();
     while (!argument.atEnd()) {
-        // Read in place, since a copy of all its strings costs more than the list's node.
+        // Demarshal in place: copying all the strings of an entry costs more than the list's node.
         entries.append(TaskSwitcherEntry());
         argument >> entries.last();
     }

@@ -18,7 +18,7 @@ bool DBusConnection::isServiceRegistered(const QString& serviceName)
     if (busDaemon == nullptr) {
         return false;
     }
-    // As isServiceRegistered() of the bus daemon's proxy, which first compares the name of every method that it knows.
+    // Like QDBusConnectionInterface::isServiceRegistered(), without its lookup among all methods of the proxy.
     const QDBusReply<bool> reply =
         busDaemon->callWithArgumentList(QDBus::Block, QStringLiteral("NameHasOwner"), {serviceName});
     return reply.value();

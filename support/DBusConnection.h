@@ -8,23 +8,24 @@
 class QObject;
 class QString;
 
-/// The one bus connection on which the compositor service is reached.
+/// Bus connection to the compositor service, shared by all connectors.
 class DBusConnection
 {
 public:
-    /// The process's shared connection to the bus that the build names (TELVARO_BUS), so that an application's own
-    /// D-Bus code and every connector use the same one.
+    /// Returns the process's shared connection to the bus chosen at build time (TELVARO_BUS), so that every connector
+    /// and the application's own D-Bus code use the same connection.
     static QDBusConnection getQDBusConnection();
 
-    /// Asks the bus daemon, blocking, whether the name has an owner now. False without a connection to a bus.
+    /// Returns whether the name has an owner now. Sends NameHasOwner to the bus daemon and blocks until the reply.
+    /// Returns false without a connection to a bus.
     static bool isServiceRegistered(const QString& serviceName);
 
-    /// Subscribes the slot to a signal on that connection, as QDBusConnection::connect() does; returns whether that
-    /// succeeded. Signals of another signature than the given one are dropped: Qt's demarshaller does not survive those
-    /// that do not fit the slot. On a connection that is gone the subscription fails; Qt's own ends the process.
+    /// Connects the slot to a D-Bus signal on that connection, like QDBusConnection::connect(), and returns whether
+    /// that succeeded. The signature is part of the match: Qt D-Bus aborts when it demarshals a signal that does not
+    /// fit the slot. Returns false on a closed connection, on which QDBusConnection::connect() aborts.
     ///
-    /// With the name of a service, Qt blocks until the bus daemon has named its owner; with an empty one it does not,
-    /// and the slot hears everybody.
+    /// With a service name Qt blocks until the bus daemon has named its owner; with an empty one it does not, and the
+    /// slot receives the signal from every sender.
     static bool subscribe(const QString& serviceName, const QString& path, const QString& interfaceName,
                           const QString& signalName, const QString& signature, QObject* receiver, const char* slot,
                           const QStringList& argumentMatch = {});

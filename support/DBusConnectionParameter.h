@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-/// The three names from which a connector's proxy is made.
+/// Bus name, object path and interface of a connector's proxy.
 class DBusConnectionParameter
 {
 public:
@@ -19,7 +19,7 @@ public:
     DBusConnectionParameter& operator=(DBusConnectionParameter&&) = default;
     virtual ~DBusConnectionParameter() = default;
 
-    /// The references hold for as long as this object lives.
+    /// The references are valid for the lifetime of this object.
     const QString& getServiceName() const;
     const QString& getPath() const;
     const QString& getInterfaceName() const;
@@ -30,6 +30,6 @@ private:
     QString mServiceName;
     QString mPath;
     QString mInterfaceName;
-    // The type has this size wherever the device's support layer passes it around; nothing here uses the place.
+    // Unused. Keeps the size equal to that of the class in the device's own support layer.
     [[maybe_unused]] std::int32_t mReserved = 0;
 };

@@ -14,6 +14,6 @@ QString DeviceManifestManager::getProductCode()
     if (!manifest.open(QIODevice::ReadOnly)) {
         return {};
     }
-    // A document that is no object, a missing member and a member of another type all read as the empty string.
+    // Qt returns an empty string for invalid JSON, a missing member and a member of another type.
     return QJsonDocument::fromJson(manifest.readAll()).object().value(QLatin1String("productCode")).toString();
 }

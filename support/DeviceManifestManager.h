@@ -4,12 +4,12 @@
 
 class QString;
 
-/// What the device's manifest tells about the device.
+/// The device's manifest, a JSON file (TELVARO_MANIFEST_PATH).
 class DeviceManifestManager
 {
 public:
-    /// The string member "productCode" of the JSON object that the manifest (TELVARO_MANIFEST_PATH) holds. Empty where
-    /// the code is unknown: no file, no JSON object, no such member, or one that is not a string. Reads the file anew
-    /// on every call and logs nothing.
+    /// Returns the string member "productCode" of the manifest's JSON object. Returns an empty string if the code is
+    /// unknown: the file is missing or not a JSON object, or the member is missing or not a string. Reads the file on
+    /// every call and logs nothing.
     static QString getProductCode();
 };

@@ -8,11 +8,12 @@
 
 class QDBusMessage;
 
-/// The answer to a Get of "org.freedesktop.DBus.Properties".
+/// Reply to a Get of "org.freedesktop.DBus.Properties".
 class PropertyReply
 {
 public:
-    /// The property's value, without the D-Bus variant around it; or nothing, for an error and for an answer whose
-    /// first argument is not there or is not a variant. As a QDBusReply<QDBusVariant> has it, without its copies.
+    /// Returns the property's value, taken out of the D-Bus variant. Returns an empty optional for an error reply and
+    /// for a reply whose first argument is missing or not a variant. Accepts and rejects the same replies as
+    /// QDBusReply<QDBusVariant>, without its copies.
     static std::optional<QVariant> getValue(const QDBusMessage& reply);
 };

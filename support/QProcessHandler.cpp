@@ -8,7 +8,7 @@
 
 namespace {
 
-// With the size, since without it the conversion ends at the first NUL.
+// Passes the size, because fromLocal8Bit() without it stops at the first NUL.
 QString decode(const QByteArray& output)
 {
     return QString::fromLocal8Bit(output.constData(), output.size());
@@ -25,7 +25,7 @@ int QProcessHandler::startProcess(const QString& program, const QStringList& arg
     process.setStandardInputFile(QProcess::nullDevice());
     process.start(program, arguments, QIODevice::ReadOnly);
     process.waitForFinished(-1);
-    // Qt warns of reading channels that were never opened.
+    // Qt warns when a channel is read that was never opened.
     if (process.error() == QProcess::FailedToStart) {
         return -1;
     }

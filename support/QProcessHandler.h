@@ -6,17 +6,16 @@
 
 class QStringList;
 
-/// Runs one program at a time to its end and keeps what it printed.
+/// Runs a program to its end and keeps its output.
 class QProcessHandler
 {
 public:
-    /// Starts the program, looked up on the search path where it holds no directory, with an empty standard input, and
-    /// blocks until it has ended, however long that takes; a grandchild that keeps the output open is not waited for.
-    /// Returns 0 when it ended with exit status 0, its exit status when it ended with another, and -1 when it could not
-    /// be started or was ended by a signal. Logs nothing.
+    /// Starts the program with an empty standard input and blocks, without a time limit, until it has exited; a
+    /// grandchild that keeps the output open is not waited for. The program is looked up in PATH if its name holds no
+    /// directory. Returns its exit status, or -1 if it could not be started or was killed by a signal. Logs nothing.
     int startProcess(const QString& program, const QStringList& arguments);
 
-    /// All that the last run wrote to the channel, untrimmed.
+    /// Return all output of the last run on that channel, untrimmed.
     QString getStandardOutput() const;
     QString getStandardError() const;
 

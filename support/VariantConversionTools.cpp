@@ -73,7 +73,7 @@ bool VariantConversionTools::toString(const QVariant& value, QString& result)
     case QMetaType::Char:
     case QMetaType::SChar:
     case QMetaType::UChar:
-        // QVariant would make a character of the byte.
+        // QVariant would convert the byte to a character.
         result = QString::number(value.toInt());
         return true;
     case QMetaType::QString:

@@ -38,9 +38,9 @@ bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
     if (!signature.startsWith(QLatin1Char('a'))) {
         return false;
     }
-    // A const copy, so that the argument itself stays at its beginning; and ended, since what is begun and not ended
-    // keeps the whole message.
-    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): reading moves its place
+    // A const copy, because reading advances the argument. endArray() must follow beginArray(), or Qt leaks the
+    // message.
+    const QDBusArgument copy(argument); // NOLINT(performance-unnecessary-copy-initialization): it is advanced
     copy.beginArray();
     const bool isEmpty = copy.atEnd();
     copy.endArray();
@@ -52,7 +52,7 @@ bool isEmptyArray(const QDBusArgument& argument, const QString& signature)
 bool ViewsArgument::isReadable(const QDBusArgument& argument)
 {
     const QString signature = argument.currentSignature();
-    // The signature that the service sends is compared at once, so that the other cases cost it nothing.
+    // Fast path: the regular signature is accepted by one comparison.
     return signature == QLatin1String("a(ssssssuua{sv})") || isSignatureOfEntries(signature)
         || isEmptyArray(argument, signature);
 }

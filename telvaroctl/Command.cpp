@@ -2,63 +2,50 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 
+#include "CommandLine.h"
 #include "Console.h"
 
 #include <TelvaroDeviceDistinction.h>
 
-#include <QCommandLineOption>
-#include <QCommandLineParser>
 #include <QString>
-
-#include <cstring>
 
 namespace {
 
 const QString cJson = QStringLiteral("json");
 
-QString help(const Command& command, const QCommandLineParser& parser)
+CommandLine::Text textOf(const Command& command)
 {
-    QString text = QStringLiteral("Usage: telvaroctl %1 [options]").arg(QLatin1String(command.name));
-    if (std::strlen(command.synopsis) > 0) {
-        text += QLatin1Char(' ') + QLatin1String(command.synopsis);
+    const QLatin1String synopsis(command.synopsis);
+    const QLatin1String details(command.details);
+    CommandLine::Text text;
+    text.command = QStringLiteral("telvaroctl %1").arg(QLatin1String(command.name));
+    text.synopsis = QStringLiteral("[options]") + (synopsis.isEmpty() ? QString() : QLatin1Char(' ') + synopsis);
+    text.description = QLatin1String(command.summary);
+    if (!details.isEmpty()) {
+        text.description += QLatin1String("\n\n") + details;
     }
-    text += QLatin1String("\n\n") + QLatin1String(command.summary) + QLatin1Char('\n');
-    if (std::strlen(command.details) > 0) {
-        text += QLatin1Char('\n') + QLatin1String(command.details) + QLatin1Char('\n');
-    }
-    // The parser's own text begins with a usage line that knows no subcommands.
-    const QString parserText = parser.helpText();
-    return text + QLatin1Char('\n') + parserText.mid(parserText.indexOf(QLatin1String("Options:"))).trimmed()
-        + QLatin1Char('\n');
+    return text;
 }
 
 } // namespace
 
 ExitStatus execute(const Command& command, const QStringList& arguments)
 {
-    QCommandLineParser parser;
-    const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
-                                        QStringLiteral("Shows this help."));
-    parser.addOption(helpOption);
-    command.declare(parser);
-
-    if (!parser.parse(QStringList(QLatin1String(command.name)) + arguments)) {
-        return usageError(command.name, parser.errorText());
+    CommandLine commandLine(CommandLine::Kind::Subcommand, textOf(command), command.options());
+    if (const std::optional<ExitStatus> status = commandLine.parse(arguments)) {
+        return *status;
     }
-    if (parser.isSet(helpOption)) {
-        printText(help(command, parser));
-        return Done;
-    }
-    return command.run(parser, parser.positionalArguments());
+    return command.run(commandLine.parser(), commandLine.parser().positionalArguments());
 }
 
-void noOptions(QCommandLineParser& /*parser*/)
+QList<QCommandLineOption> noOptions()
 {
+    return {};
 }
 
-void jsonOption(QCommandLineParser& parser)
+QList<QCommandLineOption> jsonOption()
 {
-    parser.addOption(QCommandLineOption(cJson, QStringLiteral("Prints JSON.")));
+    return {{cJson, QStringLiteral("Prints JSON.")}};
 }
 
 bool isJsonWanted(const QCommandLineParser& parser)
@@ -68,9 +55,7 @@ bool isJsonWanted(const QCommandLineParser& parser)
 
 ExitStatus usageError(const char* command, const QString& message)
 {
-    printError(message);
-    printError(QStringLiteral("see 'telvaroctl %1 --help'").arg(QLatin1String(command)));
-    return Usage;
+    return CommandLine::refuse(QStringLiteral("telvaroctl %1").arg(QLatin1String(command)), message);
 }
 
 ExitStatus wrongArgumentCount(const char* command)

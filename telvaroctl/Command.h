@@ -2,6 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "ExitStatus.h"
+
+#include <QCommandLineOption>
 #include <QList>
 #include <QStringList>
 
@@ -9,13 +12,6 @@
 
 class QCommandLineParser;
 class QString;
-
-enum ExitStatus
-{
-    Done = 0,
-    Failed = 1,
-    Usage = 2
-};
 
 /// One subcommand of the tool.
 struct Command
@@ -25,11 +21,11 @@ struct Command
     const char* summary;
     /// Positional arguments as the usage line shows them.
     const char* synopsis;
-    /// What the help of the command says beyond the summary; may be empty.
+    /// Printed below the summary in the help of the command; may be empty.
     const char* details;
-    /// Declares the options.
-    std::function<void(QCommandLineParser&)> declare;
-    /// Gets the parsed options and the positional arguments that follow the command's name.
+    /// Returns the options beside `--help`.
+    std::function<QList<QCommandLineOption>()> options;
+    /// Receives the parsed options and the positional arguments that follow the command's name.
     std::function<ExitStatus(const QCommandLineParser&, const QStringList&)> run;
 };
 
@@ -37,21 +33,22 @@ struct Command
 ExitStatus execute(const Command& command, const QStringList& arguments);
 
 /// For commands without options of their own.
-void noOptions(QCommandLineParser& parser);
+QList<QCommandLineOption> noOptions();
 
-/// "--json", for commands that print data.
-void jsonOption(QCommandLineParser& parser);
+/// `--json`, for commands that print data.
+QList<QCommandLineOption> jsonOption();
 bool isJsonWanted(const QCommandLineParser& parser);
 
-/// Says on standard error what is wrong with the arguments and where help is.
+/// Prints to standard error what is wrong with the arguments and where the help is.
 ExitStatus usageError(const char* command, const QString& message);
 ExitStatus wrongArgumentCount(const char* command);
 
-/// On a device without the compositor the library is silent and does nothing, so a command asks first. Says so on
-/// standard error where it is not a compositor device.
+/// On a device without the compositor the library is silent and does nothing, so a command asks first. Where this is
+/// not a compositor device, prints so to standard error.
 bool isOnCompositorDevice();
 
-/// Done, unless the library has warned: operations that report failure by an empty result, or not at all, do.
+/// Returns Done, or Failed if the library has warned: it does so in operations that report failure by an empty result,
+/// or not at all.
 ExitStatus doneUnlessWarned();
 
 QList<Command> statusCommands();

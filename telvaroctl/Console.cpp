@@ -3,11 +3,11 @@
 #include "Console.h"
 
 #include <QByteArray>
-#include <QChar>
 #include <QMessageLogContext>
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -16,9 +16,16 @@ namespace {
 
 std::atomic<int> warnings{0};
 
-void handleMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
+/// The sources of libTelvaro bear its name, and its messages carry their file in every build; those of Qt and its
+/// plugins do not.
+bool isLibrarys(const QMessageLogContext& context)
 {
-    if (type != QtDebugMsg && type != QtInfoMsg) {
+    return context.file != nullptr && std::strncmp(context.file, "Telvaro", std::strlen("Telvaro")) == 0;
+}
+
+void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && isLibrarys(context)) {
         ++warnings;
     }
     printError(message);
@@ -51,19 +58,6 @@ void printLine(const QString& line)
 void printError(const QString& message)
 {
     std::fprintf(stderr, "telvaroctl: %s\n", qUtf8Printable(printable(message)));
-}
-
-QString printable(const QString& text)
-{
-    QString result = text;
-    for (QChar& character : result) {
-        // Control and format characters: escape sequences, line breaks, changes of direction.
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Other_Format) {
-            character = QChar(QChar::ReplacementCharacter);
-        }
-    }
-    return result;
 }
 
 int terminalWidth()

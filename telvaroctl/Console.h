@@ -2,22 +2,22 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Printable.h"
+
 #include <QString>
 
-/// Sends Qt's messages, the library's warnings among them, to standard error in the tool's form and counts the
-/// warnings: an operation of the library that reports failure by an empty result has failed if it has warned.
+/// Prints all messages of Qt's logging to standard error, prefixed with the tool's name, and counts the library's
+/// warnings: an operation of the library that reports failure by an empty result has failed if it has warned. A warning
+/// of Qt or of a plugin says nothing about the operation and is not counted.
 void installMessageHandler();
 int warningCount();
 
-/// Writes the text to standard output at once.
+/// Prints the text to standard output and flushes it.
 void printText(const QString& text);
 void printLine(const QString& line);
 
-/// Writes one line to standard error.
+/// Prints one line to standard error, prefixed with the tool's name.
 void printError(const QString& message);
 
-/// The text with everything replaced that would move a terminal's cursor or change its state.
-QString printable(const QString& text);
-
-/// The columns of the terminal on standard output; 0 where that is not a terminal.
+/// Returns the columns of the terminal on standard output; 0 where that is not a terminal.
 int terminalWidth();

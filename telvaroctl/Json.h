@@ -11,7 +11,7 @@
 class QJsonArray;
 class QVariant;
 
-/// A value as it came from the bus, nested arrays, structures (as arrays), dictionaries and variants included.
+/// Converts a value from the bus; nested arrays, structures (to arrays), dictionaries and variants included.
 QJsonValue toJson(const QVariant& value);
 
 QJsonObject toJson(const TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry& view);

@@ -40,15 +40,14 @@ QList<Command> notificationCommands()
 {
     return {
         {"notify", "Posts a notification.", "SUMMARY [BODY]",
-         "The library does not report whether the service accepted; the exit status tells\nwhether it was asked.",
-         [](QCommandLineParser& parser) {
-             parser.addOption(
-                 QCommandLineOption(cIcon, QStringLiteral("Name or path of an icon."), QStringLiteral("ICON")));
-             parser.addOption(QCommandLineOption(
-                 cAction,
-                 QStringLiteral("A button: an identifier, read as the name of an icon, and its label. May be "
-                                "given more than once."),
-                 QStringLiteral("ID=LABEL")));
+         "The library does not report whether the service accepted; the exit status says\nwhether it was asked.",
+         [] {
+             return QList<QCommandLineOption>{
+                 {cIcon, QStringLiteral("Name or path of an icon."), QStringLiteral("ICON")},
+                 {cAction,
+                  QStringLiteral("A button: an identifier, read as the name of an icon, and its\n"
+                                 "label. May be given more than once."),
+                  QStringLiteral("ID=LABEL")}};
          },
          notify},
     };

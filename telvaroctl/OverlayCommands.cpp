@@ -33,8 +33,8 @@ ExitStatus overlay(const QStringList& arguments)
 QList<Command> overlayCommands()
 {
     return {
-        {"overlay", "Shows a message over everything on the screen, or takes it away.", "show TEXT | hide",
-         "The library does not report whether the service accepted; the exit status tells\nwhether it was asked.",
+        {"overlay", "Shows a message over everything on the screen, or hides it.", "show TEXT | hide",
+         "The library does not report whether the service accepted; the exit status says\nwhether it was asked.",
          noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return overlay(arguments);

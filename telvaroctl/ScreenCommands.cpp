@@ -14,6 +14,7 @@
 
 namespace {
 
+// The library exports cScreenSaverTimoutProperty under this misspelled name, which is part of its ABI.
 using Screen = TelvaroScreenDBusConnector;
 
 QString onOrOff(bool isOn)
@@ -26,7 +27,7 @@ bool isOnOrOff(const QString& word)
     return word == QLatin1String("on") || word == QLatin1String("off");
 }
 
-// A write does not tell whether the service accepted, so the property is read back.
+/// Reads the property back: the library does not report whether the service accepted a write.
 ExitStatus confirm(Screen& screen, const QString& property, const QVariant& wanted)
 {
     const QVariant value = warningCount() == 0 ? screen.getProperty(property) : QVariant();

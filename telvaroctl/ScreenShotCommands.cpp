@@ -20,7 +20,7 @@ ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList
     if (!isOnCompositorDevice()) {
         return Failed;
     }
-    // The service has another current directory.
+    // The path is made absolute here, because the service has a working directory of its own.
     const std::optional<QString> answer =
         TelvaroScreenShotDBusConnector().captureScreenShot(QDir(arguments.constFirst()).absolutePath());
     if (!answer) {
@@ -39,7 +39,7 @@ ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList
 QList<Command> screenShotCommands()
 {
     return {
-        {"screenshot", "Stores a screenshot in a directory and prints what the service answers.", "DIR", "", jsonOption,
-         captureScreenShot},
+        {"screenshot", "Stores a screenshot in a directory and prints the path that the service returns.", "DIR", "",
+         jsonOption, captureScreenShot},
     };
 }

@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Lets the tool look at a connector's proxy.
+/// Gives access to the proxy of a connector, which is protected.
 template <typename Connector> class Probe : public Connector
 {
 public:
@@ -53,7 +53,7 @@ ExitStatus showStatus(bool asJson)
     QJsonObject proxies;
     bool areProxiesValid = true;
     const auto addProxy = [&](const char* name, auto isProxyValid) {
-        // Without its service no proxy is valid, and the screen connector would warn when it is made.
+        // Without the service no proxy is valid, and the screen connector's constructor would log a warning.
         const bool isValid = isServiceThere && isProxyValid();
         proxies.insert(QLatin1String(name), isValid);
         areProxiesValid = areProxiesValid && isValid;
@@ -90,7 +90,7 @@ ExitStatus showStatus(bool asJson)
 QList<Command> statusCommands()
 {
     return {
-        {"status", "Tells whether the compositor can be used from here.", "",
+        {"status", "Shows whether the compositor can be used from here.", "",
          "Exits with 0 if this is a compositor device, the service is registered on the bus\nand the proxies of its "
          "objects are valid, else with 1.",
          jsonOption,

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Rows of text in columns.
+/// Text in aligned columns.
 class Table
 {
 public:
@@ -14,7 +14,7 @@ public:
 
     void addRow(const QStringList& cells);
 
-    /// The table with its columns aligned. Where a width is given (0 is none), the last column is cut to fit it.
+    /// Returns the table with its columns aligned. The last column is cut to fit `width`; 0 is no limit.
     QString toText(int width) const;
 
 private:

@@ -156,7 +156,7 @@ ExitStatus isCurrent(const QStringList& arguments)
         return Failed;
     }
     const bool answer = TelvaroTaskSwitcherDBusConnector().isCurrentView(arguments.constFirst());
-    // Process ids that could not be found out compare equal, so a warning outweighs the answer.
+    // The library compares two unknown process ids as equal, so a warning outweighs the result.
     return answer && warningCount() == 0 ? Done : Failed;
 }
 
@@ -186,11 +186,10 @@ QList<Command> viewCommands()
         {"current", "Shows the current view.", "", "Exits with 1 where no view is current.", jsonOption,
          showCurrentView},
         {"switch", "Makes a view the current one.", "UUID | --app ID --index N", "",
-         [](QCommandLineParser& parser) {
-             parser.addOption(
-                 QCommandLineOption(cApp, QStringLiteral("The view's application."), QStringLiteral("ID")));
-             parser.addOption(QCommandLineOption(cIndex, QStringLiteral("The view's sort index in its application."),
-                                                 QStringLiteral("N")));
+         [] {
+             return QList<QCommandLineOption>{
+                 {cApp, QStringLiteral("The view's application."), QStringLiteral("ID")},
+                 {cIndex, QStringLiteral("The view's sort index in its application."), QStringLiteral("N")}};
          },
          switchView},
         {"next", "Steps to the next view of the current application, from the last to the first.", "", "", noOptions,
@@ -207,7 +206,7 @@ QList<Command> viewCommands()
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return bringToTop(arguments);
          }},
-        {"is-current", "Tells whether the current view belongs to a process, given by its name.", "PROCESS",
+        {"is-current", "Tests whether the current view belongs to a process, given by its name.", "PROCESS",
          "Prints nothing: exits with 0 if it does and with 1 if not.", noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return isCurrent(arguments);

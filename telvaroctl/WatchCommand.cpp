@@ -4,17 +4,18 @@
 #include "Console.h"
 
 #include <TelvaroDBusDefinitions.h>
-#include <TelvaroScreenDBusConnector.h>
-#include <TelvaroTaskSwitcherDBusConnector.h>
+#include <TelvaroScreen.h>
+#include <TelvaroTaskSwitcher.h>
 
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
+#include <QObject>
 #include <QSocketNotifier>
 #include <QString>
-#include <QTimer>
 
+#include <array>
 #include <csignal>
 
 #include <sys/signalfd.h>
@@ -68,6 +69,80 @@ void report(bool asJson, const char* signal, const QJsonValue& value)
     printLine(text.isEmpty() ? QString(QLatin1String(signal)) : QLatin1String(signal) + QLatin1Char(' ') + text);
 }
 
+/// Prints what changes in the service, by the names of the connectors' signals, whenever its state is known.
+class Watch : public QObject
+{
+public:
+    explicit Watch(bool asJson)
+        : mAsJson(asJson)
+    {
+        const std::array<const TelvaroLiveObject*, 3> objects = {&mService, &mTaskSwitcher, &mScreen};
+        for (const TelvaroLiveObject* const object : objects) {
+            connect(object, &TelvaroLiveObject::statusChanged, this, &Watch::onStatusChanged);
+        }
+        connect(&mTaskSwitcher, &TelvaroTaskSwitcher::viewsChanged, this, [this] {
+            reportChange(mTaskSwitcher, "viewsChanged", QJsonValue::Undefined);
+        });
+        connect(&mTaskSwitcher, &TelvaroTaskSwitcher::currentViewChanged, this, [this] {
+            reportChange(mTaskSwitcher, "currentViewChanged", mTaskSwitcher.getCurrentView());
+        });
+        connect(&mScreen, &TelvaroScreen::screenSaverActiveChanged, this, [this] {
+            reportChange(mScreen, "screenSaverActiveChanged", mScreen.isScreenSaverActive());
+        });
+        connect(&mScreen, &TelvaroScreen::orientationChanged, this, [this] {
+            reportChange(mScreen, "screenOrientationChanged", mScreen.getOrientation());
+        });
+        connect(&mScreen, &TelvaroScreen::fullScreenChanged, this, [this] {
+            reportChange(mScreen, "fullScreenChanged", mScreen.isFullScreen());
+        });
+    }
+
+    /// A live object that has nobody to ask is absent from the start.
+    static bool hasBus()
+    {
+        return TelvaroLiveObject().getStatus() != TelvaroLiveObject::Absent;
+    }
+
+private:
+    // The first values, and the empty ones of a service that has gone, are no changes.
+    void reportChange(const TelvaroLiveObject& object, const char* signal, const QJsonValue& value)
+    {
+        if (mIsServiceKnown && object.getStatus() != TelvaroLiveObject::Absent) {
+            report(mAsJson, signal, value);
+        }
+    }
+
+    void onStatusChanged()
+    {
+        const bool isThere = mService.getStatus() == TelvaroLiveObject::Ready;
+        const bool isKnown = isThere && hasState(mTaskSwitcher) && hasState(mScreen);
+        if (mService.getStatus() == TelvaroLiveObject::Loading || isThere != isKnown) {
+            return;
+        }
+        if (!isThere && !hasBus()) {
+            QCoreApplication::exit(Failed);
+        } else if (!mIsAnnounced) {
+            mIsAnnounced = true;
+            printError(QStringLiteral("watching %1").arg(TelvaroDBusDefinitions::getServiceName()));
+        } else if (isKnown != mIsServiceKnown) {
+            report(mAsJson, isKnown ? "serviceBack" : "serviceGone", QJsonValue::Undefined);
+        }
+        mIsServiceKnown = isKnown;
+    }
+
+    static bool hasState(const TelvaroLiveObject& object)
+    {
+        return object.getStatus() == TelvaroLiveObject::Ready || object.getStatus() == TelvaroLiveObject::Failed;
+    }
+
+    bool mAsJson;
+    bool mIsAnnounced = false;
+    bool mIsServiceKnown = false;
+    TelvaroLiveObject mService;
+    TelvaroTaskSwitcher mTaskSwitcher;
+    TelvaroScreen mScreen;
+};
+
 ExitStatus watch(const QCommandLineParser& parser, const QStringList& arguments)
 {
     if (!arguments.isEmpty()) {
@@ -81,34 +156,11 @@ ExitStatus watch(const QCommandLineParser& parser, const QStringList& arguments)
     QObject::connect(&interruptNotifier, &QSocketNotifier::activated, QCoreApplication::instance(),
                      &QCoreApplication::quit);
 
-    const bool asJson = isJsonWanted(parser);
-    const TelvaroTaskSwitcherDBusConnector taskSwitcher;
-    QObject::connect(&taskSwitcher, &TelvaroTaskSwitcherDBusConnector::currentViewChanged,
-                     [asJson](const QString& newViewUuid) {
-                         report(asJson, "currentViewChanged", newViewUuid);
-                     });
-    QObject::connect(&taskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, [asJson]() {
-        report(asJson, "viewsChanged", QJsonValue::Undefined);
-    });
-    const TelvaroScreenDBusConnector screen;
-    QObject::connect(&screen, &TelvaroScreenDBusConnector::screenSaverActiveChanged, [asJson](bool isActive) {
-        report(asJson, "screenSaverActiveChanged", isActive);
-    });
-    QObject::connect(&screen, &TelvaroScreenDBusConnector::screenOrientationChanged,
-                     [asJson](const QString& orientation) {
-                         report(asJson, "screenOrientationChanged", orientation);
-                     });
-    QObject::connect(&screen, &TelvaroScreenDBusConnector::fullScreenChanged, [asJson](bool isFullScreen) {
-        report(asJson, "fullScreenChanged", isFullScreen);
-    });
-
-    // Said from the event loop, since Qt holds signals back until that runs, and after a blocking query, since the bus
-    // knows the subscriptions then.
-    QTimer::singleShot(0, &taskSwitcher, [&taskSwitcher]() {
-        taskSwitcher.isInterfaceValid();
-        printError(QStringLiteral("watching %1").arg(TelvaroDBusDefinitions::getServiceName()));
-    });
-    QCoreApplication::exec();
+    const Watch watch(isJsonWanted(parser));
+    if (!Watch::hasBus() || QCoreApplication::exec() != Done) {
+        printError(QStringLiteral("there is no bus"));
+        return Failed;
+    }
     return Done;
 }
 
@@ -117,8 +169,9 @@ ExitStatus watch(const QCommandLineParser& parser, const QStringList& arguments)
 QList<Command> watchCommands()
 {
     return {
-        {"watch", "Prints each change signal as it comes, until interrupted.", "",
-         "Says 'watching' on standard error once it listens. A service that is not there yet\nis waited for.",
+        {"watch", "Prints each change as it comes, until interrupted.", "",
+         "Prints 'watching' to standard error once it listens. Waits for a service that is not\n"
+         "registered yet, and prints 'serviceGone' and 'serviceBack' when it goes and comes.",
          jsonOption, watch},
     };
 }

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// What a program wants by a call: a method, or to read or write a property.
+/// A call that a program makes: of a method, or a read or a write of a property.
 struct BusCall
 {
     enum class Kind
@@ -16,16 +16,16 @@ struct BusCall
 
     Kind kind = Kind::Method;
     QString interface;
-    /// Empty for all properties at once.
+    /// Empty for GetAll.
     QString member;
 };
 
-/// Calls of one kind to one member, or all calls to an interface.
+/// Matches the calls of one kind to one member, or all calls to an interface.
 struct CallPattern
 {
     BusCall::Kind kind = BusCall::Kind::Method;
     QString interface;
-    /// Empty for every member, in any way.
+    /// Empty matches every member, called, read or written.
     QString member;
 
     bool matches(const BusCall& call) const

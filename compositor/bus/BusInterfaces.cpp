@@ -13,10 +13,12 @@
 #include <algorithm>
 
 namespace {
+
 BusInterfaces::Interface describe(const char* path, const QMetaObject& adaptor)
 {
     return {BusInterfaces::nameOf(&adaptor), QString::fromLatin1(path), &adaptor};
 }
+
 } // namespace
 
 const QVector<BusInterfaces::Interface>& BusInterfaces::all()

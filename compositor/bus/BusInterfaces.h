@@ -9,12 +9,14 @@ struct QMetaObject;
 
 /// The interfaces of the compositor's objects, as their introspection files describe them.
 namespace BusInterfaces {
+
 struct Interface
 {
     QString name;
-    /// Where the object is found that has it.
+    /// The path of the object that implements it.
     QString path;
-    /// The adaptor's: its public slots are the interface's methods, and its properties the interface's.
+    /// The meta-object of the generated adaptor: its public slots are the methods of the interface, its properties the
+    /// properties.
     const QMetaObject* description;
 };
 
@@ -22,6 +24,7 @@ const QVector<Interface>& all();
 /// Null when there is no such interface.
 const Interface* find(const QString& name);
 
-/// The interface that an adaptor is for.
+/// Returns the name of the interface that an adaptor implements; empty for any other class.
 QString nameOf(const QMetaObject* adaptor);
+
 } // namespace BusInterfaces

@@ -7,14 +7,11 @@
 #include <QDebug>
 
 namespace {
-const auto cBus = QStringLiteral(TELVARO_BUS);
+
+const auto cBus =
+    &QDBusConnection::TELVARO_BUS == &QDBusConnection::systemBus ? QStringLiteral("system") : QStringLiteral("session");
 const auto cServiceName = QStringLiteral(TELVARO_SERVICE_NAME);
 const auto cNotificationName = QStringLiteral("org.freedesktop.Notifications");
-
-QDBusConnection connectToBus()
-{
-    return cBus == QLatin1String("system") ? QDBusConnection::systemBus() : QDBusConnection::sessionBus();
-}
 
 bool requestName(const QDBusConnection& connection, const QString& name)
 {
@@ -22,11 +19,12 @@ bool requestName(const QDBusConnection& connection, const QString& name)
         name, QDBusConnectionInterface::DontQueueService, QDBusConnectionInterface::DontAllowReplacement);
     return reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
+
 } // namespace
 
 BusService::BusService(QObject* parent)
     : QObject(parent)
-    , mConnection(connectToBus())
+    , mConnection(QDBusConnection::TELVARO_BUS())
 {
     mConnection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
@@ -43,31 +41,29 @@ BusService::~BusService()
     }
 }
 
-bool BusService::publish(const QString& path, QObject* object)
+MaybeError BusService::publish(const QString& path, QObject* object)
 {
     if (!mConnection.isConnected()) {
-        mError = QStringLiteral("cannot connect to the %1 bus: %2").arg(cBus, mConnection.lastError().message());
-        return false;
+        return Error{QStringLiteral("cannot connect to the %1 bus: %2").arg(cBus, mConnection.lastError().message())};
     }
     if (!mConnection.registerObject(path, object, QDBusConnection::ExportAdaptors)) {
-        mError = QStringLiteral("cannot publish the object %1").arg(path);
-        return false;
+        return Error{QStringLiteral("cannot publish the object %1").arg(path)};
     }
     mPaths.append(path);
-    return true;
+    return {};
 }
 
-bool BusService::takeName()
+MaybeError BusService::takeName()
 {
     if (requestName(mConnection, cServiceName)) {
-        return true;
+        return {};
     }
     const QDBusError error = mConnection.lastError();
     const bool isOwned = mConnection.interface()->isServiceRegistered(cServiceName);
-    mError = isOwned
-        ? QStringLiteral("the name %1 on the %2 bus is taken: another compositor is running").arg(cServiceName, cBus)
-        : QStringLiteral("cannot take the name %1 on the %2 bus: %3").arg(cServiceName, cBus, error.message());
-    return false;
+    return Error{
+        isOwned ? QStringLiteral("the name %1 on the %2 bus is taken: another compositor is running")
+                      .arg(cServiceName, cBus)
+                : QStringLiteral("cannot take the name %1 on the %2 bus: %3").arg(cServiceName, cBus, error.message())};
 }
 
 void BusService::takeNotificationName()

@@ -2,37 +2,38 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
-/// The connection to the bus under whose names the compositor's objects are found.
+/// The connection to the bus: publishes the objects and owns the names by which clients find them.
 class BusService : public QObject
 {
     Q_OBJECT
 
 public:
     explicit BusService(QObject* parent = nullptr);
-    /// Takes the objects and the names back: what ends after that is not told to anybody.
+    /// Unregisters the objects and the names, so that nothing that happens while the compositor ends is signalled.
     ~BusService() override;
 
-    bool publish(const QString& path, QObject* object);
-    /// To be called when all objects are published: from then on the service is there for its clients.
-    bool takeName();
-    /// Takes the name under which applications of any desktop look for the notification server, if it is free.
+    /// Registers `object` with its adaptors.
+    MaybeError publish(const QString& path, QObject* object);
+    /// Requests the service's name. To be called when all objects are published: from then on clients find the
+    /// service.
+    MaybeError takeName();
+    /// Requests the name under which applications of any desktop look for the notification server. A warning is logged
+    /// if another program owns it.
     void takeNotificationName();
 
-    /// Undoes both: the objects stay, but are not found.
+    /// Releases both names: the objects stay, but clients do not find the service.
     void giveNamesBack();
 
     const QDBusConnection& connection() const
     {
         return mConnection;
-    }
-    QString error() const
-    {
-        return mError;
     }
 
 Q_SIGNALS:
@@ -41,5 +42,4 @@ Q_SIGNALS:
 private:
     QDBusConnection mConnection;
     QStringList mPaths;
-    QString mError;
 };

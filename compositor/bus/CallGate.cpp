@@ -11,6 +11,7 @@
 #include <QTimer>
 
 namespace {
+
 BusCall describe(const QString& interface, const QDBusMessage& message)
 {
     if (interface != QLatin1String("org.freedesktop.DBus.Properties")) {
@@ -21,13 +22,14 @@ BusCall describe(const QString& interface, const QDBusMessage& message)
     return {isWrite ? BusCall::Kind::Write : BusCall::Kind::Read, message.arguments().value(0).toString(),
             message.arguments().value(1).toString()};
 }
+
 } // namespace
 
 bool CallGate::admit(const QDBusAbstractAdaptor& adaptor, int methodIndex)
 {
     const QMetaObject* const description = adaptor.metaObject();
     const QMetaMethod method = description->method(methodIndex);
-    // Signals of the object reach the adaptor in the same way.
+    // Signals that the object relays through its adaptor pass here, too.
     if (mIsOwnCall || method.methodType() != QMetaMethod::Slot || method.access() != QMetaMethod::Public) {
         return true;
     }
@@ -58,7 +60,7 @@ bool CallGate::admit(const QDBusAbstractAdaptor& adaptor, int methodIndex)
 QDBusMessage CallGate::callOwnObject(const QDBusConnection& connection, const QString& path, const QString& interface,
                                      const QString& member, const QVariantList& arguments)
 {
-    // Qt delivers a call to the connection's own name at once, without the bus.
+    // QtDBus delivers a call to its own unique name directly, without the bus.
     QDBusMessage call = QDBusMessage::createMethodCall(connection.baseService(), path, interface, member);
     call.setArguments(arguments);
     const QScopedValueRollback<bool> ownCall(mIsOwnCall, true);

@@ -11,8 +11,7 @@
 
 class QDBusAbstractAdaptor;
 
-/// Stands before the compositor's objects: every call that a program makes passes here, and those that a fault is for
-/// go no further.
+/// Every call to the compositor's objects passes here. Calls that an injected fault matches do not reach the object.
 class CallGate : public QObject
 {
     Q_OBJECT
@@ -25,15 +24,15 @@ public:
         return mFaults;
     }
 
-    /// To be asked before \a adaptor executes the method; false when it must not.
+    /// Returns whether `adaptor` may execute the method. Replies to the call itself otherwise.
     bool admit(const QDBusAbstractAdaptor& adaptor, int methodIndex);
 
-    /// Calls an object of this program as another program would, past all faults; answers the reply.
+    /// Calls an object of this program as another program would, bypassing the faults. Returns the reply.
     QDBusMessage callOwnObject(const QDBusConnection& connection, const QString& path, const QString& interface,
                                const QString& member, const QVariantList& arguments);
 
 Q_SIGNALS:
-    /// A program has called, whatever becomes of it.
+    /// Emitted for every call of another program, also for one that is not admitted.
     void called(const BusCall& call);
 
 private:

@@ -10,30 +10,30 @@
 #include <optional>
 #include <vector>
 
-/// How calls are answered instead of as they should be.
+/// An injected fault: how matching calls are answered instead of normally.
 struct CallFault
 {
     CallPattern calls;
-    /// Empty for the answer that there would be without the fault.
+    /// Empty for the normal reply, which is only delayed then.
     QString errorName;
     QString errorText;
     int delayMilliseconds = 0;
-    /// Not answered at all.
+    /// No reply is sent.
     bool isSilent = false;
 
-    /// How long the fault lasts from when it begins, and for how many calls; it ends with whichever is over first.
+    /// The fault ends after that time or that number of calls, whichever is first; without both it stays.
     std::optional<int> lifetimeMilliseconds;
     std::optional<int> lifetimeCalls;
 };
 
-/// The faults that there are now.
+/// The active faults.
 class FaultTable
 {
 public:
     void add(const CallFault& fault);
-    /// Ends those that were made for just these calls.
+    /// Removes the faults whose pattern equals `calls`.
     void remove(const CallPattern& calls);
-    /// The fault for \a call, which is counted; of several, the one that was added last.
+    /// Returns the fault that matches `call`, the one added last of several, and counts the call against its lifetime.
     std::optional<CallFault> take(const BusCall& call);
 
 private:

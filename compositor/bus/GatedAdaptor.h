@@ -6,7 +6,7 @@
 
 #include <QDBusAbstractAdaptor>
 
-/// An adaptor whose calls pass the gate. Its object also derives from QDBusContext.
+/// An adaptor whose calls pass a CallGate. Its object also derives from QDBusContext.
 template <typename Adaptor> class GatedAdaptor : public Adaptor
 {
 public:
@@ -17,7 +17,7 @@ public:
     {
     }
 
-    /// This is how QtDBus delivers a call, whatever the interface.
+    /// QtDBus delivers every method call through qt_metacall().
     int qt_metacall(QMetaObject::Call call, int id, void** arguments) override
     {
         const bool isAdmitted = call != QMetaObject::InvokeMetaMethod || mGate.admit(*this, id);

@@ -8,7 +8,8 @@
 class CallGate;
 class OverlayPanel;
 
-/// The global overlay on the bus. Its slots bear the names of the interface's methods.
+/// The global overlay on the bus. The slots are named as the methods of the interface: the generated adaptor calls them
+/// by these names.
 class GlobalOverlayObject : public QObject, protected QDBusContext
 {
     Q_OBJECT

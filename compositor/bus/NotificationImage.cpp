@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "bus/NotificationImage.h"
 
+#include "state/Limits.h"
+
 #include <QDBusArgument>
 #include <QFileInfo>
 #include <QIcon>
@@ -10,8 +12,8 @@
 #include <QUrl>
 
 namespace {
+
 constexpr qint64 cLargestFile = 16 * 1024 * 1024;
-constexpr int cLargestEdge = 8192;
 
 QImage scaled(const QImage& image, int size)
 {
@@ -23,14 +25,14 @@ QImage scaled(const QImage& image, int size)
 
 QImage loadFile(const QString& path, int size)
 {
-    // Anything but an ordinary file might block or never end, and so might the kernel's own, which have no size.
+    // Only regular files with a size: reading a FIFO, a device or a file in /proc may block or never end.
     const QFileInfo file(path);
     if (!file.isFile() || file.size() == 0 || file.size() > cLargestFile) {
         return {};
     }
     QImageReader reader(path);
     const QSize full = reader.size();
-    if (!full.isValid() || full.width() > cLargestEdge || full.height() > cLargestEdge) {
+    if (!full.isValid() || full.width() > Limits::cLargestEdge || full.height() > Limits::cLargestEdge) {
         return {};
     }
     if (full.width() > size || full.height() > size) {
@@ -39,7 +41,7 @@ QImage loadFile(const QString& path, int size)
     return reader.read();
 }
 
-/// Symbolic icons are drawn in one colour that their user chooses.
+/// Paints a symbolic icon, which has one colour for the user to choose, in white.
 QImage tinted(QImage image)
 {
     QPainter painter(&image);
@@ -47,6 +49,7 @@ QImage tinted(QImage image)
     painter.fillRect(image.rect(), Qt::white);
     return image;
 }
+
 } // namespace
 
 QImage NotificationImage::load(const QString& source, int size)
@@ -63,7 +66,7 @@ QImage NotificationImage::load(const QString& source, int size)
     if (source.contains(QLatin1Char('/'))) {
         return {};
     }
-    // Themes have ever fewer coloured icons, but most of them have the symbolic one.
+    // Falls back to the symbolic icon: many themes have no coloured one of that name any more.
     const QString symbolic = QStringLiteral("-symbolic");
     const bool isSymbolic = source.endsWith(symbolic) || !QIcon::hasThemeIcon(source);
     const QString name = isSymbolic && !source.endsWith(symbolic) ? source + symbolic : source;
@@ -91,9 +94,9 @@ QImage NotificationImage::fromHint(const QVariant& hint, int size)
     argument >> width >> height >> rowStride >> hasAlpha >> bitsPerSample >> channels >> data;
     argument.endStructure();
 
-    const bool isPlausible = width > 0 && width <= cLargestEdge && height > 0 && height <= cLargestEdge
+    const bool isPlausible = width > 0 && width <= Limits::cLargestEdge && height > 0 && height <= Limits::cLargestEdge
         && bitsPerSample == 8 && channels == (hasAlpha ? 4 : 3) && rowStride >= width * channels;
-    // The last row may lack its padding.
+    // The last row may come without its padding.
     if (!isPlausible || data.size() < qint64(rowStride) * (height - 1) + qint64(width) * channels) {
         return {};
     }

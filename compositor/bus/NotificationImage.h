@@ -6,14 +6,13 @@
 #include <QString>
 #include <QVariant>
 
-/// The pictures that notifications name or bring along, made small and safe to keep.
+/// Loads the pictures of notifications, scaled down to the size at which they are painted.
 class NotificationImage
 {
 public:
-    /// \a source is a name of the icon theme, an absolute path or a file:// address. Null when there is no such
-    /// picture.
+    /// `source` is an icon name, an absolute path or a file:// URL. Returns a null image when there is no such picture.
     static QImage load(const QString& source, int size);
-    /// \a hint is the structure (iiibiiay) of the hint "image-data". Null when it is something else or contradicts
-    /// itself.
+    /// `hint` is the structure (iiibiiay) of the hint "image-data". Returns a null image when it has another type or
+    /// its sizes do not fit together.
     static QImage fromHint(const QVariant& hint, int size);
 };

@@ -5,23 +5,23 @@
 #include "NotificationsObjectAdaptor.h"
 #include "bus/GatedAdaptor.h"
 #include "bus/NotificationImage.h"
-#include "shell/Theme.h"
+#include "state/Limits.h"
 #include "state/NotificationCenter.h"
+#include "state/SanitizedText.h"
 
 #include <QDBusError>
 #include <QRegularExpression>
 
 namespace {
+
 constexpr int cDefaultTimeoutMilliseconds = 5000;
-constexpr int cIconSize = 40;
-constexpr int cActionIconSize = 20;
 constexpr int cLongestSummary = 500;
 constexpr int cLongestBody = 2000;
 constexpr int cLongestAction = 500;
 constexpr int cMostActions = 9;
 constexpr int cCriticalUrgency = 2;
 
-/// The body without the markup that the Desktop Notifications Specification allows in it.
+/// Returns the body without the markup that the Desktop Notifications Specification allows.
 QString plainBody(QString body)
 {
     static const QRegularExpression tags(QStringLiteral("</?(?:b|i|u|a|img)(?:\\s[^<>]*)?/?>"),
@@ -36,46 +36,47 @@ QString plainBody(QString body)
     for (const auto& entity : entities) {
         body.replace(entity.first, entity.second);
     }
-    return Theme::plainText(body, cLongestBody);
+    return sanitizedText(body, cLongestBody);
 }
 
-/// In the order of preference of the Desktop Notifications Specification.
+/// Returns the picture that comes first in the order of the Desktop Notifications Specification.
 QImage iconOf(const QVariantMap& hints, const QString& appIcon)
 {
     for (const auto& key : {QStringLiteral("image-data"), QStringLiteral("image_data")}) {
-        const QImage image = NotificationImage::fromHint(hints.value(key), cIconSize);
+        const QImage image = NotificationImage::fromHint(hints.value(key), Limits::cNotificationIconSize);
         if (!image.isNull()) {
             return image;
         }
     }
     for (const QString& source : {hints.value(QStringLiteral("image-path")).toString(),
                                   hints.value(QStringLiteral("image_path")).toString(), appIcon}) {
-        const QImage image = NotificationImage::load(source, cIconSize);
+        const QImage image = NotificationImage::load(source, Limits::cNotificationIconSize);
         if (!image.isNull()) {
             return image;
         }
     }
-    return NotificationImage::fromHint(hints.value(QStringLiteral("icon_data")), cIconSize);
+    return NotificationImage::fromHint(hints.value(QStringLiteral("icon_data")), Limits::cNotificationIconSize);
 }
 
-/// The list holds a key and a label by turns; a key without a label is its own label.
+/// `list` alternates keys and labels; a last key without a label is its own label.
 QVector<Notification::Action> actionsOf(const QStringList& list, bool keysAreIcons)
 {
     QVector<Notification::Action> actions;
     for (int i = 0; i < list.size() && actions.size() < cMostActions; i += 2) {
         Notification::Action action;
         action.key = list.at(i);
-        action.label = Theme::plainText(list.value(i + 1, action.key), cLongestAction);
+        action.label = sanitizedText(list.value(i + 1, action.key), cLongestAction);
         if (action.key.isEmpty() || action.key.size() > cLongestAction) {
             continue;
         }
         if (keysAreIcons) {
-            action.icon = NotificationImage::load(action.key, cActionIconSize);
+            action.icon = NotificationImage::load(action.key, Limits::cActionIconSize);
         }
         actions.append(action);
     }
     return actions;
 }
+
 } // namespace
 
 NotificationsObject::NotificationsObject(NotificationCenter& center, CallGate& gate, QObject* parent)
@@ -94,12 +95,17 @@ uint NotificationsObject::Notify(const QString&, uint replacesId, const QString&
                                  int expireTimeout)
 {
     Notification notification;
-    notification.summary = Theme::plainText(summary, cLongestSummary);
+    notification.summary = sanitizedText(summary, cLongestSummary);
     notification.body = plainBody(body);
     notification.icon = iconOf(hints, appIcon);
     notification.actions = actionsOf(actions, hints.value(QStringLiteral("action-icons")).toBool());
     notification.isResident = hints.value(QStringLiteral("resident")).toBool();
     notification.isCritical = hints.value(QStringLiteral("urgency")).toInt() == cCriticalUrgency;
+    bool isNumber = false;
+    const int progress = hints.value(QStringLiteral("value")).toInt(&isNumber);
+    if (isNumber) {
+        notification.progress = qBound(0, progress, 100);
+    }
     if (!notification.isCritical) {
         notification.timeoutMilliseconds = expireTimeout < 0 ? cDefaultTimeoutMilliseconds : expireTimeout;
     }

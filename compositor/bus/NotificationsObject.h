@@ -10,8 +10,8 @@
 class CallGate;
 class NotificationCenter;
 
-/// The notification server on the bus, as the Desktop Notifications Specification wants it. The slots and signals bear
-/// the names of the interface's methods and signals.
+/// The notification server on the bus, according to the Desktop Notifications Specification. The slots and signals are
+/// named as the methods and signals of the interface: the generated adaptor uses them by these names.
 class NotificationsObject : public QObject, protected QDBusContext
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 public Q_SLOTS:
     uint Notify(const QString& appName, uint replacesId, const QString& appIcon, const QString& summary,
                 const QString& body, const QStringList& actions, const QVariantMap& hints, int expireTimeout);
-    /// Answers with an error without a text when there is no such notification.
+    /// Sends an error reply, with an empty text as the specification demands, when there is no such notification.
     void CloseNotification(uint id);
     QStringList GetCapabilities() const;
     QString GetServerInformation(QString& vendor, QString& version, QString& specificationVersion) const;

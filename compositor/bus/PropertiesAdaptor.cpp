@@ -7,22 +7,30 @@
 #include <QDBusContext>
 #include <QDBusMetaType>
 
+#include <algorithm>
+
 namespace {
+
 QString signatureOf(int type)
 {
     return QString::fromLatin1(QDBusMetaType::typeToSignature(type));
 }
+
 } // namespace
 
 PropertiesAdaptor::PropertiesAdaptor(QObject* object)
     : QDBusAbstractAdaptor(object)
 {
-    const int announce = metaObject()->indexOfSlot("announceChange()");
-    const QMetaObject* const description = object->metaObject();
-    for (int i = description->propertyOffset(); i < description->propertyCount(); ++i) {
-        const QMetaProperty property = description->property(i);
-        if (property.hasNotifySignal()) {
-            connect(object, property.notifySignal(), this, metaObject()->method(announce));
+}
+
+void PropertiesAdaptor::announce(const char* name)
+{
+    const QList<QDBusAbstractAdaptor*> adaptors = otherAdaptors();
+    for (const QDBusAbstractAdaptor* adaptor : adaptors) {
+        const QMetaObject* const description = adaptor->metaObject();
+        if (description->indexOfProperty(name) >= description->propertyOffset()) {
+            Q_EMIT PropertiesChanged(BusInterfaces::nameOf(description),
+                                     {{QString::fromLatin1(name), parent()->property(name)}}, {});
         }
     }
 }
@@ -73,15 +81,20 @@ void PropertiesAdaptor::Set(const QString& interfaceName, const QString& name, c
     parent()->setProperty(property.name(), content);
 }
 
-QDBusAbstractAdaptor* PropertiesAdaptor::adaptorOf(const QString& interfaceName) const
+QList<QDBusAbstractAdaptor*> PropertiesAdaptor::otherAdaptors() const
 {
-    const auto adaptors = parent()->findChildren<QDBusAbstractAdaptor*>(QString(), Qt::FindDirectChildrenOnly);
-    for (QDBusAbstractAdaptor* adaptor : adaptors) {
-        if (adaptor != this && BusInterfaces::nameOf(adaptor->metaObject()) == interfaceName) {
-            return adaptor;
-        }
-    }
-    return nullptr;
+    auto adaptors = parent()->findChildren<QDBusAbstractAdaptor*>(QString(), Qt::FindDirectChildrenOnly);
+    adaptors.removeOne(const_cast<PropertiesAdaptor*>(this));
+    return adaptors;
+}
+
+const QDBusAbstractAdaptor* PropertiesAdaptor::adaptorOf(const QString& interfaceName) const
+{
+    const QList<QDBusAbstractAdaptor*> adaptors = otherAdaptors();
+    const auto found = std::find_if(adaptors.cbegin(), adaptors.cend(), [&](const QDBusAbstractAdaptor* adaptor) {
+        return BusInterfaces::nameOf(adaptor->metaObject()) == interfaceName;
+    });
+    return found == adaptors.cend() ? nullptr : *found;
 }
 
 QMetaProperty PropertiesAdaptor::findProperty(const QString& interfaceName, const QString& name) const
@@ -106,20 +119,4 @@ void PropertiesAdaptor::refuse(QDBusError::ErrorType type, const QString& text) 
 {
     const auto* const context = static_cast<const QDBusContext*>(parent()->qt_metacast("QDBusContext"));
     context->sendErrorReply(type, text);
-}
-
-void PropertiesAdaptor::announceChange()
-{
-    const auto adaptors = parent()->findChildren<QDBusAbstractAdaptor*>(QString(), Qt::FindDirectChildrenOnly);
-    for (const QDBusAbstractAdaptor* adaptor : adaptors) {
-        const QMetaObject* const description = adaptor->metaObject();
-        for (int i = description->propertyOffset(); i < description->propertyCount(); ++i) {
-            const char* const name = description->property(i).name();
-            const int own = parent()->metaObject()->indexOfProperty(name);
-            if (own >= 0 && parent()->metaObject()->property(own).notifySignalIndex() == senderSignalIndex()) {
-                Q_EMIT PropertiesChanged(BusInterfaces::nameOf(description),
-                                         {{QString::fromLatin1(name), parent()->property(name)}}, {});
-            }
-        }
-    }
 }

@@ -8,19 +8,22 @@
 #include <QMetaProperty>
 #include <QVariantMap>
 
-/// Answers org.freedesktop.DBus.Properties for an object whose properties its other adaptors describe. Unlike Qt's own
-/// answers to it, these can refuse a value and tell of changes: an object refuses by sending an error reply from its
-/// property's setter, and each notify signal of a property is told to the bus at once.
+/// Implements org.freedesktop.DBus.Properties for an object whose properties its other adaptors describe. Replaces Qt's
+/// own implementation, which can neither reject a value nor emit PropertiesChanged: a setter of the object rejects a
+/// value by sending an error reply.
 class PropertiesAdaptor : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.DBus.Properties")
-    // Qt adds this interface to every object's introspection data by itself.
+    // Empty, because QtDBus itself adds this interface to every object's introspection data.
     Q_CLASSINFO("D-Bus Introspection", "")
 
 public:
-    /// \a object also derives from QDBusContext.
+    /// `object` also derives from QDBusContext.
     explicit PropertiesAdaptor(QObject* object);
+
+    /// Emits PropertiesChanged with the present value of the property `name`.
+    void announce(const char* name);
 
 public Q_SLOTS:
     QDBusVariant Get(const QString& interfaceName, const QString& name);
@@ -31,10 +34,11 @@ Q_SIGNALS:
     void PropertiesChanged(const QString& interfaceName, const QVariantMap& changed, const QStringList& invalidated);
 
 private:
-    QDBusAbstractAdaptor* adaptorOf(const QString& interfaceName) const;
-    /// The property as an adaptor describes it; not valid, and the caller is told why, when there is none.
+    QList<QDBusAbstractAdaptor*> otherAdaptors() const;
+    /// Null when no other adaptor implements the interface.
+    const QDBusAbstractAdaptor* adaptorOf(const QString& interfaceName) const;
+    /// Returns the property as an adaptor describes it. Sends an error reply, and returns an invalid one, when there is
+    /// none.
     QMetaProperty findProperty(const QString& interfaceName, const QString& name) const;
     void refuse(QDBusError::ErrorType type, const QString& text) const;
-    /// Told by a property's notify signal.
-    Q_SLOT void announceChange();
 };

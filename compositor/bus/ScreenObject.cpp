@@ -16,13 +16,17 @@ ScreenObject::ScreenObject(Output& output, ScreenSaver& screenSaver, CallGate& g
     , mScreenSaver(screenSaver)
 {
     new GatedAdaptor<ScreenObjectAdaptor>(this, gate);
-    new GatedAdaptor<PropertiesAdaptor>(this, gate);
-
-    connect(&screenSaver, &ScreenSaver::activeChanged, this, &ScreenObject::screenSaverActiveChanged);
-    connect(&screenSaver, &ScreenSaver::enabledChanged, this, &ScreenObject::screenSaverEnabledChanged);
-    connect(&screenSaver, &ScreenSaver::timeoutChanged, this, &ScreenObject::screenSaverTimeoutSecondsChanged);
-    connect(&output, &Output::orientationChanged, this, &ScreenObject::orientationChanged);
-    connect(&output, &Output::fullScreenChanged, this, &ScreenObject::fullScreenChanged);
+    PropertiesAdaptor* const properties = new GatedAdaptor<PropertiesAdaptor>(this, gate);
+    const auto announce = [properties](const char* name) {
+        return [properties, name] {
+            properties->announce(name);
+        };
+    };
+    connect(&screenSaver, &ScreenSaver::activeChanged, properties, announce("screenSaverActive"));
+    connect(&screenSaver, &ScreenSaver::enabledChanged, properties, announce("screenSaverEnabled"));
+    connect(&screenSaver, &ScreenSaver::timeoutChanged, properties, announce("screenSaverTimeoutSeconds"));
+    connect(&output, &Output::orientationChanged, properties, announce("orientation"));
+    connect(&output, &Output::fullScreenChanged, properties, announce("fullScreen"));
 }
 
 bool ScreenObject::screenSaverActive() const

@@ -13,13 +13,11 @@ class ScreenSaver;
 class ScreenObject : public QObject, protected QDBusContext
 {
     Q_OBJECT
-    Q_PROPERTY(bool screenSaverActive READ screenSaverActive NOTIFY screenSaverActiveChanged)
-    Q_PROPERTY(
-        bool screenSaverEnabled READ screenSaverEnabled WRITE setScreenSaverEnabled NOTIFY screenSaverEnabledChanged)
-    Q_PROPERTY(int screenSaverTimeoutSeconds READ screenSaverTimeoutSeconds WRITE setScreenSaverTimeoutSeconds NOTIFY
-                   screenSaverTimeoutSecondsChanged)
-    Q_PROPERTY(QString orientation READ orientation WRITE setOrientation NOTIFY orientationChanged)
-    Q_PROPERTY(bool fullScreen READ fullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
+    Q_PROPERTY(bool screenSaverActive READ screenSaverActive)
+    Q_PROPERTY(bool screenSaverEnabled READ screenSaverEnabled WRITE setScreenSaverEnabled)
+    Q_PROPERTY(int screenSaverTimeoutSeconds READ screenSaverTimeoutSeconds WRITE setScreenSaverTimeoutSeconds)
+    Q_PROPERTY(QString orientation READ orientation WRITE setOrientation)
+    Q_PROPERTY(bool fullScreen READ fullScreen WRITE setFullScreen)
 
 public:
     ScreenObject(Output& output, ScreenSaver& screenSaver, CallGate& gate, QObject* parent = nullptr);
@@ -28,20 +26,13 @@ public:
     bool screenSaverEnabled() const;
     void setScreenSaverEnabled(bool enabled);
     int screenSaverTimeoutSeconds() const;
-    /// Answers with an error when \a seconds is negative.
+    /// Sends an error reply when `seconds` is negative.
     void setScreenSaverTimeoutSeconds(int seconds);
     QString orientation() const;
-    /// Answers with an error when \a orientation is not one of those that there are.
+    /// Sends an error reply when `orientation` is none of Output::orientations().
     void setOrientation(const QString& orientation);
     bool fullScreen() const;
     void setFullScreen(bool fullScreen);
-
-Q_SIGNALS:
-    void screenSaverActiveChanged();
-    void screenSaverEnabledChanged();
-    void screenSaverTimeoutSecondsChanged();
-    void orientationChanged();
-    void fullScreenChanged();
 
 private:
     Output& mOutput;

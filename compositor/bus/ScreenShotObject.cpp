@@ -4,7 +4,7 @@
 
 #include "ScreenShotObjectAdaptor.h"
 #include "bus/GatedAdaptor.h"
-#include "bus/ScreenshotFile.h"
+#include "bus/ScreenShotFile.h"
 #include "shell/Scene.h"
 
 ScreenShotObject::ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent)
@@ -16,7 +16,7 @@ ScreenShotObject::ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent
 
 QString ScreenShotObject::ScreenShot(const QString& directory)
 {
-    ScreenshotFile file(directory);
+    ScreenShotFile file(directory);
     if (!file.isDirectoryOpen() || !file.write(mScene.toImage())) {
         sendErrorReply(file.errorName(), file.errorText());
         return {};

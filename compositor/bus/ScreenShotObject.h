@@ -8,7 +8,8 @@
 class CallGate;
 class Scene;
 
-/// Screenshots on the bus. The slot bears the name of the interface's method.
+/// Screenshots on the bus. The slot is named as the method of the interface: the generated adaptor calls it by this
+/// name.
 class ScreenShotObject : public QObject, protected QDBusContext
 {
     Q_OBJECT
@@ -17,7 +18,7 @@ public:
     ScreenShotObject(Scene& scene, CallGate& gate, QObject* parent = nullptr);
 
 public Q_SLOTS:
-    /// Answers the path of the new file, or an error that says what is wrong with the directory.
+    /// Returns the path of the new file, or sends an error reply that says what is wrong with the directory.
     QString ScreenShot(const QString& directory);
 
 private:

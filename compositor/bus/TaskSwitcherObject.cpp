@@ -11,8 +11,11 @@
 #include <QDBusMetaType>
 
 namespace {
+
+/// Between two signals for the list of views: clients can change their titles at any rate.
 constexpr int cSmallestDistanceMilliseconds = 20;
-}
+
+} // namespace
 
 TaskSwitcherObject::TaskSwitcherObject(ViewList& views, CallGate& gate, QObject* parent)
     : QObject(parent)
@@ -20,19 +23,19 @@ TaskSwitcherObject::TaskSwitcherObject(ViewList& views, CallGate& gate, QObject*
 {
     qDBusRegisterMetaType<ViewRecord>();
     qDBusRegisterMetaType<ViewRecordList>();
-    // The property's type goes by this name, which is not the one that the list gets by itself.
+    // The adaptor's property has its type by this name; Qt would register the list as QList<ViewRecord> only.
     qRegisterMetaType<ViewRecordList>("ViewRecordList");
     new GatedAdaptor<TaskSwitcherObjectAdaptor>(this, gate);
-    new GatedAdaptor<PropertiesAdaptor>(this, gate);
+    mProperties = new GatedAdaptor<PropertiesAdaptor>(this, gate);
 
     mTimer.setSingleShot(true);
-    connect(&mTimer, &QTimer::timeout, this, &TaskSwitcherObject::emitViewsChanged);
-    connect(&views, &ViewList::viewsChanged, this, &TaskSwitcherObject::scheduleViewsChanged);
+    connect(&mTimer, &QTimer::timeout, this, &TaskSwitcherObject::announceViews);
+    connect(&views, &ViewList::viewsChanged, this, &TaskSwitcherObject::announceViewsSoon);
     connect(&views, &ViewList::currentChanged, this, [this] {
         if (mTimer.isActive()) {
-            emitViewsChanged();
+            announceViews();
         }
-        Q_EMIT currentViewChanged();
+        mProperties->announce("currentView");
     });
 }
 
@@ -54,7 +57,7 @@ void TaskSwitcherObject::setCurrentView(const QString& uuid)
     }
 }
 
-void TaskSwitcherObject::scheduleViewsChanged()
+void TaskSwitcherObject::announceViewsSoon()
 {
     if (mTimer.isActive()) {
         return;
@@ -63,9 +66,9 @@ void TaskSwitcherObject::scheduleViewsChanged()
     mTimer.start(static_cast<int>(qMax<qint64>(0, cSmallestDistanceMilliseconds - elapsed)));
 }
 
-void TaskSwitcherObject::emitViewsChanged()
+void TaskSwitcherObject::announceViews()
 {
     mTimer.stop();
     mSinceSignal.start();
-    Q_EMIT viewsChanged();
+    mProperties->announce("views");
 }

@@ -10,35 +10,32 @@
 #include <QTimer>
 
 class CallGate;
+class PropertiesAdaptor;
 class ViewList;
 
-/// The task switcher on the bus: which views there are, and which one is current.
+/// The task switcher on the bus: the list of views and the current one.
 class TaskSwitcherObject : public QObject, protected QDBusContext
 {
     Q_OBJECT
-    Q_PROPERTY(ViewRecordList views READ views NOTIFY viewsChanged)
-    Q_PROPERTY(QString currentView READ currentView WRITE setCurrentView NOTIFY currentViewChanged)
+    Q_PROPERTY(ViewRecordList views READ views)
+    Q_PROPERTY(QString currentView READ currentView WRITE setCurrentView)
 
 public:
     TaskSwitcherObject(ViewList& views, CallGate& gate, QObject* parent = nullptr);
 
     ViewRecordList views() const;
     QString currentView() const;
-    /// Answers with an error when there is no such view.
+    /// Sends an error reply when there is no such view.
     void setCurrentView(const QString& uuid);
 
-Q_SIGNALS:
-    /// One for all changes of a turn of the event loop, and never in quick succession: clients can change their titles
-    /// faster than anyone can listen.
-    void viewsChanged();
-    /// Comes after viewsChanged() when both have changed.
-    void currentViewChanged();
-
 private:
-    void scheduleViewsChanged();
-    void emitViewsChanged();
+    /// Coalesces the changes of a turn of the event loop and limits the rate. A change of the current view is announced
+    /// after the change of the list that belongs to it.
+    void announceViewsSoon();
+    void announceViews();
 
     ViewList& mViews;
+    PropertiesAdaptor* mProperties;
     QTimer mTimer;
     QElapsedTimer mSinceSignal;
 };

@@ -5,11 +5,13 @@
 #include "state/ViewList.h"
 
 namespace {
+
 QString stateOf(const View& view, bool isCurrent)
 {
     const QString state = isCurrent ? QStringLiteral("current") : QStringLiteral("background");
     return view.isResponding ? state : state + QStringLiteral(" unresponsive");
 }
+
 } // namespace
 
 ViewRecordList viewRecordsOf(const ViewList& views)

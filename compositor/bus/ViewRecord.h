@@ -10,7 +10,7 @@
 
 class ViewList;
 
-/// A view as it is told on the bus: the structure (ssssssuua{sv}).
+/// A view on the bus: the structure (ssssssuua{sv}).
 struct ViewRecord
 {
     QString uuid;

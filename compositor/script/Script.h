@@ -13,8 +13,9 @@
 #include <variant>
 #include <vector>
 
-/// What a script tells the compositor to do, and when.
+/// The steps of a script: what to do, and when.
 namespace Script {
+
 struct AddView
 {
     View view;
@@ -25,7 +26,7 @@ struct RemoveView
     QString uuid;
 };
 
-/// Calls a method or, by the interface for properties, writes one; as another program would.
+/// Calls a method as another program would; a property is written by Set of org.freedesktop.DBus.Properties.
 struct Call
 {
     QString path;
@@ -54,7 +55,7 @@ struct SetService
     bool isThere = false;
 };
 
-/// Does nothing else meanwhile, as a program that hangs.
+/// Blocks the event loop, as a hanging program does.
 struct Freeze
 {
     int milliseconds = 0;
@@ -62,7 +63,7 @@ struct Freeze
 
 using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze>;
 
-/// The calls that a program makes, or the views of an application that appear, until there are so many of them.
+/// What a step waits for: the n-th matching call, or the n-th view of an application.
 struct Event
 {
     std::variant<CallPattern, QString> what;
@@ -72,7 +73,7 @@ struct Event
 struct Step
 {
     int number = 0;
-    /// Without one, the start.
+    /// The start if there is none.
     std::optional<Event> after;
     int delayMilliseconds = 0;
     Action action;
@@ -83,4 +84,5 @@ struct Plan
     QString fileName;
     std::vector<Step> steps;
 };
+
 } // namespace Script

@@ -3,241 +3,34 @@
 #include "script/ScriptFile.h"
 
 #include "bus/BusInterfaces.h"
+#include "script/JsonMembers.h"
 
 #include <QDBusVariant>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMetaMethod>
 #include <QMetaProperty>
 #include <QRegularExpression>
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-
 namespace {
-constexpr double cMostSeconds = 1000000;
+
 constexpr int cLongestErrorName = 255;
 
-struct Refusal
-{
-    QString text;
-};
+const QString cCall = QStringLiteral("call");
+const QString cGet = QStringLiteral("get");
+const QString cSet = QStringLiteral("set");
+const QString cInterface = QStringLiteral("interface");
+const QString cView = QStringLiteral("view");
+const QStringList cCallKeys{cCall, cGet, cSet, cInterface};
 
-[[noreturn]] void refuse(const QString& where, const QString& text)
-{
-    throw Refusal{where.isEmpty() ? text : QStringLiteral("%1: %2").arg(where, text)};
-}
-
-QString quoted(const QString& text)
-{
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
-
-QString listed(const QStringList& words)
-{
-    QStringList texts;
-    for (const QString& word : words) {
-        texts.append(quoted(word));
-    }
-    return texts.join(QStringLiteral(", "));
-}
-
-QString toText(const QString& where, const QJsonValue& value)
-{
-    if (!value.isString() || value.toString().isEmpty()) {
-        refuse(where, QStringLiteral("a text is expected that is not empty"));
-    }
-    return value.toString();
-}
-
-/// \a Number is a whole number's type.
-template <typename Number> Number toNumber(const QString& where, const QJsonValue& value, Number smallest)
-{
-    constexpr Number largest = std::numeric_limits<Number>::max();
-    const double number = value.toDouble();
-    if (!value.isDouble() || number < smallest || number > largest || std::floor(number) < number) {
-        refuse(where, QStringLiteral("a whole number from %1 to %2 is expected").arg(smallest).arg(largest));
-    }
-    return static_cast<Number>(number);
-}
-
-bool toBool(const QString& where, const QJsonValue& value)
-{
-    if (!value.isBool()) {
-        refuse(where, QStringLiteral("true or false is expected"));
-    }
-    return value.toBool();
-}
-
-int toMilliseconds(const QString& where, const QJsonValue& value)
-{
-    const double seconds = value.toDouble();
-    if (!value.isDouble() || seconds < 0 || seconds > cMostSeconds) {
-        refuse(where, QStringLiteral("a number of seconds from 0 to %1 is expected").arg(int(cMostSeconds)));
-    }
-    return static_cast<int>(std::lround(seconds * 1000));
-}
-
-/// A value whose type on the bus is not given.
-QVariant toPlainValue(const QString& where, const QJsonValue& value)
-{
-    if (value.isDouble()) {
-        const int number = value.toInt(std::numeric_limits<int>::min());
-        return number == std::numeric_limits<int>::min() ? QVariant(value.toDouble()) : QVariant(number);
-    }
-    if (!value.isString() && !value.isBool()) {
-        refuse(where, QStringLiteral("a text, a number, true or false is expected"));
-    }
-    return value.toVariant();
-}
-
-QVariantMap toPlainValues(const QString& where, const QJsonValue& value)
-{
-    if (!value.isObject()) {
-        refuse(where, QStringLiteral("an object is expected"));
-    }
-    QVariantMap values;
-    const QJsonObject object = value.toObject();
-    for (auto member = object.begin(); member != object.end(); ++member) {
-        values.insert(member.key(),
-                      toPlainValue(QStringLiteral("%1, %2").arg(where, quoted(member.key())), member.value()));
-    }
-    return values;
-}
-
-QStringList toTexts(const QString& where, const QJsonValue& value)
-{
-    QStringList texts;
-    const QJsonArray array = value.toArray();
-    for (const QJsonValue& element : array) {
-        texts.append(element.toString());
-    }
-    if (!value.isArray() || !std::all_of(array.begin(), array.end(), [](const QJsonValue& element) {
-            return element.isString();
-        })) {
-        refuse(where, QStringLiteral("a list of texts is expected"));
-    }
-    return texts;
-}
-
-/// A value of a type that an interface has.
-QVariant toValue(const QString& where, const QJsonValue& value, int type)
-{
-    switch (type) {
-    case QMetaType::Bool:
-        return toBool(where, value);
-    case QMetaType::Int:
-        return toNumber<int>(where, value, std::numeric_limits<int>::min());
-    case QMetaType::UInt:
-        return toNumber<uint>(where, value, 0);
-    case QMetaType::QStringList:
-        return toTexts(where, value);
-    case QMetaType::QVariantMap:
-        return toPlainValues(where, value);
-    default:
-        if (!value.isString()) {
-            refuse(where, QStringLiteral("a text is expected"));
-        }
-        return value.toString();
-    }
-}
-
-/// An object of the file, whose members are taken one by one; what is left in the end has no meaning.
-class Members
-{
-public:
-    Members(const QString& where, const QJsonValue& value)
-        : mWhere(where)
-        , mObject(value.toObject())
-    {
-        if (!value.isObject()) {
-            refuse(where, QStringLiteral("an object is expected"));
-        }
-    }
-
-    QString where() const
-    {
-        return mWhere;
-    }
-
-    QString where(const QString& key) const
-    {
-        return QStringLiteral("%1, %2").arg(mWhere, quoted(key));
-    }
-
-    bool has(const QString& key) const
-    {
-        return mObject.contains(key);
-    }
-
-    QJsonValue take(const QString& key)
-    {
-        if (!has(key)) {
-            refuse(mWhere, QStringLiteral("%1 is missing").arg(quoted(key)));
-        }
-        return mObject.take(key);
-    }
-
-    QString takeText(const QString& key)
-    {
-        return toText(where(key), take(key));
-    }
-
-    int takeMilliseconds(const QString& key)
-    {
-        return toMilliseconds(where(key), take(key));
-    }
-
-    int takeCount(const QString& key)
-    {
-        return toNumber<int>(where(key), take(key), 1);
-    }
-
-    /// The one of \a keys that is there.
-    QString choose(const QStringList& keys) const
-    {
-        QStringList found;
-        for (const QString& key : keys) {
-            if (has(key)) {
-                found.append(key);
-            }
-        }
-        if (found.isEmpty()) {
-            const QStringList unknown = mObject.keys();
-            refuse(mWhere,
-                   QStringLiteral("one of %1 is expected%2")
-                       .arg(listed(keys),
-                            unknown.isEmpty() ? QString() : QStringLiteral(", not %1").arg(listed(unknown))));
-        }
-        if (found.size() > 1) {
-            refuse(mWhere, QStringLiteral("only one of %1 is expected").arg(listed(found)));
-        }
-        return found.constFirst();
-    }
-
-    void finish() const
-    {
-        if (!mObject.isEmpty()) {
-            refuse(mWhere, QStringLiteral("unknown key %1").arg(quoted(mObject.begin().key())));
-        }
-    }
-
-private:
-    QString mWhere;
-    QJsonObject mObject;
-};
-
-/// The whole name of a member of an interface, taken apart.
+/// The qualified name of a member of an interface, split.
 struct MemberName
 {
     const BusInterfaces::Interface* interface;
     QString member;
 };
 
-MemberName toMemberName(const QString& where, const QString& name)
+/// Returns the member that `name`, which stands at `reader`, names.
+MemberName toMemberName(const JsonReader& reader, const QString& name)
 {
     const int dot = name.lastIndexOf(QLatin1Char('.'));
     const BusInterfaces::Interface* const interface = BusInterfaces::find(name.left(dot));
@@ -246,23 +39,21 @@ MemberName toMemberName(const QString& where, const QString& name)
         for (const BusInterfaces::Interface& known : BusInterfaces::all()) {
             interfaces.append(known.name);
         }
-        refuse(where,
-               QStringLiteral("%1 is not a member of an interface; the interfaces are %2")
-                   .arg(quoted(name), listed(interfaces)));
+        reader.reject(QStringLiteral("%1 is not a member of an interface; the interfaces are %2")
+                          .arg(JsonReader::quoted(name), JsonReader::quotedList(interfaces)));
     }
     return {interface, name.mid(dot + 1)};
 }
 
-[[noreturn]] void refuseMember(const QString& where, const MemberName& name, const QString& kind,
+[[noreturn]] void rejectMember(const JsonReader& reader, const MemberName& name, const QString& kind,
                                const QStringList& known)
 {
-    refuse(where,
-           QStringLiteral("%1 has no %2 %3; it has %4")
-               .arg(name.interface->name, kind, quoted(name.member),
-                    known.isEmpty() ? QStringLiteral("none") : listed(known)));
+    reader.reject(QStringLiteral("%1 has no %2 %3; it has %4")
+                      .arg(name.interface->name, kind, JsonReader::quoted(name.member),
+                           known.isEmpty() ? QStringLiteral("none") : JsonReader::quotedList(known)));
 }
 
-QMetaMethod findMethod(const QString& where, const MemberName& name)
+QMetaMethod findMethod(const JsonReader& reader, const MemberName& name)
 {
     const QMetaObject* const description = name.interface->description;
     QStringList known;
@@ -276,10 +67,10 @@ QMetaMethod findMethod(const QString& where, const MemberName& name)
             return method;
         }
     }
-    refuseMember(where, name, QStringLiteral("method"), known);
+    rejectMember(reader, name, QStringLiteral("method"), known);
 }
 
-QMetaProperty findProperty(const QString& where, const MemberName& name)
+QMetaProperty findProperty(const JsonReader& reader, const MemberName& name)
 {
     const QMetaObject* const description = name.interface->description;
     QStringList known;
@@ -290,102 +81,99 @@ QMetaProperty findProperty(const QString& where, const MemberName& name)
             return property;
         }
     }
-    refuseMember(where, name, QStringLiteral("property"), known);
+    rejectMember(reader, name, QStringLiteral("property"), known);
 }
 
-const QString cCall = QStringLiteral("call");
-const QString cGet = QStringLiteral("get");
-const QString cSet = QStringLiteral("set");
-const QString cInterface = QStringLiteral("interface");
-const QString cView = QStringLiteral("view");
-const QStringList cCallKeys{cCall, cGet, cSet, cInterface};
-
-CallPattern takeCalls(Members& members)
+CallPattern takeCalls(JsonMembers& members)
 {
     const QString key = members.choose(cCallKeys);
-    const QString where = members.where(key);
-    const QString name = members.takeText(key);
+    const JsonReader reader = members.take(key);
+    const QString name = reader.readText();
     if (key == cInterface) {
         if (BusInterfaces::find(name) == nullptr) {
-            refuse(where, QStringLiteral("there is no interface %1").arg(quoted(name)));
+            reader.reject(QStringLiteral("there is no interface %1").arg(JsonReader::quoted(name)));
         }
         return {BusCall::Kind::Method, name, QString()};
     }
-    const MemberName member = toMemberName(where, name);
+    const MemberName member = toMemberName(reader, name);
     if (key == cCall) {
-        findMethod(where, member);
+        findMethod(reader, member);
         return {BusCall::Kind::Method, member.interface->name, member.member};
     }
-    const QMetaProperty property = findProperty(where, member);
+    const QMetaProperty property = findProperty(reader, member);
     if (key == cSet && !property.isWritable()) {
-        refuse(where, QStringLiteral("%1 can only be read").arg(quoted(name)));
+        reader.reject(QStringLiteral("%1 can only be read").arg(JsonReader::quoted(name)));
     }
     return {key == cSet ? BusCall::Kind::Write : BusCall::Kind::Read, member.interface->name, member.member};
 }
 
-Script::Event readEvent(const QString& where, const QJsonValue& value)
+int takeTimes(JsonMembers& members)
 {
-    Members members(where, value);
+    return members.take(QStringLiteral("times")).readNumber<int>(1);
+}
+
+Script::Event readEvent(const JsonReader& reader)
+{
+    JsonMembers members(reader);
     Script::Event event;
     if (members.choose(cCallKeys + QStringList{cView}) == cView) {
-        event.what = members.takeText(cView);
+        event.what = members.take(cView).readText();
     } else {
         event.what = takeCalls(members);
     }
     if (members.has(QStringLiteral("times"))) {
-        event.times = members.takeCount(QStringLiteral("times"));
+        event.times = takeTimes(members);
     }
     members.finish();
     return event;
 }
 
-Script::AddView readView(const QString& where, const QJsonValue& value)
+Script::AddView readView(const JsonReader& reader)
 {
-    Members members(where, value);
+    const QString title = QStringLiteral("title");
+    const QString processName = QStringLiteral("processName");
+    const QString attributes = QStringLiteral("attributes");
+    JsonMembers members(reader);
     View view;
     view.size = QSize(0, 0);
-    view.uuid = members.takeText(QStringLiteral("uuid"));
-    view.appId = members.takeText(QStringLiteral("appId"));
-    view.pid = toNumber<quint32>(members.where(QStringLiteral("pid")), members.take(QStringLiteral("pid")), 1);
-    view.title = members.has(QStringLiteral("title")) ? members.takeText(QStringLiteral("title")) : view.appId;
-    view.processName =
-        members.has(QStringLiteral("processName")) ? members.takeText(QStringLiteral("processName")) : view.appId;
-    const QString attributes = QStringLiteral("attributes");
+    view.uuid = members.take(QStringLiteral("uuid")).readText();
+    view.appId = members.take(QStringLiteral("appId")).readText();
+    view.pid = members.take(QStringLiteral("pid")).readNumber<quint32>(1);
+    view.title = members.has(title) ? members.take(title).readText() : view.appId;
+    view.processName = members.has(processName) ? members.take(processName).readText() : view.appId;
     if (members.has(attributes)) {
-        view.attributes = toPlainValues(members.where(attributes), members.take(attributes));
+        view.attributes = members.take(attributes).readScalars();
     }
     members.finish();
     return {view};
 }
 
-/// The one member of an object, under a name of the bus.
+/// The one member of an object whose key is a name on the bus.
 struct NamedValue
 {
     MemberName name;
-    QString where;
-    QJsonValue value;
+    JsonReader value;
 };
 
-NamedValue readNamedValue(const QString& where, const QJsonValue& value)
+NamedValue readNamedValue(const JsonReader& reader)
 {
-    const QJsonObject object = value.toObject();
+    const QJsonObject object = reader.value().toObject();
     if (object.size() != 1) {
-        refuse(where, QStringLiteral("an object with one member is expected"));
+        reader.reject(QStringLiteral("an object with one member is expected"));
     }
     const QString key = object.begin().key();
-    const QString inner = QStringLiteral("%1, %2").arg(where, quoted(key));
-    return {toMemberName(where, key), inner, object.begin().value()};
+    return {toMemberName(reader, key), reader.part(JsonReader::quoted(key), object.begin().value())};
 }
 
-Script::Action readSet(const QString& where, const QJsonValue& value)
+Script::Action readSet(const JsonReader& reader)
 {
-    const NamedValue named = readNamedValue(where, value);
-    const QMetaProperty property = findProperty(where, named.name);
+    const NamedValue named = readNamedValue(reader);
+    const QMetaProperty property = findProperty(reader, named.name);
     const bool isScreenSaverActive = named.name.member == QLatin1String("screenSaverActive");
     if (!property.isWritable() && !isScreenSaverActive) {
-        refuse(named.where, QStringLiteral("this property can only be read"));
+        named.value.reject(QStringLiteral("this property can only be read"));
     }
-    const QVariant content = toValue(named.where, named.value, property.userType());
+    const QVariant content = named.value.readValue(property.userType());
     if (isScreenSaverActive) {
         return Script::SetScreenSaverActive{content.toBool()};
     }
@@ -395,107 +183,110 @@ Script::Action readSet(const QString& where, const QJsonValue& value)
                         {named.name.interface->name, named.name.member, QVariant::fromValue(QDBusVariant(content))}};
 }
 
-Script::Call readCall(const QString& where, const QJsonValue& value)
+Script::Call readCall(const JsonReader& reader)
 {
-    const NamedValue named = readNamedValue(where, value);
-    const QMetaMethod method = findMethod(where, named.name);
+    const NamedValue named = readNamedValue(reader);
+    const QMetaMethod method = findMethod(reader, named.name);
     QVector<int> types;
     for (int i = 0; i < method.parameterCount(); ++i) {
-        // What a method gives back beside its result are parameters, too: references, which have no type here.
+        // Out arguments beside the result are parameters, too: references, whose type Qt does not know.
         if (method.parameterType(i) != QMetaType::UnknownType) {
             types.append(method.parameterType(i));
         }
     }
-    const QJsonArray array = named.value.toArray();
-    if (!named.value.isArray() || array.size() != types.size()) {
-        refuse(named.where, QStringLiteral("a list of the method's %1 arguments is expected").arg(types.size()));
+    const QString description = QStringLiteral("a list of the method's %1 arguments").arg(types.size());
+    const QVector<JsonReader> list = named.value.readList(description);
+    if (list.size() != types.size()) {
+        named.value.reject(QStringLiteral("%1 is expected").arg(description));
     }
     QVariantList arguments;
     for (int i = 0; i < types.size(); ++i) {
-        arguments.append(
-            toValue(QStringLiteral("%1, argument %2").arg(named.where).arg(i + 1), array.at(i), types.at(i)));
+        const JsonReader argument = named.value.part(QStringLiteral("argument %1").arg(i + 1), list.at(i).value());
+        arguments.append(argument.readValue(types.at(i)));
     }
     return {named.name.interface->path, named.name.interface->name, named.name.member, arguments};
 }
 
-QString toErrorName(const QString& where, const QString& name)
+QString readErrorName(const JsonReader& reader)
 {
     static const QRegularExpression pattern(QStringLiteral("^[A-Za-z_][A-Za-z0-9_]*(?:\\.[A-Za-z_][A-Za-z0-9_]*)+\\z"));
+    const QString name = reader.readText();
     if (name.size() > cLongestErrorName || !pattern.match(name).hasMatch()) {
-        refuse(where, QStringLiteral("%1 is not the name of a D-Bus error").arg(quoted(name)));
+        reader.reject(QStringLiteral("%1 is not the name of a D-Bus error").arg(JsonReader::quoted(name)));
     }
     return name;
 }
 
-Script::AddFault readFault(const QString& where, const QJsonValue& value)
+Script::AddFault readFault(const JsonReader& reader)
 {
     const QString error = QStringLiteral("error");
     const QString text = QStringLiteral("text");
     const QString delay = QStringLiteral("delay");
     const QString silent = QStringLiteral("silent");
-    Members members(where, value);
+    const QString seconds = QStringLiteral("seconds");
+    JsonMembers members(reader);
     CallFault fault;
     fault.calls = takeCalls(members);
     if (members.has(silent)) {
-        fault.isSilent = toBool(members.where(silent), members.take(silent));
+        fault.isSilent = members.take(silent).readBool();
     }
     const bool isAnswered = members.has(error) || members.has(delay);
     if (fault.isSilent == isAnswered) {
-        refuse(where, QStringLiteral("either \"silent\": true or at least one of \"error\" and \"delay\" is expected"));
+        reader.reject(QStringLiteral("either \"silent\": true or at least one of \"error\" and \"delay\" is expected"));
     }
     if (members.has(error)) {
-        fault.errorName = toErrorName(members.where(error), members.takeText(error));
-        fault.errorText = members.has(text) ? members.takeText(text) : QString();
+        fault.errorName = readErrorName(members.take(error));
+        fault.errorText = members.has(text) ? members.take(text).readText() : QString();
     }
     if (members.has(delay)) {
-        fault.delayMilliseconds = members.takeMilliseconds(delay);
+        fault.delayMilliseconds = members.take(delay).readMilliseconds();
     }
-    if (members.has(QStringLiteral("seconds"))) {
-        fault.lifetimeMilliseconds = members.takeMilliseconds(QStringLiteral("seconds"));
+    if (members.has(seconds)) {
+        fault.lifetimeMilliseconds = members.take(seconds).readMilliseconds();
     }
     if (members.has(QStringLiteral("times"))) {
-        fault.lifetimeCalls = members.takeCount(QStringLiteral("times"));
+        fault.lifetimeCalls = takeTimes(members);
     }
     members.finish();
     return {fault};
 }
 
-Script::EndFault readEndFault(const QString& where, const QJsonValue& value)
+Script::EndFault readEndFault(const JsonReader& reader)
 {
-    Members members(where, value);
+    JsonMembers members(reader);
     const CallPattern calls = takeCalls(members);
     members.finish();
     return {calls};
 }
 
-Script::SetService readService(const QString& where, const QJsonValue& value)
+Script::SetService readService(const JsonReader& reader)
 {
-    const QString text = value.toString();
+    const QString text = reader.value().toString();
     if (text != QLatin1String("gone") && text != QLatin1String("back")) {
-        refuse(where, QStringLiteral("\"gone\" or \"back\" is expected"));
+        reader.reject(QStringLiteral("\"gone\" or \"back\" is expected"));
     }
     return {text == QLatin1String("back")};
+}
+
+Script::RemoveView readRemoveView(const JsonReader& reader)
+{
+    return {reader.readText()};
+}
+
+Script::Freeze readFreeze(const JsonReader& reader)
+{
+    return {reader.readMilliseconds()};
 }
 
 struct Verb
 {
     QString key;
-    Script::Action (*read)(const QString& where, const QJsonValue& value);
+    Script::Action (*read)(const JsonReader& reader);
 };
 
-template <auto function> Script::Action readWith(const QString& where, const QJsonValue& value)
+template <auto function> Script::Action readWith(const JsonReader& reader)
 {
-    return function(where, value);
-}
-
-Script::RemoveView readRemoveView(const QString& where, const QJsonValue& value)
-{
-    return {toText(where, value)};
-}
-
-Script::Freeze readFreeze(const QString& where, const QJsonValue& value)
-{
-    return {toMilliseconds(where, value)};
+    return function(reader);
 }
 
 const QVector<Verb>& verbs()
@@ -517,41 +308,28 @@ Script::Step readStep(int number, const QJsonValue& value)
 {
     const QString at = QStringLiteral("at");
     const QString after = QStringLiteral("after");
-    Members members(QStringLiteral("step %1").arg(number), value);
+    JsonMembers members(JsonReader(QStringLiteral("step %1").arg(number), value));
     Script::Step step;
     step.number = number;
     if (members.has(at)) {
-        step.delayMilliseconds = members.takeMilliseconds(at);
+        step.delayMilliseconds = members.take(at).readMilliseconds();
     }
     if (members.has(after)) {
-        step.after = readEvent(members.where(after), members.take(after));
+        step.after = readEvent(members.take(after));
     }
     QStringList keys;
     for (const Verb& verb : verbs()) {
         keys.append(verb.key);
     }
     const Verb& verb = verbs().at(keys.indexOf(members.choose(keys)));
-    step.action = verb.read(members.where(verb.key), members.take(verb.key));
+    step.action = verb.read(members.take(verb.key));
     members.finish();
     return step;
 }
 
-QJsonArray parse(const QByteArray& content)
-{
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(content, &error);
-    if (document.isNull()) {
-        const int line = content.left(error.offset).count('\n') + 1;
-        refuse(QStringLiteral("line %1").arg(line), QStringLiteral("not JSON: %1").arg(error.errorString()));
-    }
-    if (!document.isArray()) {
-        refuse(QString(), QStringLiteral("a list of steps is expected"));
-    }
-    return document.array();
-}
 } // namespace
 
-std::variant<Script::Plan, ScriptFile::Error> ScriptFile::read(const QString& fileName)
+Result<Script::Plan> ScriptFile::read(const QString& fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -559,12 +337,12 @@ std::variant<Script::Plan, ScriptFile::Error> ScriptFile::read(const QString& fi
     }
     Script::Plan plan{fileName, {}};
     try {
-        const QJsonArray steps = parse(file.readAll());
+        const QVector<JsonReader> steps = JsonReader(file.readAll()).readList(QStringLiteral("a list of steps"));
         for (int i = 0; i < steps.size(); ++i) {
-            plan.steps.push_back(readStep(i + 1, steps.at(i)));
+            plan.steps.push_back(readStep(i + 1, steps.at(i).value()));
         }
-    } catch (const Refusal& refusal) {
-        return Error{QStringLiteral("%1: %2").arg(fileName, refusal.text)};
+    } catch (const Error& error) {
+        return Error{QStringLiteral("%1: %2").arg(fileName, error.text)};
     }
     return plan;
 }

@@ -2,19 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "script/Script.h"
 
 #include <QString>
 
-#include <variant>
-
-/// Reads scripts.
 namespace ScriptFile {
-struct Error
-{
-    QString text;
-};
 
-/// An error says what is wrong with which part of the file.
-std::variant<Script::Plan, Error> read(const QString& fileName);
+/// Reads a script and checks all of it; an error names the part of the file that is wrong.
+Result<Script::Plan> read(const QString& fileName);
+
 } // namespace ScriptFile

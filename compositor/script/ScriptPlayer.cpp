@@ -25,7 +25,7 @@ ScriptPlayer::ScriptPlayer(Script::Plan plan, ViewList& views, ScreenSaver& scre
     connect(&views, &ViewList::viewsChanged, this, &ScriptPlayer::noteViews);
 }
 
-bool ScriptPlayer::start()
+MaybeError ScriptPlayer::start()
 {
     for (const Script::Step& step : mPlan.steps) {
         if (step.after) {
@@ -33,40 +33,42 @@ bool ScriptPlayer::start()
         }
         if (step.delayMilliseconds > 0) {
             takeLater(step);
-        } else if (mError.isEmpty()) {
-            take(step);
+        } else if (const MaybeError error = take(step)) {
+            mHasFailed = true;
+            return error;
         }
     }
-    return mError.isEmpty();
+    return {};
 }
 
-void ScriptPlayer::take(const Script::Step& step)
+MaybeError ScriptPlayer::take(const Script::Step& step)
 {
-    std::visit(
+    const MaybeError error = std::visit(
         [this](const auto& action) {
-            execute(action);
+            return execute(action);
         },
         step.action);
-    if (!mError.isEmpty()) {
-        mError = QStringLiteral("%1: step %2: %3").arg(mPlan.fileName, QString::number(step.number), mError);
+    if (!error) {
+        return {};
     }
+    return Error{QStringLiteral("%1: step %2: %3").arg(mPlan.fileName, QString::number(step.number), error->text)};
 }
 
 void ScriptPlayer::takeLater(const Script::Step& step)
 {
     const auto takeStep = [this, &step] {
-        if (!mError.isEmpty()) {
+        if (mHasFailed) {
             return;
         }
-        take(step);
-        if (!mError.isEmpty()) {
-            Q_EMIT failed();
+        if (const MaybeError error = take(step)) {
+            mHasFailed = true;
+            Q_EMIT failed(*error);
         }
     };
     if (step.delayMilliseconds > 0) {
         QTimer::singleShot(step.delayMilliseconds, Qt::PreciseTimer, this, takeStep);
     } else {
-        // Before the next call of a program that has waited for the answer to this one.
+        // Queued, so that the step is taken before the next call of a program that waits for the reply to this one.
         QMetaObject::invokeMethod(this, takeStep, Qt::QueuedConnection);
     }
 }
@@ -105,64 +107,71 @@ void ScriptPlayer::noteEvent(const Script::Step& step, int times)
     }
 }
 
-void ScriptPlayer::execute(const Script::AddView& action)
+MaybeError ScriptPlayer::execute(const Script::AddView& action)
 {
     if (qAsConst(mViews).find(action.view.uuid) != nullptr) {
-        mError = QStringLiteral("there is a view \"%1\" already").arg(action.view.uuid);
-        return;
+        return Error{QStringLiteral("there is a view \"%1\" already").arg(action.view.uuid)};
     }
     mViews.add(action.view);
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::RemoveView& action)
+MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
 {
     if (qAsConst(mViews).find(action.uuid) == nullptr) {
-        mError = QStringLiteral("there is no view \"%1\"").arg(action.uuid);
-        return;
+        return Error{QStringLiteral("there is no view \"%1\"").arg(action.uuid)};
     }
     mViews.remove(action.uuid);
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::Call& action)
+MaybeError ScriptPlayer::execute(const Script::Call& action)
 {
     const QDBusMessage reply =
         mGate.callOwnObject(mBusService.connection(), action.path, action.interface, action.member, action.arguments);
     if (reply.type() == QDBusMessage::ErrorMessage) {
-        mError = QStringLiteral("%1: %2").arg(reply.errorName(), reply.errorMessage());
+        return Error{QStringLiteral("%1: %2").arg(reply.errorName(), reply.errorMessage())};
     }
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::SetScreenSaverActive& action)
+MaybeError ScriptPlayer::execute(const Script::SetScreenSaverActive& action)
 {
     if (!action.isActive) {
         mScreenSaver.noteInput();
     } else if (!mScreenSaver.activate()) {
-        mError = QStringLiteral("the screen saver is disabled");
+        return Error{QStringLiteral("the screen saver is disabled")};
     }
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::AddFault& action)
+MaybeError ScriptPlayer::execute(const Script::AddFault& action)
 {
     mGate.faults().add(action.fault);
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::EndFault& action)
+MaybeError ScriptPlayer::execute(const Script::EndFault& action)
 {
     mGate.faults().remove(action.calls);
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::SetService& action)
+MaybeError ScriptPlayer::execute(const Script::SetService& action)
 {
     if (!action.isThere) {
         mBusService.giveNamesBack();
-    } else if (mBusService.takeName()) {
-        mBusService.takeNotificationName();
-    } else {
-        mError = mBusService.error();
+        return {};
     }
+    if (const MaybeError error = mBusService.takeName()) {
+        return error;
+    }
+    mBusService.takeNotificationName();
+    return {};
 }
 
-void ScriptPlayer::execute(const Script::Freeze& action)
+MaybeError ScriptPlayer::execute(const Script::Freeze& action)
 {
     QThread::msleep(static_cast<unsigned long>(action.milliseconds));
+    return {};
 }

@@ -2,19 +2,19 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "script/Script.h"
 
 #include <QHash>
 #include <QObject>
 #include <QSet>
-#include <QString>
 
 class BusService;
 class CallGate;
 class ScreenSaver;
 class ViewList;
 
-/// Does what a script says, when it says so.
+/// Plays a script: takes each step when its time or its event has come.
 class ScriptPlayer : public QObject
 {
     Q_OBJECT
@@ -23,41 +23,36 @@ public:
     ScriptPlayer(Script::Plan plan, ViewList& views, ScreenSaver& screenSaver, CallGate& gate, BusService& busService,
                  QObject* parent = nullptr);
 
-    /// Takes the steps that are due at once, and all others from then on. False, with a reason in error(), when one
-    /// of the first cannot be taken.
-    bool start();
-    QString error() const
-    {
-        return mError;
-    }
+    /// Takes the steps that are due at once and schedules the others. Returns why one of the first cannot be taken.
+    MaybeError start();
 
 Q_SIGNALS:
-    /// A later step cannot be taken.
-    void failed();
+    /// A later step cannot be taken; no further step is.
+    void failed(const Error& error);
 
 private:
-    void take(const Script::Step& step);
+    MaybeError take(const Script::Step& step);
     void takeLater(const Script::Step& step);
     void noteCall(const BusCall& call);
     void noteViews();
     void noteEvent(const Script::Step& step, int times);
 
-    void execute(const Script::AddView& action);
-    void execute(const Script::RemoveView& action);
-    void execute(const Script::Call& action);
-    void execute(const Script::SetScreenSaverActive& action);
-    void execute(const Script::AddFault& action);
-    void execute(const Script::EndFault& action);
-    void execute(const Script::SetService& action);
-    void execute(const Script::Freeze& action);
+    MaybeError execute(const Script::AddView& action);
+    MaybeError execute(const Script::RemoveView& action);
+    MaybeError execute(const Script::Call& action);
+    MaybeError execute(const Script::SetScreenSaverActive& action);
+    MaybeError execute(const Script::AddFault& action);
+    MaybeError execute(const Script::EndFault& action);
+    MaybeError execute(const Script::SetService& action);
+    MaybeError execute(const Script::Freeze& action);
 
     const Script::Plan mPlan;
     ViewList& mViews;
     ScreenSaver& mScreenSaver;
     CallGate& mGate;
     BusService& mBusService;
-    /// By the number of the step that waits for them.
+    /// What has been counted for a waiting step, by its number.
     QHash<int, int> mCalls;
     QHash<int, QSet<QString>> mAppearedViews;
-    QString mError;
+    bool mHasFailed = false;
 };

@@ -9,10 +9,18 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include <utility>
+
 Background::Background(const Output& output, const ViewList& views)
     : mOutput(output)
     , mViews(views)
 {
+}
+
+QRegion Background::update()
+{
+    const bool hasView = mViews.currentView() != nullptr;
+    return std::exchange(mHasView, hasView) == hasView ? QRegion() : mOutput.rect();
 }
 
 void Background::paint(QPainter* painter) const
@@ -23,7 +31,7 @@ void Background::paint(QPainter* painter) const
     gradient.setColorAt(1, Theme::cBackgroundBottom);
     painter->fillRect(rect, gradient);
 
-    if (mViews.currentView() != nullptr) {
+    if (mHasView) {
         return;
     }
     QFont font = Theme::font(qBound(18, rect.width() / 16, 64), QFont::Light);

@@ -7,15 +7,17 @@
 class Output;
 class ViewList;
 
-/// What is seen where no view is.
+/// The lowest layer: visible where no view is, and with the product's name while there is none at all.
 class Background : public SceneLayer
 {
 public:
     Background(const Output& output, const ViewList& views);
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 private:
     const Output& mOutput;
     const ViewList& mViews;
+    bool mHasView = false;
 };

@@ -4,20 +4,24 @@
 
 #include "shell/Scene.h"
 #include "shell/Theme.h"
+#include "state/Limits.h"
 #include "state/NotificationCenter.h"
 #include "state/Output.h"
 
 #include <QPainter>
 
+#include <utility>
+
 namespace {
+
 constexpr int cWidth = 360;
 constexpr int cMargin = 12;
 constexpr int cPadding = 14;
 constexpr int cSpacing = 10;
 constexpr int cRadius = 12;
-constexpr int cIconSize = 40;
+constexpr int cCloseSize = 36;
+constexpr int cProgressHeight = 6;
 constexpr int cButtonHeight = 36;
-constexpr int cButtonIconSize = 20;
 constexpr int cButtonsPerRow = 3;
 constexpr int cSummaryLines = 2;
 constexpr int cBodyLines = 4;
@@ -33,6 +37,7 @@ QFont bodyFont()
 {
     return Theme::font(14);
 }
+
 } // namespace
 
 NotificationCards::NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent)
@@ -43,15 +48,20 @@ NotificationCards::NotificationCards(const Output& output, NotificationCenter& c
 {
     connect(&center, &NotificationCenter::changed, this, &NotificationCards::invalidate);
     connect(&output, &Output::geometryChanged, this, &NotificationCards::invalidate);
-    connect(&scene, &Scene::aboutToPaint, this, &NotificationCards::layOutIfNeeded);
 }
 
 void NotificationCards::invalidate()
 {
     if (mIsValid) {
         mIsValid = false;
-        mScene.damage(QRegion());
+        mScene.requestFrame();
     }
+}
+
+QRegion NotificationCards::update()
+{
+    layOutIfNeeded();
+    return std::exchange(mDamage, QRegion());
 }
 
 void NotificationCards::layOutIfNeeded()
@@ -64,7 +74,7 @@ void NotificationCards::layOutIfNeeded()
 
 void NotificationCards::layOut()
 {
-    QRect damage = paintedArea();
+    mDamage |= paintedArea();
     mCards.clear();
     mRemainingRect = QRect();
     mRemainingCount = 0;
@@ -88,10 +98,7 @@ void NotificationCards::layOut()
         mRemainingRect = QRect(topLeft, QSize(width, cRemainingHeight));
     }
 
-    damage |= paintedArea();
-    if (!damage.isEmpty()) {
-        mScene.damage(damage);
-    }
+    mDamage |= paintedArea();
 }
 
 NotificationCards::Card NotificationCards::layOutCard(const Notification& notification, const QPoint& topLeft,
@@ -105,12 +112,13 @@ NotificationCards::Card NotificationCards::layOutCard(const Notification& notifi
     int textWidth = width - 2 * cPadding;
     int bottom = content.y();
     if (!notification.icon.isNull()) {
-        card.iconRect = QRect(content, QSize(cIconSize, cIconSize));
-        textLeft += cIconSize + cPadding;
-        textWidth -= cIconSize + cPadding;
-        bottom += cIconSize;
+        card.iconRect = QRect(content, QSize(Limits::cNotificationIconSize, Limits::cNotificationIconSize));
+        textLeft += Limits::cNotificationIconSize + cPadding;
+        textWidth -= Limits::cNotificationIconSize + cPadding;
+        bottom += Limits::cNotificationIconSize;
     }
-    textWidth = qMax(1, textWidth);
+    card.closeRect = QRect(topLeft.x() + width - cCloseSize, topLeft.y(), cCloseSize, cCloseSize);
+    textWidth = qMax(1, textWidth - (cCloseSize - cPadding));
 
     card.summaryRect = QRect(textLeft, content.y(), textWidth,
                              Theme::textHeight(notification.summary, summaryFont(), textWidth, cSummaryLines));
@@ -118,6 +126,11 @@ NotificationCards::Card NotificationCards::layOutCard(const Notification& notifi
     card.bodyRect = QRect(textLeft, content.y() + card.summaryRect.height() + gap, textWidth,
                           Theme::textHeight(notification.body, bodyFont(), textWidth, cBodyLines));
     bottom = qMax(bottom, card.bodyRect.top() + card.bodyRect.height());
+
+    if (notification.progress) {
+        card.progressRect = QRect(textLeft, bottom + cSpacing, textWidth, cProgressHeight);
+        bottom += cSpacing + cProgressHeight;
+    }
 
     QVector<Notification::Action> actions;
     for (const Notification::Action& action : notification.actions) {
@@ -157,10 +170,10 @@ NotificationCards::Target NotificationCards::targetAt(const QPoint& position)
         }
         for (const Button& button : card.buttons) {
             if (button.rect.contains(position)) {
-                return {card.notification.id, button.action.key};
+                return {card.notification.id, button.action.key, false};
             }
         }
-        return {card.notification.id, QString()};
+        return {card.notification.id, QString(), card.closeRect.contains(position)};
     }
     return {};
 }
@@ -170,16 +183,19 @@ bool NotificationCards::contains(const QPoint& position)
     return targetAt(position).id != 0;
 }
 
-bool NotificationCards::press(const QPoint& position)
+void NotificationCards::press(const QPoint& position)
 {
     mPressed = targetAt(position);
-    return mPressed.id != 0;
 }
 
 void NotificationCards::release(const QPoint& position)
 {
     const Target pressed = std::exchange(mPressed, Target());
     if (pressed.id == 0 || !(targetAt(position) == pressed)) {
+        return;
+    }
+    if (pressed.isCloseButton) {
+        mCenter.close(pressed.id, NotificationCenter::CloseReason::Dismissed);
         return;
     }
     if (!pressed.actionKey.isEmpty()) {
@@ -226,6 +242,16 @@ void NotificationCards::paintCard(QPainter* painter, const Card& card) const
     Theme::drawText(painter, card.summaryRect, card.notification.summary, summaryFont(), Qt::AlignLeft, cSummaryLines);
     painter->setPen(Theme::cMutedText);
     Theme::drawText(painter, card.bodyRect, card.notification.body, bodyFont(), Qt::AlignLeft, cBodyLines);
+    Theme::drawCross(painter, card.closeRect);
+    if (card.notification.progress) {
+        painter->setPen(Qt::NoPen);
+        QRectF bar = card.progressRect;
+        painter->setBrush(Theme::cButton);
+        painter->drawRoundedRect(bar, bar.height() / 2, bar.height() / 2);
+        bar.setWidth(bar.width() * *card.notification.progress / 100);
+        painter->setBrush(Theme::cAccent);
+        painter->drawRoundedRect(bar, bar.height() / 2, bar.height() / 2);
+    }
     for (const Button& button : card.buttons) {
         paintButton(painter, button);
     }
@@ -237,7 +263,7 @@ void NotificationCards::paintButton(QPainter* painter, const Button& button) con
     painter->setBrush(Theme::cButton);
     painter->drawRoundedRect(button.rect, 8, 8);
     if (!button.action.icon.isNull()) {
-        QRect target(0, 0, cButtonIconSize, cButtonIconSize);
+        QRect target(0, 0, Limits::cActionIconSize, Limits::cActionIconSize);
         target.moveCenter(button.rect.center());
         painter->drawImage(target, button.action.icon);
         return;

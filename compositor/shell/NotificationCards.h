@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "shell/SceneLayer.h"
+#include "shell/InputLayer.h"
 #include "state/Notification.h"
 
 #include <QObject>
@@ -13,20 +13,18 @@ class NotificationCenter;
 class Output;
 class Scene;
 
-/// The cards on which notifications are shown, the newest at the top, as many as there is room for.
-class NotificationCards : public QObject, public SceneLayer
+/// The cards of the notifications, the newest at the top, as many as fit.
+class NotificationCards : public QObject, public InputLayer
 {
     Q_OBJECT
 
 public:
     NotificationCards(const Output& output, NotificationCenter& center, Scene& scene, QObject* parent = nullptr);
 
-    bool contains(const QPoint& position);
-    /// True when \a position is on a card: then the press is meant for it.
-    bool press(const QPoint& position);
-    /// Does what was pressed, if the pointer is still there.
-    void release(const QPoint& position);
-
+    bool contains(const QPoint& position) override;
+    void press(const QPoint& position) override;
+    void release(const QPoint& position) override;
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 private:
@@ -42,21 +40,25 @@ private:
         QRect iconRect;
         QRect summaryRect;
         QRect bodyRect;
+        /// Empty without a progress.
+        QRect progressRect;
+        QRect closeRect;
         QVector<Button> buttons;
     };
     struct Target
     {
         quint32 id = 0;
-        /// Empty for the card itself.
+        /// Empty for the card outside its buttons.
         QString actionKey;
+        bool isCloseButton = false;
 
         bool operator==(const Target& other) const
         {
-            return id == other.id && actionKey == other.actionKey;
+            return id == other.id && actionKey == other.actionKey && isCloseButton == other.isCloseButton;
         }
     };
 
-    /// Changes may come faster than anybody can look: the layout waits until it is needed.
+    /// Notifications may change faster than frames are painted: the layout waits until it is needed.
     void invalidate();
     void layOutIfNeeded();
     void layOut();
@@ -71,6 +73,8 @@ private:
     NotificationCenter& mCenter;
     Scene& mScene;
     bool mIsValid = true;
+    /// What the layouts since the last frame have changed.
+    QRegion mDamage;
     QVector<Card> mCards;
     QRect mRemainingRect;
     int mRemainingCount = 0;

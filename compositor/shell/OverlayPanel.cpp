@@ -5,11 +5,15 @@
 #include "shell/Scene.h"
 #include "shell/Theme.h"
 #include "state/Output.h"
+#include "state/SanitizedText.h"
 
 #include <QPainter>
 #include <QTextLayout>
 
+#include <utility>
+
 namespace {
+
 constexpr int cLargestFont = 44;
 constexpr int cSmallestFont = 13;
 constexpr int cRadius = 18;
@@ -23,7 +27,7 @@ struct Fit
     QSizeF size;
 };
 
-/// The largest font in which the whole message fits, or the smallest with as many lines as there is room for.
+/// Returns the largest font in which the whole message fits, or the smallest with as many lines as there is room for.
 Fit fit(const QString& message, const QSizeF& room)
 {
     for (int pixelSize = cLargestFont;; pixelSize -= pixelSize > 24 ? 4 : 2) {
@@ -41,6 +45,7 @@ Fit fit(const QString& message, const QSizeF& room)
         }
     }
 }
+
 } // namespace
 
 OverlayPanel::OverlayPanel(const Output& output, Scene& scene, QObject* parent)
@@ -52,22 +57,27 @@ OverlayPanel::OverlayPanel(const Output& output, Scene& scene, QObject* parent)
 
 void OverlayPanel::show(const QString& message)
 {
-    const QString text = Theme::plainText(message, cLongestMessage);
-    if (mVisible && text == mMessage) {
-        return;
-    }
-    mVisible = true;
-    mMessage = text;
-    mScene.damageAll();
+    change(true, sanitizedText(message, cLongestMessage));
 }
 
 void OverlayPanel::hide()
 {
-    if (mVisible) {
-        mVisible = false;
-        mMessage.clear();
-        mScene.damageAll();
+    change(false, QString());
+}
+
+void OverlayPanel::change(bool visible, const QString& message)
+{
+    if (visible != mVisible || message != mMessage) {
+        mVisible = visible;
+        mMessage = message;
+        mHasChanged = true;
+        mScene.requestFrame();
     }
+}
+
+QRegion OverlayPanel::update()
+{
+    return std::exchange(mHasChanged, false) ? QRegion(mOutput.rect()) : QRegion();
 }
 
 void OverlayPanel::paint(QPainter* painter) const
@@ -80,7 +90,7 @@ void OverlayPanel::paint(QPainter* painter) const
     const QSizeF room(output.width() * 0.86 - 2 * padding, output.height() * 0.86 - 2 * padding);
     const Fit text = fit(mMessage, room);
 
-    // Kept from being thinner than a short message in a single line looks well in.
+    // At least as wide as looks well around a short message in a single line.
     const QSizeF wanted(qMax(text.size.width() + 1, qMin(room.width(), output.width() * 0.4)), text.size.height());
     QRectF textRect(QPointF(), wanted);
     textRect.moveCenter(output.center());

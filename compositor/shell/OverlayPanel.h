@@ -10,7 +10,7 @@
 class Output;
 class Scene;
 
-/// The message over everything.
+/// The global overlay: a message over all other layers.
 class OverlayPanel : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -21,11 +21,15 @@ public:
     void show(const QString& message);
     void hide();
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 private:
+    void change(bool visible, const QString& message);
+
     const Output& mOutput;
     Scene& mScene;
     bool mVisible = false;
+    bool mHasChanged = false;
     QString mMessage;
 };

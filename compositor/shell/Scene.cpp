@@ -3,7 +3,6 @@
 #include "shell/Scene.h"
 
 #include "shell/SceneLayer.h"
-#include "state/Output.h"
 #include "state/ScreenSaver.h"
 
 #include <QPainter>
@@ -13,34 +12,37 @@ Scene::Scene(const Output& output, const ScreenSaver& screenSaver, QObject* pare
     , mOutput(output)
     , mScreenSaver(screenSaver)
 {
-    connect(&output, &Output::geometryChanged, this, &Scene::damageAll);
-    connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::damageAll);
+    connect(&output, &Output::geometryChanged, this, &Scene::repaint);
+    connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::repaint);
 }
 
-void Scene::damage(const QRegion& region)
+void Scene::repaint()
 {
-    mDamage |= region;
-    Q_EMIT frameNeeded();
+    mDamage = mOutput.rect();
+    requestFrame();
 }
 
-void Scene::damageAll()
+void Scene::updateLayers()
 {
-    damage(mOutput.rect());
+    for (SceneLayer* layer : qAsConst(mLayers)) {
+        mDamage |= layer->update();
+    }
 }
 
-QRegion Scene::takeDamage()
+QRegion Scene::update()
 {
+    updateLayers();
     const QRegion damage = std::exchange(mDamage, QRegion()).intersected(mOutput.rect());
     return mOutput.toWindow().map(damage);
 }
 
-void Scene::paint(QPainter* painter) const
+void Scene::paint(QPainter* painter, const QSize& size, const QTransform& transform) const
 {
     if (mScreenSaver.isActive()) {
-        painter->fillRect(QRect(QPoint(), mOutput.physicalSize()), Qt::black);
+        painter->fillRect(QRect(QPoint(), size), Qt::black);
         return;
     }
-    painter->setTransform(mOutput.toWindow(), true);
+    painter->setTransform(transform, true);
     for (const SceneLayer* layer : mLayers) {
         painter->save();
         layer->paint(painter);
@@ -50,9 +52,9 @@ void Scene::paint(QPainter* painter) const
 
 QImage Scene::toImage()
 {
-    update();
+    updateLayers();
     QImage image(mOutput.physicalSize(), QImage::Format_RGB32);
     QPainter painter(&image);
-    paint(&painter);
+    paint(&painter, mOutput.physicalSize(), mOutput.toDisplay());
     return image;
 }

@@ -2,17 +2,18 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "state/Output.h"
+
 #include <QImage>
 #include <QObject>
 #include <QRegion>
 #include <QVector>
 
-class Output;
 class QPainter;
 class SceneLayer;
 class ScreenSaver;
 
-/// What the output shows: its layers, turned as the output is, or nothing while the screen saver is active.
+/// The contents of the output: its layers, rotated with the output, or black while the screen saver is active.
 class Scene : public QObject
 {
     Q_OBJECT
@@ -21,33 +22,39 @@ public:
     Scene(const Output& output, const ScreenSaver& screenSaver, QObject* parent = nullptr);
 
     /// Adds a layer above those that are there already. The layer must outlive the scene.
-    void addLayer(const SceneLayer* layer)
+    void addLayer(SceneLayer* layer)
     {
         mLayers.append(layer);
     }
 
-    /// To be called with the changed part of the output, which may be empty when only a new frame is wanted.
-    void damage(const QRegion& region);
-    void damageAll();
-
-    /// Lets the layers take in what they have got since the last frame.
-    void update()
+    /// Called by a layer that has changed. What has changed, it returns from its update().
+    void requestFrame()
     {
-        Q_EMIT aboutToPaint();
+        Q_EMIT frameRequested();
     }
-    /// The changed part, in the window's coordinates; nothing is changed any more after that.
-    QRegion takeDamage();
+    /// Requests a frame that paints everything.
+    void repaint();
+
+    /// Updates the layers and returns what has changed since the last call, in the window's coordinates.
+    QRegion update();
     /// Paints on a device of the window's size.
-    void paint(QPainter* painter) const;
+    void paint(QPainter* painter) const
+    {
+        paint(painter, mOutput.windowSize(), mOutput.toWindow());
+    }
+    /// Returns what the display of the device shows.
     QImage toImage();
 
 Q_SIGNALS:
-    void frameNeeded();
-    void aboutToPaint();
+    void frameRequested();
 
 private:
+    void updateLayers();
+    void paint(QPainter* painter, const QSize& size, const QTransform& transform) const;
+
     const Output& mOutput;
     const ScreenSaver& mScreenSaver;
-    QVector<const SceneLayer*> mLayers;
+    QVector<SceneLayer*> mLayers;
+    /// In the output's coordinates.
     QRegion mDamage;
 };

@@ -2,14 +2,19 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include <QRegion>
+
 class QPainter;
 
-/// One of the things that the output shows, painted in the output's coordinates.
+/// One layer of the scene, painted in the output's coordinates.
 class SceneLayer
 {
 public:
     virtual ~SceneLayer() = default;
 
+    /// Prepares the layer for paint(): takes in what has changed since the last call and returns the region that
+    /// looks different now. Called before each frame.
+    virtual QRegion update() = 0;
     virtual void paint(QPainter* painter) const = 0;
 
 protected:

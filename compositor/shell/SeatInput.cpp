@@ -2,7 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "shell/SeatInput.h"
 
-#include "shell/NotificationCards.h"
+#include "shell/DeskCommands.h"
+#include "shell/InputLayer.h"
+#include "shell/Menu.h"
 #include "state/ScreenSaver.h"
 #include "wayland/RequestGuard.h"
 
@@ -10,22 +12,26 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
-SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
-                     ScreenSaver& screenSaver, QWindow& window)
+#include <algorithm>
+#include <utility>
+
+SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack,
+                     const Layers& layers, ScreenSaver& screenSaver, QWindow& window)
     : mSeat(seat)
     , mStack(stack)
-    , mCards(cards)
+    , mLayers(layers)
     , mScreenSaver(screenSaver)
     , mCursor(window)
-    , mDrag(seat, guard)
+    , mDrag(drag)
 {
     guard.setCursorRule([this](wl_client* client) {
         return hasPointer(client);
     });
-    guard.setDragRule([this](wl_client* client) {
-        return hasPressedButton(client) && !mDrag.isActive();
+    drag.setRule([this](wl_client* client) {
+        return hasPressedButton(client);
     });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
+    connect(&stack, &WindowStack::currentChanged, this, &SeatInput::updateKeyboardFocus);
     connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
         mCursor.set(surface, QPoint(x, y));
     });
@@ -34,6 +40,14 @@ SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack
             mCursor.reset();
         }
     });
+}
+
+void SeatInput::noteRelease()
+{
+    // The release of the key that has blanked the screen does not wake it.
+    if (!mScreenSaver.isActive()) {
+        mScreenSaver.noteInput();
+    }
 }
 
 bool SeatInput::wakesScreen()
@@ -59,8 +73,13 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
     if (wakesScreen()) {
         return;
     }
-    if (mCards.press(position.toPoint())) {
-        return;
+    if (!mPressedButtons) {
+        mPressedLayer = InputLayer::at(mLayers.pointer, position);
+        if (mPressedLayer != nullptr) {
+            mStack.dismissPopups();
+            mPressedLayer->press(position.toPoint());
+            return;
+        }
     }
     updatePointerFocus();
     if (!mPressedButtons) {
@@ -81,8 +100,10 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
 void SeatInput::pointerRelease(const QPointF& position, Qt::MouseButton button)
 {
     mPosition = position;
-    mScreenSaver.noteInput();
-    mCards.release(position.toPoint());
+    noteRelease();
+    if (InputLayer* const layer = std::exchange(mPressedLayer, nullptr)) {
+        layer->release(position.toPoint());
+    }
     if (!mPressedButtons.testFlag(button)) {
         return;
     }
@@ -105,6 +126,10 @@ void SeatInput::pointerLeft()
 void SeatInput::wheel(const QPointF& position, const QPoint& angleDelta)
 {
     pointerMotion(position);
+    if (mLayers.menu.isOpen()) {
+        mLayers.menu.moveSelection(angleDelta.y() > 0 ? -1 : 1);
+        return;
+    }
     if (!admitPointerEvent()) {
         return;
     }
@@ -120,28 +145,65 @@ void SeatInput::key(QKeyEvent* event)
 {
     const quint32 code = event->nativeScanCode();
     if (event->type() == QEvent::KeyRelease) {
-        mScreenSaver.noteInput();
+        noteRelease();
         if (!event->isAutoRepeat() && mPressedKeys.remove(code) && mSeat->keyboardFocus() != nullptr) {
             mSeat->sendFullKeyEvent(event);
+        }
+        // X11 calls Alt Meta while Shift is held.
+        if (event->key() == Qt::Key_Alt || event->key() == Qt::Key_Meta) {
+            mLayers.menu.finishSwitching();
         }
         return;
     }
     ClientWindow* const window = mStack.current();
-    if (wakesScreen() || event->isAutoRepeat() || window == nullptr || mSeat->keyboardFocus() == nullptr) {
+    if (wakesScreen() || takesKey(event) || event->isAutoRepeat() || window == nullptr
+        || mSeat->keyboardFocus() == nullptr) {
         return;
     }
-    if (window->admitEvent()) {
+    if (code != 0 && window->admitEvent()) {
         mPressedKeys.insert(code);
         mSeat->sendFullKeyEvent(event);
     }
 }
 
+bool SeatInput::takesKey(QKeyEvent* event)
+{
+    int key = event->key();
+    Qt::KeyboardModifiers modifiers =
+        event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (key == Qt::Key_Backtab) {
+        key = Qt::Key_Tab;
+        modifiers |= Qt::ShiftModifier;
+    }
+    key |= static_cast<int>(modifiers);
+    if (mLayers.menu.isOpen()) {
+        mLayers.menu.pressKey(key);
+        return true;
+    }
+    const DeskCommands::Command* const command = mLayers.commands.find(key);
+    if (command != nullptr && !event->isAutoRepeat()) {
+        command->execute();
+    }
+    return command != nullptr;
+}
+
 void SeatInput::releaseKeys()
 {
-    for (const quint32 code : std::exchange(mPressedKeys, QSet<quint32>())) {
+    mLayers.menu.close();
+    for (const quint32 code : std::exchange(mPressedKeys, {})) {
         if (mSeat->keyboardFocus() != nullptr) {
             mSeat->sendKeyReleaseEvent(code);
         }
+    }
+}
+
+void SeatInput::updateKeyboardFocus()
+{
+    ClientWindow* const window = mStack.current();
+    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
+    mSeat->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
+    if (window != nullptr) {
+        window->ping();
     }
 }
 
@@ -164,15 +226,15 @@ void SeatInput::updatePointerFocus()
         }
         mPressedButtons = Qt::NoButton;
     }
-    const bool isOverCard = mCards.contains(mPosition.toPoint());
-    setPointerFocus(isOverCard ? WindowStack::Hit() : mStack.surfaceAt(mPosition));
+    setPointerFocus(InputLayer::at(mLayers.pointer, mPosition) == nullptr ? mStack.surfaceAt(mPosition)
+                                                                          : WindowStack::Hit());
 }
 
 void SeatInput::setPointerFocus(const WindowStack::Hit& target)
 {
     const bool hasMoved = target.window != mPointerWindow;
-    // A client that ends takes its surfaces along one after the other, and Qt does not survive an event for one that is
-    // about to go.
+    // While a client disconnects, its surfaces are destroyed one by one; QWaylandSeat crashes on an event for one that
+    // is already being destroyed.
     const bool isThere =
         target.surface != nullptr && target.surface->surface() != nullptr && !target.surface->surface()->isDestroyed();
     const bool isAdmitted = isThere && target.window != nullptr && target.window->admitEvent();

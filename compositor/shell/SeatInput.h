@@ -13,20 +13,33 @@
 #include <QPointF>
 #include <QPointer>
 #include <QSet>
+#include <QVector>
 
-class NotificationCards;
+class DeskCommands;
+class InputLayer;
+class Menu;
 class QKeyEvent;
 class QWaylandSeat;
+class RequestGuard;
 class ScreenSaver;
 
-/// Leads the input to where it belongs: first it ends the screen saver, then it is for the notification cards, then
-/// for the current view. Positions are in the output's coordinates.
+/// Routes input: it ends the screen saver first, then goes to the compositor's own layers and commands, then to the
+/// current view. All positions are in the output's coordinates.
 class SeatInput : public QObject
 {
     Q_OBJECT
 
 public:
-    SeatInput(QWaylandSeat* seat, RequestGuard& guard, WindowStack& stack, NotificationCards& cards,
+    /// The compositor's own layers that receive input.
+    struct Layers
+    {
+        /// From the top to the bottom.
+        QVector<InputLayer*> pointer;
+        Menu& menu;
+        const DeskCommands& commands;
+    };
+
+    SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, WindowStack& stack, const Layers& layers,
               ScreenSaver& screenSaver, QWindow& window);
 
     void pointerMotion(const QPointF& position);
@@ -35,35 +48,41 @@ public:
     void pointerLeft();
     void wheel(const QPointF& position, const QPoint& angleDelta);
     void key(QKeyEvent* event);
-    /// To be called when the releases will not come any more.
+    /// Sends the releases of all pressed keys. To be called when the window loses the focus.
     void releaseKeys();
 
 private:
-    /// True when the input has only ended the screen saver.
+    /// Returns whether the input has ended the screen saver; it has no other effect then.
     bool wakesScreen();
+    void noteRelease();
+    /// Returns whether the key is for the menu or for a command.
+    bool takesKey(QKeyEvent* event);
+    void updateKeyboardFocus();
     void updatePointerFocus();
     void setPointerFocus(const WindowStack::Hit& target);
-    /// Whether a press or a turn of the wheel may be sent to what has the pointer.
+    /// Returns whether a button or wheel event may be sent to the surface with the pointer focus.
     bool admitPointerEvent();
     bool hasPointer(wl_client* client) const;
     bool hasPressedButton(wl_client* client) const;
 
     QWaylandSeat* mSeat;
     WindowStack& mStack;
-    NotificationCards& mCards;
+    const Layers mLayers;
     ScreenSaver& mScreenSaver;
     ClientCursor mCursor;
-    ClientDrag mDrag;
+    ClientDrag& mDrag;
 
+    /// The layer that the pointer has pressed.
+    InputLayer* mPressedLayer = nullptr;
     QPointF mPosition;
     bool mIsInside = false;
-    /// The buttons that the client has been told of; while there are any, its surface keeps the pointer.
+    /// The buttons whose press was sent to the client; its surface has an implicit grab while there are any.
     Qt::MouseButtons mPressedButtons;
-    /// Whose surface has the pointer.
+    /// The window of the surface with the pointer focus.
     QPointer<ClientWindow> mPointerWindow;
     QPointer<ClientWindow> mGrabbingWindow;
     QPointer<ClientSurface> mGrabbingSurface;
     QPointF mGrabOrigin;
-    /// The scan codes that the client has been told of.
+    /// The scan codes whose press was sent to the client.
     QSet<quint32> mPressedKeys;
 };

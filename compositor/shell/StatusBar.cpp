@@ -5,15 +5,19 @@
 #include "shell/Scene.h"
 #include "shell/Theme.h"
 #include "state/Output.h"
+#include "state/SanitizedText.h"
 #include "state/ViewList.h"
 
 #include <QPainter>
 #include <QTime>
 
 namespace {
+
 constexpr int cMargin = 14;
 constexpr int cClockWidth = 60;
+constexpr int cMenuSignWidth = 16;
 constexpr int cLongestTitle = 400;
+
 } // namespace
 
 StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, QObject* parent)
@@ -24,12 +28,17 @@ StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, 
 {
     mClock.setSingleShot(true);
     connect(&mClock, &QTimer::timeout, this, [this] {
-        mScene.damage(mOutput.statusBarRect());
+        mScene.requestFrame();
         waitForNextMinute();
     });
     connect(&output, &Output::geometryChanged, this, &StatusBar::waitForNextMinute);
-    connect(&views, &ViewList::viewsChanged, this, &StatusBar::update);
-    connect(&views, &ViewList::currentChanged, this, &StatusBar::update);
+    const auto requestFrameForTitle = [this] {
+        if (mTitle != title()) {
+            mScene.requestFrame();
+        }
+    };
+    connect(&views, &ViewList::viewsChanged, this, requestFrameForTitle);
+    connect(&views, &ViewList::currentChanged, this, requestFrameForTitle);
     waitForNextMinute();
 }
 
@@ -43,12 +52,16 @@ void StatusBar::waitForNextMinute()
     mClock.start(60000 - now.second() * 1000 - now.msec());
 }
 
-void StatusBar::update()
+QRegion StatusBar::update()
 {
-    if (mTitle != title()) {
-        mTitle = title();
-        mScene.damage(mOutput.statusBarRect());
+    const QString newTitle = title();
+    const QString newTime = QTime::currentTime().toString(QStringLiteral("HH:mm"));
+    if (newTitle == mTitle && newTime == mTime) {
+        return {};
     }
+    mTitle = newTitle;
+    mTime = newTime;
+    return mOutput.statusBarRect();
 }
 
 QString StatusBar::title() const
@@ -57,8 +70,24 @@ QString StatusBar::title() const
     if (view == nullptr) {
         return {};
     }
-    const QString title = Theme::plainText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
+    const QString title = sanitizedText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
     return view->isResponding ? title : QStringLiteral("%1 (not responding)").arg(title);
+}
+
+bool StatusBar::contains(const QPoint& position)
+{
+    return mOutput.statusBarRect().contains(position);
+}
+
+void StatusBar::press(const QPoint&)
+{
+}
+
+void StatusBar::release(const QPoint& position)
+{
+    if (contains(position)) {
+        Q_EMIT clicked();
+    }
 }
 
 void StatusBar::paint(QPainter* painter) const
@@ -72,10 +101,12 @@ void StatusBar::paint(QPainter* painter) const
 
     painter->setPen(Theme::cText);
     const QFont font = Theme::font(15, QFont::Medium);
-    Theme::drawText(painter, bar.adjusted(cMargin, 0, -2 * cMargin - cClockWidth, 0), mTitle, font,
+    for (int line = -1; line <= 1; ++line) {
+        painter->fillRect(cMargin, bar.center().y() + 5 * line, cMenuSignWidth, 2, Theme::cMutedText);
+    }
+    Theme::drawText(painter, bar.adjusted(2 * cMargin + cMenuSignWidth, 0, -2 * cMargin - cClockWidth, 0), mTitle, font,
                     Qt::AlignLeft | Qt::AlignVCenter, 1);
     painter->setPen(Theme::cMutedText);
     painter->setFont(font);
-    painter->drawText(bar.adjusted(0, 0, -cMargin, 0), Qt::AlignRight | Qt::AlignVCenter,
-                      QTime::currentTime().toString(QStringLiteral("HH:mm")));
+    painter->drawText(bar.adjusted(0, 0, -cMargin, 0), Qt::AlignRight | Qt::AlignVCenter, mTime);
 }

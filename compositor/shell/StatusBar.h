@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "shell/SceneLayer.h"
+#include "shell/InputLayer.h"
 
 #include <QObject>
 #include <QTimer>
@@ -11,18 +11,24 @@ class Output;
 class Scene;
 class ViewList;
 
-/// The bar at the top: the current view's title and the time.
-class StatusBar : public QObject, public SceneLayer
+/// The bar at the top: the current view's title and the time. It opens the menu.
+class StatusBar : public QObject, public InputLayer
 {
     Q_OBJECT
 
 public:
     StatusBar(const Output& output, const ViewList& views, Scene& scene, QObject* parent = nullptr);
 
+    bool contains(const QPoint& position) override;
+    void press(const QPoint& position) override;
+    void release(const QPoint& position) override;
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
+Q_SIGNALS:
+    void clicked();
+
 private:
-    void update();
     void waitForNextMinute();
     QString title() const;
 
@@ -30,5 +36,7 @@ private:
     const ViewList& mViews;
     Scene& mScene;
     QTimer mClock;
+    /// The texts that are painted.
     QString mTitle;
+    QString mTime;
 };

@@ -17,22 +17,6 @@ QFont Theme::font(int pixelSize, QFont::Weight weight)
     return font;
 }
 
-QString Theme::plainText(const QString& text, int length)
-{
-    QString plain = text.left(length);
-    for (QChar& character : plain) {
-        if (character == QLatin1Char('\n') || character == QChar::ParagraphSeparator) {
-            character = QChar::LineSeparator;
-        } else if (character.category() == QChar::Other_Control) {
-            character = QLatin1Char(' ');
-        }
-    }
-    if (!plain.isEmpty() && plain.at(plain.size() - 1).isHighSurrogate()) {
-        plain.chop(1);
-    }
-    return plain;
-}
-
 qreal Theme::layOutLines(QTextLayout* layout, qreal width, int maximumLines)
 {
     QTextOption option;
@@ -41,7 +25,7 @@ qreal Theme::layOutLines(QTextLayout* layout, qreal width, int maximumLines)
     layout->setCacheEnabled(true);
     qreal height = 0;
     layout->beginLayout();
-    // One line more than wanted is made, so that the caller can see that there is more text.
+    // Lays out one line more, by which the caller sees that the text continues.
     for (int i = 0; i <= maximumLines; ++i) {
         QTextLine line = layout->createLine();
         if (!line.isValid()) {
@@ -82,6 +66,15 @@ int Theme::textHeight(const QString& text, const QFont& font, int width, int max
 {
     QTextLayout layout(text, font);
     return text.isEmpty() ? 0 : qCeil(layOutLines(&layout, width, maximumLines));
+}
+
+void Theme::drawCross(QPainter* painter, const QRect& rect)
+{
+    constexpr qreal cReach = 4.5;
+    const QPointF center = QRectF(rect).center();
+    painter->setPen(QPen(cMutedText, 1.5, Qt::SolidLine, Qt::RoundCap));
+    painter->drawLine(center + QPointF(-cReach, -cReach), center + QPointF(cReach, cReach));
+    painter->drawLine(center + QPointF(-cReach, cReach), center + QPointF(cReach, -cReach));
 }
 
 void Theme::drawShadow(QPainter* painter, const QRectF& rect, qreal radius, int reach)

@@ -11,12 +11,16 @@
 #include "wayland/ClientWindow.h"
 
 #include <QPainter>
+#include <QWaylandXdgToplevel>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
-/// Of one client. Finding the place of one takes a step for each that it hangs on.
+
+/// Of one client. Bounds the walk from a popup up to its window.
 constexpr int cMostPopups = 50;
+
 } // namespace
 
 WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)
@@ -30,7 +34,6 @@ WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QO
         configureAll();
     });
     connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
-    connect(&scene, &Scene::aboutToPaint, this, &WindowStack::updateContents);
 }
 
 void WindowStack::addWindow(ClientWindow* window)
@@ -59,8 +62,7 @@ void WindowStack::addPopup(ClientPopup* popup)
     mPopups.append(popup);
     connect(popup, &QObject::destroyed, this, [this, popup] {
         mPopups.removeOne(popup);
-        mScene.damageAll();
-        Q_EMIT arrangementChanged();
+        rearrange();
     });
     connect(popup, &ClientPopup::committed, this, [this, popup] {
         handleCommit(popup);
@@ -70,7 +72,24 @@ void WindowStack::addPopup(ClientPopup* popup)
 
 ClientWindow* WindowStack::current() const
 {
-    const QString uuid = mViews.current();
+    return windowOfView(mViews.current());
+}
+
+bool WindowStack::canClose(const QString& uuid) const
+{
+    return windowOfView(uuid) != nullptr;
+}
+
+void WindowStack::close(const QString& uuid)
+{
+    ClientWindow* const window = windowOfView(uuid);
+    if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
+        window->toplevel()->sendClose();
+    }
+}
+
+ClientWindow* WindowStack::windowOfView(const QString& uuid) const
+{
     const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [&uuid](const ClientWindow* window) {
         return window->isMapped() && window->uuid() == uuid;
     });
@@ -88,7 +107,7 @@ ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
 QVector<ClientWindow*> WindowStack::visibleWindows() const
 {
     QVector<ClientWindow*> windows;
-    // A client may name its windows as each other's parents in a circle.
+    // A client may make its windows each other's parents in a circle.
     for (ClientWindow* window = current(); window != nullptr && !windows.contains(window);
          window = windowOf(window->parentToplevel())) {
         if (window->isMapped()) {
@@ -134,7 +153,7 @@ QRect WindowStack::frameOf(const ClientWindow* window) const
     return {area.topLeft() + QPoint(qMax(0, margin.x()), qMax(0, margin.y())), size};
 }
 
-/// Where the window geometry begins on the output.
+/// Returns the top left corner of the window geometry on the output.
 QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
 {
     QPoint origin;
@@ -157,7 +176,7 @@ QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
 QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
 {
     return xdgSurface == nullptr ? QPoint()
-                                 : originOf(xdgSurface) - ClientBounds::bounded(xdgSurface->windowGeometry()).topLeft();
+                                 : originOf(xdgSurface) - ClientBounds::clamped(xdgSurface->windowGeometry()).topLeft();
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -171,7 +190,7 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
             return hit;
         }
     }
-    // Only the topmost window takes input: what lies beneath it waits for its dialog.
+    // Only the topmost window receives input: dialogs are modal.
     ClientWindow* const window = current();
     if (window != nullptr && window->surface() != nullptr && mOutput.workArea().contains(position.toPoint())) {
         hit.surface = window->surface()->surfaceAt(position - surfacePosition(window->xdgSurface()), &hit.position);
@@ -186,8 +205,7 @@ void WindowStack::dismissPopups()
         (*popup)->dismiss();
     }
     if (!mPopups.isEmpty()) {
-        mScene.damageAll();
-        Q_EMIT arrangementChanged();
+        rearrange();
     }
 }
 
@@ -233,8 +251,15 @@ void WindowStack::handleCurrentChanged()
 {
     dismissPopups();
     configureAll();
-    mScene.damageAll();
+    rearrange();
+}
+
+void WindowStack::rearrange()
+{
+    mIsRearranged = true;
+    mScene.requestFrame();
     Q_EMIT arrangementChanged();
+    Q_EMIT currentChanged();
 }
 
 void WindowStack::handleCommit(const QObject* source)
@@ -246,15 +271,15 @@ void WindowStack::handleCommit(const QObject* source)
     const QVector<ClientPopup*> popups = visiblePopups();
     if (std::any_of(windows.cbegin(), windows.cend(), isSource)
         || std::any_of(popups.cbegin(), popups.cend(), isSource)) {
-        mScene.damage(QRegion());
+        mScene.requestFrame();
     }
 }
 
-void WindowStack::updateContents()
+QRegion WindowStack::update()
 {
     QRegion damage;
     QVector<QRect> arrangement;
-    const auto update = [&](ClientSurface* surface, const QWaylandXdgSurface* xdgSurface) {
+    const auto updateSurface = [&](ClientSurface* surface, const QWaylandXdgSurface* xdgSurface) {
         const QRegion changed = surface->update();
         const QPoint position = surfacePosition(xdgSurface);
         damage |= changed.translated(position);
@@ -262,19 +287,17 @@ void WindowStack::updateContents()
     };
     for (const ClientWindow* window : visibleWindows()) {
         if (window->surface() != nullptr) {
-            update(window->surface(), window->xdgSurface());
+            updateSurface(window->surface(), window->xdgSurface());
         }
     }
     for (const ClientPopup* popup : visiblePopups()) {
-        update(popup->surface(), popup->xdgSurface());
+        updateSurface(popup->surface(), popup->xdgSurface());
     }
 
     if (arrangement != mArrangement) {
         mArrangement = arrangement;
-        damage = mOutput.rect();
+        mIsRearranged = true;
         Q_EMIT arrangementChanged();
     }
-    if (!damage.isEmpty()) {
-        mScene.damage(damage & mOutput.workArea());
-    }
+    return std::exchange(mIsRearranged, false) ? mOutput.workArea() : damage & mOutput.workArea();
 }

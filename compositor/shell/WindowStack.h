@@ -18,8 +18,8 @@ class QWaylandXdgToplevel;
 class Scene;
 class ViewList;
 
-/// The clients' windows and popups: which of them are shown, where, and what lies under the pointer. Shown are the
-/// window of the current view, beneath it the windows that it is a dialog of, and above it their popups.
+/// The clients' windows and popups: which of them are visible, where, and which surface is under the pointer. Visible
+/// are the window of the current view, below it the parents of a dialog, and above it their popups.
 class WindowStack : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     {
         ClientWindow* window = nullptr;
         ClientSurface* surface = nullptr;
-        /// In the surface.
+        /// In the surface's coordinates.
         QPointF position;
     };
 
@@ -40,20 +40,29 @@ public:
 
     /// Null when there is no view.
     ClientWindow* current() const;
-    /// What takes input at \a position; all null when nothing does.
+    /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
-    /// Tells the clients that their contents have been shown.
+    /// Returns whether the view has a window, which its client can be asked to close.
+    bool canClose(const QString& uuid) const;
+    /// Asks the client to close the window of the view, if it has one.
+    void close(const QString& uuid);
+    /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();
 
+    QRegion update() override;
     void paint(QPainter* painter) const override;
 
 Q_SIGNALS:
-    /// Another surface may lie under the pointer.
+    /// The surface under the pointer may have changed.
     void arrangementChanged();
+    /// current() has changed, and all windows have been configured.
+    void currentChanged();
 
 private:
     ClientWindow* windowOf(const QWaylandXdgToplevel* toplevel) const;
+    /// Null when the view has no window.
+    ClientWindow* windowOfView(const QString& uuid) const;
     /// From the bottom to the top.
     QVector<ClientWindow*> visibleWindows() const;
     QVector<ClientPopup*> visiblePopups() const;
@@ -65,14 +74,16 @@ private:
     void configureAll();
     void handleCurrentChanged();
     void handleCommit(const QObject* source);
-    void updateContents();
+    /// To be called when other surfaces are visible than before.
+    void rearrange();
 
     const Output& mOutput;
     ViewList& mViews;
     Scene& mScene;
     QVector<ClientWindow*> mWindows;
-    /// In the order of their opening.
+    /// In the order in which they were opened.
     QVector<ClientPopup*> mPopups;
-    /// Where everything was when it was painted last.
+    /// The rectangles of the visible surfaces in the last frame.
     QVector<QRect> mArrangement;
+    bool mIsRearranged = false;
 };

@@ -6,18 +6,20 @@
 #include <QString>
 #include <QVector>
 
-/// One notification, as it is shown.
+#include <optional>
+
+/// One notification, sanitized and ready to be painted.
 struct Notification
 {
     struct Action
     {
         QString key;
         QString label;
-        /// Shown instead of the label when there is one.
+        /// Painted instead of the label; may be null.
         QImage icon;
     };
 
-    /// The key of the action that a click on the card itself stands for; it gets no button.
+    /// The key of the action that a click on the card outside its buttons triggers; it has no button.
     static QString defaultActionKey();
     bool hasDefaultAction() const;
 
@@ -26,9 +28,11 @@ struct Notification
     QString body;
     QImage icon;
     QVector<Action> actions;
-    /// Stays when one of its actions is chosen.
+    /// Is not closed when one of its actions is chosen.
     bool isResident = false;
     bool isCritical = false;
+    /// In percent.
+    std::optional<int> progress;
     /// 0 is never.
     int timeoutMilliseconds = 0;
 };

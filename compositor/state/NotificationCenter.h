@@ -9,8 +9,8 @@
 #include <QTimer>
 #include <QVector>
 
-/// The notifications that are there, until they expire or are closed. Their number is bounded: when there are too many
-/// the oldest gives way.
+/// The open notifications, until they expire or are closed. Their number is bounded: the oldest is closed when there
+/// are too many.
 class NotificationCenter : public QObject
 {
     Q_OBJECT
@@ -31,9 +31,9 @@ public:
     /// The oldest first.
     QVector<Notification> notifications() const;
 
-    /// Takes the place of the notification \a replacesId if that is still there, else gets a new id. Answers the id.
+    /// Replaces the notification `replacesId` if that is still open; otherwise adds one. Returns its id.
     quint32 notify(Notification notification, quint32 replacesId);
-    /// False when there is no such notification.
+    /// Returns false when there is no such notification.
     bool close(quint32 id, CloseReason reason);
     void invokeAction(quint32 id, const QString& key);
 

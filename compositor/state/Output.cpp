@@ -3,8 +3,10 @@
 #include "state/Output.h"
 
 namespace {
+
 constexpr int cStatusBarHeight = 34;
-}
+
+} // namespace
 
 Output::Output(const QSize& physicalSize, QObject* parent)
     : QObject(parent)
@@ -65,7 +67,7 @@ QRect Output::workArea() const
     return rect().adjusted(0, statusBarRect().height(), 0, 0);
 }
 
-QTransform Output::toWindow() const
+QTransform Output::toDisplay() const
 {
     QTransform transform;
     switch (mRotation) {

@@ -9,8 +9,8 @@
 #include <QStringList>
 #include <QTransform>
 
-/// The geometry of the one output: a window of some physical size whose contents are turned, and what of it is left to
-/// the views. All rectangles but physicalSize() are in the contents' own, unturned coordinates.
+/// The geometry of the one output: its physical size, the rotation of its contents, and the work area that is left to
+/// the views. All rectangles are in the coordinates of the rotated contents; only physicalSize() is the window's.
 class Output : public QObject
 {
     Q_OBJECT
@@ -24,6 +24,20 @@ public:
     }
     void setPhysicalSize(const QSize& size);
 
+    /// Turns the window instead of its contents, so that these stand upright on the desktop.
+    void setWindowTurning(bool isTurning)
+    {
+        mTurnsWindow = isTurning;
+    }
+    QSize windowSize() const
+    {
+        return mTurnsWindow ? size() : mPhysicalSize;
+    }
+    void setWindowSize(const QSize& size)
+    {
+        setPhysicalSize(mTurnsWindow && mRotation % 180 != 0 ? size.transposed() : size);
+    }
+
     /// Clockwise, in degrees.
     int rotation() const
     {
@@ -33,7 +47,7 @@ public:
     {
         return QString::number(mRotation);
     }
-    /// False, and nothing changed, when \a orientation is none of orientations().
+    /// Returns false when `orientation` is none of orientations().
     bool setOrientation(const QString& orientation);
     static QStringList orientations();
 
@@ -51,7 +65,12 @@ public:
     QRect statusBarRect() const;
     QRect workArea() const;
 
-    QTransform toWindow() const;
+    /// From the contents to the display of the device.
+    QTransform toDisplay() const;
+    QTransform toWindow() const
+    {
+        return mTurnsWindow ? QTransform() : toDisplay();
+    }
     QPointF fromWindow(const QPointF& position) const
     {
         return toWindow().inverted().map(position);
@@ -66,4 +85,5 @@ private:
     QSize mPhysicalSize;
     int mRotation = 0;
     bool mFullScreen = false;
+    bool mTurnsWindow = false;
 };

@@ -44,7 +44,7 @@ bool ScreenSaver::activate()
 
 void ScreenSaver::noteInput()
 {
-    // Input is frequent: the timer is left alone and finds out by itself, when it ends, that it was too early.
+    // Input is frequent, so the timer is not restarted: startOrWait() sees when it fires that it was too early.
     mIdle.restart();
     if (mActive) {
         setActive(false);

@@ -6,7 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
-/// Decides when the screen is blank: after a time without input, until there is input again.
+/// Blanks the screen after a time without input, until there is input again.
 class ScreenSaver : public QObject
 {
     Q_OBJECT
@@ -32,7 +32,7 @@ public:
     }
     void setTimeoutSeconds(int seconds);
 
-    /// Blanks the screen as if the time were over; false when the screen saver is disabled.
+    /// Blanks the screen at once. Returns false when the screen saver is disabled.
     bool activate();
     /// To be called for every input.
     void noteInput();

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVariantMap>
 
-/// One view: what an application shows in one window, or what a script says of one.
+/// One view: a mapped toplevel window of an application, or a view that a script has added.
 struct View
 {
     QString uuid;
@@ -19,6 +19,6 @@ struct View
     QSize size;
     bool isDialog = false;
     bool isResponding = true;
-    /// Told in addition to those that are made of the above, or instead of them.
+    /// Extra attributes from a script; they override the derived ones.
     QVariantMap attributes;
 };

@@ -3,6 +3,7 @@
 #include "state/ViewList.h"
 
 #include <algorithm>
+#include <iterator>
 
 const View* ViewList::find(const QString& uuid) const
 {
@@ -18,6 +19,34 @@ View* ViewList::find(const QString& uuid)
         return view.uuid == uuid;
     });
     return found == mViews.end() ? nullptr : &*found;
+}
+
+QStringList ViewList::recent() const
+{
+    QStringList uuids = mRecent;
+    std::reverse(uuids.begin(), uuids.end());
+    return uuids;
+}
+
+QString ViewList::neighbour(int step) const
+{
+    const View* const current = currentView();
+    if (current == nullptr) {
+        return {};
+    }
+    QVector<View> siblings;
+    std::copy_if(mViews.cbegin(), mViews.cend(), std::back_inserter(siblings), [current](const View& view) {
+        return view.appId == current->appId;
+    });
+    std::sort(siblings.begin(), siblings.end(), [](const View& left, const View& right) {
+        return left.sortIndex < right.sortIndex;
+    });
+    const auto position = std::find_if(siblings.cbegin(), siblings.cend(), [current](const View& view) {
+        return view.uuid == current->uuid;
+    });
+    const int count = siblings.size();
+    const int index = static_cast<int>(position - siblings.cbegin());
+    return siblings.at((index + step + count) % count).uuid;
 }
 
 bool ViewList::setCurrent(const QString& uuid)

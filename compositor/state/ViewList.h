@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVector>
 
-/// All views in the order of their appearance, and which of them is the current one.
+/// All views in the order of their appearance, and the current one.
 class ViewList : public QObject
 {
     Q_OBJECT
@@ -32,12 +32,17 @@ public:
     {
         return find(current());
     }
-    /// False, and nothing changed, when there is no such view.
+    /// Returns the uuids of all views, the current one first and the others in the order of their last use.
+    QStringList recent() const;
+    /// Returns the uuid of the view after (1) or before (-1) the current one among those of its application, in the
+    /// order of their sort indices and from the last to the first. Empty when there is no view.
+    QString neighbour(int step) const;
+    /// Returns false when there is no such view.
     bool setCurrent(const QString& uuid);
 
-    /// Adds \a view as the current one, with the next sort index of its application.
+    /// Adds `view` as the current one, with the next sort index of its application.
     void add(View view);
-    /// When the current view is removed, the one that was current before it follows.
+    /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
 
     void setAppId(const QString& uuid, const QString& appId);
@@ -47,7 +52,7 @@ public:
     void setResponding(const QString& uuid, bool isResponding);
 
 Q_SIGNALS:
-    /// Comes before currentChanged() when both change.
+    /// Emitted before currentChanged() when both change.
     void viewsChanged();
     void currentChanged();
 

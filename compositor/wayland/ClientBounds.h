@@ -6,31 +6,33 @@
 #include <QRect>
 #include <QSize>
 
-/// How far what a client names may reach. Its numbers go up to where sums of them overflow; no output is that large.
+/// Clamps coordinates and sizes from clients to +-32767, so that sums of them cannot overflow.
 namespace ClientBounds {
+
 constexpr int cFarthest = 32767;
 
-inline int bounded(int value)
+inline int clamped(int value)
 {
     return qBound(-cFarthest, value, cFarthest);
 }
 
-inline QPoint bounded(const QPoint& position)
+inline QPoint clamped(const QPoint& position)
 {
-    return {bounded(position.x()), bounded(position.y())};
+    return {clamped(position.x()), clamped(position.y())};
 }
 
-inline QSize bounded(const QSize& size)
+inline QSize clamped(const QSize& size)
 {
-    return {bounded(size.width()), bounded(size.height())};
+    return {clamped(size.width()), clamped(size.height())};
 }
 
-inline QRect bounded(const QRect& rect)
+inline QRect clamped(const QRect& rect)
 {
-    // QRect tells its size as the difference of its corners, which may be more than an int holds.
+    // QRect computes its size as the difference of its corners, which may overflow an int.
     const auto distance = [](int from, int to) {
         return static_cast<int>(qBound<qint64>(-cFarthest, qint64(to) - from + 1, cFarthest));
     };
-    return {bounded(rect.topLeft()), QSize(distance(rect.left(), rect.right()), distance(rect.top(), rect.bottom()))};
+    return {clamped(rect.topLeft()), QSize(distance(rect.left(), rect.right()), distance(rect.top(), rect.bottom()))};
 }
+
 } // namespace ClientBounds

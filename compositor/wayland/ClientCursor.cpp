@@ -3,12 +3,15 @@
 #include "wayland/ClientCursor.h"
 
 #include <QCursor>
+#include <QPainter>
 #include <QPixmap>
 #include <QWindow>
 
 namespace {
+
 constexpr int cLargestEdge = 256;
-}
+
+} // namespace
 
 ClientCursor::ClientCursor(QWindow& window, QObject* parent)
     : QObject(parent)
@@ -44,8 +47,12 @@ void ClientCursor::showImage()
 {
     mSurface->update();
     const QSize size = mSurface->size();
-    if (!mSurface->image().isNull() && size.width() <= cLargestEdge && size.height() <= cLargestEdge) {
-        const QImage image = mSurface->image().scaled(size);
-        mWindow.setCursor(QCursor(QPixmap::fromImage(image), mHotSpot.x(), mHotSpot.y()));
+    if (!size.isEmpty() && size.width() <= cLargestEdge && size.height() <= cLargestEdge) {
+        QPixmap image(size);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        mSurface->paint(&painter, QPoint());
+        painter.end();
+        mWindow.setCursor(QCursor(image, mHotSpot.x(), mHotSpot.y()));
     }
 }

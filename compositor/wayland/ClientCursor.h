@@ -11,7 +11,7 @@
 class QWaylandSurface;
 class QWindow;
 
-/// The pointer's shape, as the client under the pointer wants it.
+/// The cursor image that the client under the pointer has set.
 class ClientCursor : public QObject
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ class ClientCursor : public QObject
 public:
     explicit ClientCursor(QWindow& window, QObject* parent = nullptr);
 
-    /// A null \a surface hides the pointer.
+    /// Shows the image of `surface`; null hides the pointer.
     void set(QWaylandSurface* surface, const QPoint& hotSpot);
     void reset();
 

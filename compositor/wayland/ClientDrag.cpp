@@ -2,91 +2,98 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientDrag.h"
 
-#include "wayland/RequestGuard.h"
+#include "wayland/ClientResources.h"
 
-#include <QWaylandDrag>
+#include <QWaylandCompositor>
 #include <QWaylandSeat>
-#include <QWaylandSurface>
 
-#include <wayland-server-core.h>
+#include <algorithm>
+#include <utility>
+#include <wayland-server-protocol.h>
 
-#include <cstring>
-#include <vector>
-
-namespace {
-std::vector<wl_resource*> dataDevicesOf(wl_client* client)
-{
-    std::vector<wl_resource*> devices;
-    wl_client_for_each_resource(
-        client,
-        [](wl_resource* resource, void* data) {
-            if (std::strcmp(wl_resource_get_class(resource), "wl_data_device") == 0) {
-                static_cast<std::vector<wl_resource*>*>(data)->push_back(resource);
-            }
-            return WL_ITERATOR_CONTINUE;
-        },
-        &devices);
-    return devices;
-}
-} // namespace
-
-ClientDrag::ClientDrag(QWaylandSeat* seat, RequestGuard& guard)
+ClientDrag::ClientDrag(QWaylandSeat& seat)
     : mSeat(seat)
-    , mGuard(guard)
 {
-    connect(&guard, &RequestGuard::dragStarting, this, &ClientDrag::begin);
 }
 
-void ClientDrag::begin(wl_resource* source)
+void ClientDrag::start(wl_client* client, wl_resource* source)
 {
-    mSource = source;
-    mGuard.watch(source, this, [this, source] {
-        if (mSource == source) {
-            leave();
-            mSource = nullptr;
-        }
-    });
+    DataSource* const dragged = DataSource::of(source);
+    if (isActive() || !mMayStart || !mMayStart(client) || !dragged->claim()) {
+        dragged->sendCancelled();
+        return;
+    }
+    mSource = dragged;
+    connect(dragged, &QObject::destroyed, this, &ClientDrag::leave);
 }
 
 void ClientDrag::move(QWaylandSurface* target, const QPointF& position)
 {
-    wl_client* const client = target == nullptr ? nullptr : target->waylandClient();
-    if (client == nullptr || !follow(client)) {
+    if (target == nullptr || target->waylandClient() == nullptr) {
         leave();
         return;
     }
-    mSeat->drag()->dragMove(target, position);
+    if (target != mFocus) {
+        leave();
+        enter(target, position);
+    }
+    const uint32_t time = mSeat.compositor()->currentTimeMsecs();
+    for (const Target& entered : mTargets) {
+        wl_data_device_send_motion(entered.device, time, wl_fixed_from_double(position.x()),
+                                   wl_fixed_from_double(position.y()));
+    }
 }
 
 void ClientDrag::drop()
 {
-    mSeat->drag()->drop();
-    mSource = nullptr;
-    mTarget = nullptr;
+    DataSource* const source = std::exchange(mSource, nullptr);
+    if (source == nullptr) {
+        return;
+    }
+    source->disconnect(this);
+    bool isTaken = false;
+    for (const Target& target : mTargets) {
+        if (target.offer != nullptr && target.offer->takesDrop()) {
+            wl_data_device_send_drop(target.device);
+            target.offer->drop();
+            isTaken = true;
+        }
+    }
+    leave();
+    if (isTaken) {
+        source->sendDropPerformed();
+    } else {
+        source->sendCancelled();
+    }
+}
+
+void ClientDrag::enter(QWaylandSurface* surface, const QPointF& position)
+{
+    mFocus = surface;
+    const uint32_t serial = mSeat.compositor()->nextSerial();
+    for (wl_resource* device : ClientResources::of(surface->waylandClient(), wl_data_device_interface)) {
+        DataOffer* const offer = DataOffer::create(device, mSource, DataOffer::Purpose::Drag);
+        if (offer == nullptr) {
+            break;
+        }
+        wl_data_device_send_enter(device, serial, surface->resource(), wl_fixed_from_double(position.x()),
+                                  wl_fixed_from_double(position.y()), offer->resource());
+        auto listener = std::make_unique<ResourceListener>(device, [this, device] {
+            mTargets.erase(std::find_if(mTargets.begin(), mTargets.end(), [device](const Target& target) {
+                return target.device == device;
+            }));
+        });
+        mTargets.push_back({device, offer, std::move(listener)});
+    }
 }
 
 void ClientDrag::leave()
 {
-    mSeat->drag()->cancelDrag();
-    mTarget = nullptr;
-}
-
-/// False when the client does not listen to drags.
-bool ClientDrag::follow(wl_client* client)
-{
-    if (client == mTarget) {
-        return true;
+    mFocus = nullptr;
+    for (const Target& target : std::exchange(mTargets, {})) {
+        wl_data_device_send_leave(target.device);
+        if (target.offer != nullptr) {
+            target.offer->revoke();
+        }
     }
-    const std::vector<wl_resource*> devices = dataDevicesOf(client);
-    for (wl_resource* device : devices) {
-        mGuard.watch(device, this, [this, client] {
-            if (mTarget == client) {
-                leave();
-            }
-        });
-    }
-    if (!devices.empty()) {
-        mTarget = client;
-    }
-    return !devices.empty();
 }

@@ -2,40 +2,60 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/DataOffer.h"
+#include "wayland/ResourceListener.h"
+
 #include <QObject>
 #include <QPointF>
+#include <QPointer>
+#include <QWaylandSurface>
+
+#include <functional>
+#include <memory>
+#include <vector>
 
 class QWaylandSeat;
-class QWaylandSurface;
-class RequestGuard;
 struct wl_client;
 struct wl_resource;
 
-/// What a client drags, from the begin to the drop. Qt's own keeps pointers to objects that the clients may end at any
-/// time, and takes every client under the pointer for one that wants to know; here it is only asked to touch what is
-/// there.
+/// One drag and drop at a time.
 class ClientDrag : public QObject
 {
     Q_OBJECT
 
 public:
-    ClientDrag(QWaylandSeat* seat, RequestGuard& guard);
+    explicit ClientDrag(QWaylandSeat& seat);
 
+    /// Sets which clients may start a drag.
+    void setRule(const std::function<bool(wl_client*)>& rule)
+    {
+        mMayStart = rule;
+    }
+    /// Starts a drag of a wl_data_source, or cancels it where the rule forbids it.
+    void start(wl_client* client, wl_resource* source);
     bool isActive() const
     {
         return mSource != nullptr;
     }
+    /// `target` is the surface under the pointer, or null.
     void move(QWaylandSurface* target, const QPointF& position);
     void drop();
 
 private:
-    void begin(wl_resource* source);
-    void leave();
-    bool follow(wl_client* client);
+    /// A wl_data_device of the client under the pointer.
+    struct Target
+    {
+        wl_resource* device;
+        QPointer<DataOffer> offer;
+        std::unique_ptr<ResourceListener> listener;
+    };
 
-    QWaylandSeat* mSeat;
-    RequestGuard& mGuard;
-    wl_resource* mSource = nullptr;
-    /// The client that the drag is over, if it takes part.
-    wl_client* mTarget = nullptr;
+    void enter(QWaylandSurface* surface, const QPointF& position);
+    void leave();
+
+    QWaylandSeat& mSeat;
+    std::function<bool(wl_client*)> mMayStart;
+    QPointer<DataSource> mSource;
+    QPointer<QWaylandSurface> mFocus;
+    std::vector<Target> mTargets;
 };

@@ -2,34 +2,19 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientLiveness.h"
 
-#include <wayland-server-core.h>
+#include <QWaylandCompositor>
 
-#include <cstring>
+#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <utility>
 
 namespace {
+
 constexpr int cPatienceMilliseconds = 3000;
 constexpr int cIntervalMilliseconds = 1000;
 constexpr int cEventsPerPing = 32;
-/// A connection takes some 250 small messages.
+/// Half of the small events that a connection buffers.
 constexpr int cMostUnconfirmed = 128;
 
-/// A client that has broken the protocol may have lost its shell object and still be there for a moment.
-bool hasShell(wl_client* client)
-{
-    bool found = false;
-    wl_client_for_each_resource(
-        client,
-        [](wl_resource* resource, void* data) {
-            if (std::strcmp(wl_resource_get_class(resource), QWaylandXdgShell::interface()->name) == 0) {
-                *static_cast<bool*>(data) = true;
-                return WL_ITERATOR_STOP;
-            }
-            return WL_ITERATOR_CONTINUE;
-        },
-        &found);
-    return found;
-}
 } // namespace
 
 ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent)
@@ -44,6 +29,14 @@ ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, 
     });
     connect(shell, &QWaylandXdgShell::pong, this, &ClientLiveness::handlePong);
     connect(client, &QObject::destroyed, this, &QObject::deleteLater);
+}
+
+void ClientLiveness::setShellObject(wl_resource* object)
+{
+    mShellObject = object;
+    mShellListener = std::make_unique<ResourceListener>(object, [this] {
+        mShellObject = nullptr;
+    });
 }
 
 bool ClientLiveness::admitEvent()
@@ -62,13 +55,15 @@ bool ClientLiveness::admitEvent()
 
 void ClientLiveness::ping()
 {
-    if (mWaiting || mClient.isNull() || !hasShell(mClient->client())) {
+    if (mWaiting || mClient.isNull() || mShellObject == nullptr) {
         return;
     }
     mSincePing.start();
     mSincePingCount = 0;
     mWaiting = true;
-    mSerial = mShell->ping(mClient);
+    mSerial = mClient->compositor()->nextSerial();
+    // QWaylandXdgShell::ping() chooses an xdg_wm_base by itself.
+    QWaylandXdgShellPrivate::get(mShell)->ping(QWaylandXdgShellPrivate::Resource::fromResource(mShellObject), mSerial);
     mDeadline.start();
 }
 

@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ResourceListener.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
@@ -9,8 +11,10 @@
 #include <QWaylandClient>
 #include <QWaylandXdgShell>
 
-/// Finds out whether a client still takes part: it is asked from time to time, when there is an occasion, and has to
-/// answer.
+#include <memory>
+
+/// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. Pings are
+/// sent on occasions, not on a timer: an idle client is left alone.
 class ClientLiveness : public QObject
 {
     Q_OBJECT
@@ -18,20 +22,24 @@ class ClientLiveness : public QObject
 public:
     ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent);
 
+    /// Sets the xdg_wm_base to ping: a client may bind several and serve only the one that it has created its window
+    /// with.
+    void setShellObject(wl_resource* object);
+
     bool isResponding() const
     {
         return mResponding;
     }
 
-    /// Asks the client for a sign of life, unless it owes one already.
+    /// Sends a ping, unless a pong is already due.
     void ping();
-    /// To be called before an event that may come in any number. False when the client has left so many unread that
-    /// it must not be sent: its connection would fill, and the compositor's end of it would cut it.
+    /// Must be asked before an input or configure event. Returns false when the client does not respond or has left
+    /// too many events unread: libwayland disconnects a client whose connection is full.
     bool admitEvent();
 
 Q_SIGNALS:
     void respondingChanged();
-    /// The client has read again after events were held back from it.
+    /// The client has responded after admitEvent() had returned false.
     void caughtUp();
 
 private:
@@ -40,10 +48,13 @@ private:
 
     QWaylandXdgShell* mShell;
     QPointer<QWaylandClient> mClient;
+    /// Null when the client has destroyed it.
+    wl_resource* mShellObject = nullptr;
+    std::unique_ptr<ResourceListener> mShellListener;
     bool mWaiting = false;
     bool mResponding = true;
     uint mSerial = 0;
-    /// Events that the client has not shown to have read, and those of them that came after the last ping.
+    /// Events that no pong has confirmed as read, and those of them sent after the last ping.
     int mUnconfirmed = 0;
     int mSincePingCount = 0;
     bool mHeldBack = false;

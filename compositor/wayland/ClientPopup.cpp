@@ -6,7 +6,8 @@
 
 #include <QWaylandSurface>
 
-ClientPopup::ClientPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface, QObject* parent)
+ClientPopup::ClientPopup(QWaylandXdgPopup* popup, wl_resource* resource, QWaylandXdgSurface* xdgSurface,
+                         QObject* parent)
     : QObject(parent)
     , mPopup(popup)
     , mXdgSurface(xdgSurface)
@@ -14,6 +15,9 @@ ClientPopup::ClientPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface
     , mSurface(ClientSurface::of(xdgSurface->surface()))
     , mClient(xdgSurface->surface()->client())
     , mGeometry(popup->unconstrainedPosition(), popup->positionerSize())
+    , mResourceListener(resource, [this] {
+        delete mPopup;
+    })
 {
     connect(mSurface, &ClientSurface::committed, this, &ClientPopup::committed);
     connect(popup, &QObject::destroyed, this, &QObject::deleteLater);

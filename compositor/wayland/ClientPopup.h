@@ -3,6 +3,7 @@
 #pragma once
 
 #include "wayland/ClientSurface.h"
+#include "wayland/ResourceListener.h"
 
 #include <QObject>
 #include <QPointer>
@@ -10,13 +11,14 @@
 #include <QWaylandXdgPopup>
 #include <QWaylandXdgSurface>
 
-/// A menu, a list of choices or a tool tip of a client: shown at its place beside its parent.
+/// An xdg_popup: a menu, a combo box's list or a tool tip, shown beside its parent.
 class ClientPopup : public QObject
 {
     Q_OBJECT
 
 public:
-    ClientPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface, QObject* parent);
+    /// Deletes `popup` when its xdg_popup, `resource`, is destroyed, which Qt does not do.
+    ClientPopup(QWaylandXdgPopup* popup, wl_resource* resource, QWaylandXdgSurface* xdgSurface, QObject* parent);
 
     QWaylandXdgSurface* xdgSurface() const
     {
@@ -31,25 +33,25 @@ public:
     {
         return mSurface;
     }
-    /// As long as neither side has ended it.
+    /// Whether neither the client has destroyed the popup nor the compositor has dismissed it.
     bool isOpen() const
     {
         return mSurface != nullptr && !mIsDismissed;
     }
-    /// For a comparison only: the client may be gone.
+    /// To be compared only: the client may have disconnected.
     const QWaylandClient* client() const
     {
         return mClient;
     }
 
-    /// Chooses the place within \a bounds, which are relative to the parent's window geometry.
+    /// Places the popup within `bounds`, which are relative to the parent's window geometry.
     void place(const QRect& bounds);
     /// Relative to the parent's window geometry.
     QPoint position() const
     {
         return mGeometry.topLeft();
     }
-    /// Ends it from this side. The client is told once: it may be one that does not read.
+    /// Dismisses the popup. Sends popup_done only once: the client may be one that does not read.
     void dismiss();
 
 Q_SIGNALS:
@@ -63,4 +65,5 @@ private:
     const QWaylandClient* mClient;
     QRect mGeometry;
     bool mIsDismissed = false;
+    ResourceListener mResourceListener;
 };

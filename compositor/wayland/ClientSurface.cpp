@@ -3,59 +3,29 @@
 #include "wayland/ClientSurface.h"
 
 #include "wayland/ClientBounds.h"
+#include "wayland/ServerSurface.h"
 
-#include <QHash>
 #include <QPainter>
 #include <QWaylandSurface>
 
-#include <wayland-server-core.h>
-#include <wayland-server-protocol.h>
-
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace {
-/// Deeper trees are a client's mistake, and painting them is recursive.
-constexpr int cLargestTreeHeight = 32;
-/// Two pictures of the largest output. A client can show a single buffer on any number of surfaces.
-constexpr qint64 cMostBytesPerClient = 2 * 8192LL * 8192 * sizeof(QRgb);
 
-QHash<const QWaylandClient*, qint64>& bytesByClient()
-{
-    static QHash<const QWaylandClient*, qint64> bytes;
-    return bytes;
-}
+/// The height of a subsurface tree; higher ones are a client's mistake, and painting is recursive.
+constexpr int cLargestTreeHeight = 32;
+
 } // namespace
 
-ClientSurface::ClientSurface(QWaylandSurface* surface, QObject* parent)
+ClientSurface::ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudget> budget, QObject* parent)
     : QWaylandView(nullptr, parent)
-    , mClient(surface->client())
+    , mPixels(std::move(budget))
 {
     setSurface(surface);
     connect(surface, &QWaylandSurface::childAdded, this, &ClientSurface::addChild);
     connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::committed);
     connect(this, &QWaylandView::surfaceDestroyed, this, &QObject::deleteLater);
-}
-
-ClientSurface::~ClientSurface()
-{
-    setImage(QImage());
-}
-
-bool ClientSurface::hasRoomFor(const QSize& size) const
-{
-    const qint64 bytes = qint64(size.width()) * size.height() * static_cast<qint64>(sizeof(QRgb));
-    return bytesByClient().value(mClient) - mImage.sizeInBytes() + bytes <= cMostBytesPerClient;
-}
-
-void ClientSurface::setImage(const QImage& image)
-{
-    qint64& bytes = bytesByClient()[mClient];
-    bytes += image.sizeInBytes() - mImage.sizeInBytes();
-    mImage = image;
-    if (bytes == 0) {
-        bytesByClient().remove(mClient);
-    }
 }
 
 ClientSurface* ClientSurface::of(const QWaylandSurface* surface)
@@ -65,17 +35,12 @@ ClientSurface* ClientSurface::of(const QWaylandSurface* surface)
 
 void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage)
 {
-    mCommittedBuffer = buffer;
-    mCommittedDamage |= damage;
-    mHasCommit = true;
+    mPixels.commit(buffer, damage);
 }
 
 QRegion ClientSurface::update()
 {
-    QRegion damage = std::exchange(mDamage, QRegion());
-    if (mHasCommit) {
-        damage |= takeBuffer();
-    }
+    QRegion damage = std::exchange(mDamage, QRegion()) | mPixels.update(qobject_cast<ServerSurface*>(surface()));
     for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (const Child& child : *children) {
             damage |= child.surface->update().translated(child.position);
@@ -84,79 +49,12 @@ QRegion ClientSurface::update()
     return damage;
 }
 
-QRegion ClientSurface::takeBuffer()
-{
-    const QWaylandBufferRef buffer = std::exchange(mCommittedBuffer, QWaylandBufferRef());
-    QRegion damage = std::exchange(mCommittedDamage, QRegion());
-    mHasCommit = false;
-
-    const QSize oldSize = mSize;
-    const QRectF oldSource = mSource;
-    wl_resource* const resource = surface() != nullptr && buffer.hasContent() ? buffer.wl_buffer() : nullptr;
-    wl_shm_buffer* const memory = resource == nullptr ? nullptr : wl_shm_buffer_get(resource);
-    if (memory == nullptr || !hasRoomFor(buffer.size())) {
-        // A null buffer hides the surface; so does one that is already destroyed or lives where only a GPU reads.
-        setImage(QImage());
-        mSize = QSize();
-        mSource = QRectF();
-    } else {
-        const int scale = surface()->bufferScale();
-        mSize = ClientBounds::bounded(surface()->destinationSize());
-        mSource = QRectF(surface()->sourceGeometry().topLeft() * scale, surface()->sourceGeometry().size() * scale);
-        const bool isScaled = QSizeF(mSize) * scale != QSizeF(buffer.size());
-        // The client may have shortened the memory's file: libwayland catches the fault between these two calls.
-        wl_shm_buffer_begin_access(memory);
-        copyPixels(buffer.image(), isScaled ? QRegion() : damage, scale);
-        wl_shm_buffer_end_access(memory);
-        if (isScaled) {
-            damage = QRect(QPoint(), mSize);
-        }
-    }
-
-    if (mSize != oldSize || mSource != oldSource) {
-        return QRegion(QRect(QPoint(), oldSize)) | QRect(QPoint(), mSize);
-    }
-    return damage;
-}
-
-/// Copies the damaged part, or everything when that is not enough.
-void ClientSurface::copyPixels(const QImage& source, const QRegion& damage, int scale)
-{
-    const bool isPlain =
-        source.format() == QImage::Format_RGB32 || source.format() == QImage::Format_ARGB32_Premultiplied;
-    if (!isPlain) {
-        // Qt converts in other threads, where libwayland does not catch the fault.
-        setImage(source.copy().convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
-                                                                        : QImage::Format_RGB32));
-        return;
-    }
-    if (damage.isEmpty() || mImage.size() != source.size() || mImage.format() != source.format()) {
-        setImage(source.copy());
-        return;
-    }
-    for (const QRect& rect : damage) {
-        const QRect pixels = QRect(rect.topLeft() * scale, rect.size() * scale) & source.rect();
-        const auto offset = static_cast<std::size_t>(pixels.left()) * sizeof(QRgb);
-        const auto length = static_cast<std::size_t>(pixels.width()) * sizeof(QRgb);
-        for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
-            std::memcpy(mImage.scanLine(y) + offset, source.constScanLine(y) + offset, length);
-        }
-    }
-}
-
 void ClientSurface::paint(QPainter* painter, const QPoint& position) const
 {
     for (const Child& child : mChildrenBelow) {
         child.surface->paint(painter, position + child.position);
     }
-    if (!mImage.isNull()) {
-        if (mSource == QRectF(QPointF(), QSizeF(mSize))) {
-            painter->drawImage(position, mImage);
-        } else {
-            painter->setRenderHint(QPainter::SmoothPixmapTransform);
-            painter->drawImage(QRectF(position, mSize), mImage, mSource);
-        }
-    }
+    mPixels.paint(painter, position);
     for (const Child& child : mChildrenAbove) {
         child.surface->paint(painter, position + child.position);
     }
@@ -188,7 +86,7 @@ ClientSurface* ClientSurface::surfaceAt(const QPointF& position, QPointF* localP
     if (ClientSurface* found = childAt(mChildrenAbove)) {
         return found;
     }
-    if (surface() != nullptr && QRectF(QPointF(), mSize).contains(position)
+    if (surface() != nullptr && QRectF(QPointF(), size()).contains(position)
         && surface()->inputRegionContains(position)) {
         *localPosition = position;
         return this;
@@ -279,7 +177,7 @@ void ClientSurface::moveChild(const ClientSurface* child, const QPoint& position
     for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (Child& other : *children) {
             if (other.surface == child) {
-                other.position = ClientBounds::bounded(position);
+                other.position = ClientBounds::clamped(position);
             }
         }
     }
@@ -317,7 +215,7 @@ void ClientSurface::restackChild(const ClientSurface* child, const QWaylandSurfa
     damageAll();
 }
 
-/// A change of the tree's structure is rare: everything around the surface is painted again.
+/// Damages everything around the surface: the structure of a tree rarely changes.
 void ClientSurface::damageAll()
 {
     constexpr int reach = 4096;

@@ -2,59 +2,57 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <QImage>
+#include "wayland/SurfacePixels.h"
+
 #include <QPointer>
 #include <QRegion>
 #include <QVector>
 #include <QWaylandBufferRef>
 #include <QWaylandView>
 
+#include <memory>
+
 class QPainter;
 class QWaylandSurface;
 
-/// One surface of a client with its subsurfaces. Keeps its own copy of the pixels, so that a client that hangs, dies or
-/// takes its memory away can neither disturb the painting nor leave a hole.
+/// A wl_surface with its tree of subsurfaces.
 class ClientSurface : public QWaylandView
 {
     Q_OBJECT
 
 public:
-    ClientSurface(QWaylandSurface* surface, QObject* parent);
-    ~ClientSurface() override;
+    ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudget> budget, QObject* parent);
 
-    /// Null when \a surface is null or already gone.
+    /// Returns null when `surface` is null or destroyed.
     static ClientSurface* of(const QWaylandSurface* surface);
 
-    /// In the output's pixels; empty while there is no content.
+    /// In surface coordinates; empty while there is no content.
     QSize size() const
     {
-        return mSize;
-    }
-    QImage image() const
-    {
-        return mImage;
+        return mPixels.size();
     }
 
-    /// Takes over what was committed since the last call; answers the changed part in the surface's own coordinates.
+    /// Copies the pixels committed since the last call, in the whole tree. Returns the changed region in surface
+    /// coordinates.
     QRegion update();
     void paint(QPainter* painter, const QPoint& position) const;
-    /// Tells the client that its content has been shown.
+    /// Sends wl_surface.frame callbacks: the content has been shown.
     void sendFrameCallbacks();
-    /// The surface of this tree that takes input at \a position, and the place in it; null when there is none.
+    /// Returns the surface of this tree that takes input at `position`, which is mapped to `localPosition`, or null.
     ClientSurface* surfaceAt(const QPointF& position, QPointF* localPosition);
 
-    /// Whether it is a part of another surface.
+    /// Whether this is a subsurface.
     bool hasParent() const
     {
         return mParent != nullptr;
     }
-    /// Ends being one.
+    /// Detaches a subsurface from its parent.
     void leaveParent();
 
     void bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage) override;
 
 Q_SIGNALS:
-    /// Something of the tree has changed: there is a reason for a new frame.
+    /// A surface of the tree was committed or the tree has changed.
     void committed();
 
 private:
@@ -73,21 +71,8 @@ private:
     void moveChild(const ClientSurface* child, const QPoint& position);
     void restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above);
     void damageAll();
-    QRegion takeBuffer();
-    /// Whether a copy of that size is within what one client may take.
-    bool hasRoomFor(const QSize& size) const;
-    void setImage(const QImage& image);
-    void copyPixels(const QImage& source, const QRegion& damage, int scale);
 
-    QWaylandBufferRef mCommittedBuffer;
-    QRegion mCommittedDamage;
-    bool mHasCommit = false;
-
-    /// Only to tell the clients apart.
-    const QWaylandClient* mClient;
-    QImage mImage;
-    QSize mSize;
-    QRectF mSource;
+    SurfacePixels mPixels;
     QRegion mDamage;
     QPointer<ClientSurface> mParent;
     /// From bottom to top.

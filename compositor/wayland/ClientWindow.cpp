@@ -13,21 +13,23 @@
 #include <QWaylandSurface>
 
 namespace {
+
 QString processNameOf(qint64 pid)
 {
     QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
     const QString name = file.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(file.readAll()).trimmed() : QString();
     return name.isEmpty() ? QStringLiteral("unknown") : name;
 }
+
 } // namespace
 
-ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* watch,
+ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* liveness,
                            ViewList& views, QObject* parent)
     : QObject(parent)
     , mToplevel(toplevel)
     , mXdgSurface(xdgSurface)
     , mSurface(ClientSurface::of(xdgSurface->surface()))
-    , mWatch(watch)
+    , mLiveness(liveness)
     , mViews(views)
     , mProcessName(processNameOf(xdgSurface->surface()->client()->processId()))
 {
@@ -52,18 +54,18 @@ ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xd
         mViews.setDialog(mUuid, parentToplevel() != nullptr);
         Q_EMIT configureRequested();
     });
-    const auto answerRequest = [this] {
+    const auto handleStateRequest = [this] {
         mConfigureIsDue = true;
         Q_EMIT configureRequested();
     };
-    connect(toplevel, &QWaylandXdgToplevel::setMaximized, this, answerRequest);
-    connect(toplevel, &QWaylandXdgToplevel::unsetMaximized, this, answerRequest);
-    connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, answerRequest);
-    connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, answerRequest);
-    connect(watch, &ClientLiveness::respondingChanged, this, [this] {
+    connect(toplevel, &QWaylandXdgToplevel::setMaximized, this, handleStateRequest);
+    connect(toplevel, &QWaylandXdgToplevel::unsetMaximized, this, handleStateRequest);
+    connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, handleStateRequest);
+    connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, handleStateRequest);
+    connect(liveness, &ClientLiveness::respondingChanged, this, [this] {
         mViews.setResponding(mUuid, isResponding());
     });
-    connect(watch, &ClientLiveness::caughtUp, this, &ClientWindow::handleCaughtUp);
+    connect(liveness, &ClientLiveness::caughtUp, this, &ClientWindow::handleCaughtUp);
 }
 
 ClientWindow::~ClientWindow()
@@ -78,24 +80,24 @@ QWaylandXdgToplevel* ClientWindow::parentToplevel() const
 
 QRect ClientWindow::windowGeometry() const
 {
-    return mXdgSurface == nullptr ? QRect() : ClientBounds::bounded(mXdgSurface->windowGeometry());
+    return mXdgSurface == nullptr ? QRect() : ClientBounds::clamped(mXdgSurface->windowGeometry());
 }
 
 bool ClientWindow::isResponding() const
 {
-    return mWatch != nullptr && mWatch->isResponding();
+    return mLiveness != nullptr && mLiveness->isResponding();
 }
 
 void ClientWindow::ping()
 {
-    if (mWatch != nullptr) {
-        mWatch->ping();
+    if (mLiveness != nullptr) {
+        mLiveness->ping();
     }
 }
 
 bool ClientWindow::admitEvent()
 {
-    return mWatch != nullptr && mWatch->admitEvent();
+    return mLiveness != nullptr && mLiveness->admitEvent();
 }
 
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)
@@ -145,7 +147,7 @@ void ClientWindow::handleCommit()
     if (isMapped()) {
         mViews.setSize(mUuid, windowGeometry().size());
     } else {
-        // A commit without contents is the wish to be mapped, and the client waits for an answer.
+        // The initial commit, without a buffer: the client waits for a configure event.
         mConfigureIsDue = true;
         sendConfigure();
     }

@@ -14,14 +14,14 @@
 class ClientLiveness;
 class ViewList;
 
-/// One window of a client. While it is mapped it is a view of the list.
+/// An xdg_toplevel. While it is mapped it is a view of the ViewList.
 class ClientWindow : public QObject
 {
     Q_OBJECT
 
 public:
-    ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* watch, ViewList& views,
-                 QObject* parent);
+    ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* liveness,
+                 ViewList& views, QObject* parent);
     ~ClientWindow() override;
 
     /// Empty while the window is not mapped.
@@ -47,24 +47,24 @@ public:
     {
         return mToplevel;
     }
-    /// The part of the surface that is the window itself, without shadows.
+    /// The part of the surface without the client's shadows.
     QRect windowGeometry() const;
 
     bool isResponding() const;
-    /// To be called when there is an occasion to ask the client whether it is still there.
+    /// See ClientLiveness::ping().
     void ping();
-    /// As ClientLiveness::admitEvent().
+    /// See ClientLiveness::admitEvent().
     bool admitEvent();
 
-    /// Tells the client its size and states, if they are new to it. A client that does not respond is told later: what
-    /// it does not read would fill its connection.
+    /// Sends a configure event if the size or the states have changed. The event for a client that does not respond is
+    /// delayed until it does: events that it does not read would fill its connection.
     void configure(const QSize& size, bool isFullScreen, bool isActivated);
 
 Q_SIGNALS:
     void committed();
-    /// The client has read again after events were held back from it.
+    /// See ClientLiveness::caughtUp().
     void caughtUp();
-    /// The client has asked for another state or has got another parent.
+    /// The client has requested a state, or its parent window has changed.
     void configureRequested();
 
 private:
@@ -79,7 +79,7 @@ private:
     QPointer<QWaylandXdgToplevel> mToplevel;
     QPointer<QWaylandXdgSurface> mXdgSurface;
     QPointer<ClientSurface> mSurface;
-    QPointer<ClientLiveness> mWatch;
+    QPointer<ClientLiveness> mLiveness;
     ViewList& mViews;
     QString mUuid;
     QString mProcessName;

@@ -9,7 +9,8 @@
 #include <algorithm>
 
 namespace {
-/// The rules along one axis: low is left or top, high is right or bottom.
+
+/// The positioner along one axis: low is left or top, high is right or bottom.
 struct Axis
 {
     int anchorStart;
@@ -66,13 +67,14 @@ Span placeAlong(const Axis& axis)
     }
     return {start, length};
 }
+
 } // namespace
 
 QRect PopupPlacement::place(const QWaylandXdgPopup& popup, const QRect& bounds)
 {
-    const QRect anchor = ClientBounds::bounded(popup.anchorRect());
-    const QPoint offset = ClientBounds::bounded(popup.offset());
-    const QSize size = ClientBounds::bounded(popup.positionerSize());
+    const QRect anchor = ClientBounds::clamped(popup.anchorRect());
+    const QPoint offset = ClientBounds::clamped(popup.offset());
+    const QSize size = ClientBounds::clamped(popup.positionerSize());
     const Qt::Edges anchors = popup.anchorEdges();
     const Qt::Edges gravity = popup.gravityEdges();
     const auto has = [](Qt::Edges edges, Qt::Edge edge) {
@@ -89,5 +91,5 @@ QRect PopupPlacement::place(const QWaylandXdgPopup& popup, const QRect& bounds)
                     has(gravity, Qt::TopEdge), has(gravity, Qt::BottomEdge), offset.y(), size.height(), bounds.y(),
                     bounds.y() + bounds.height(), popup.flipConstraints().testFlag(Qt::Vertical),
                     popup.slideConstraints().testFlag(Qt::Vertical), popup.resizeConstraints().testFlag(Qt::Vertical)});
-    return ClientBounds::bounded(QRect(x.start, y.start, x.length, y.length));
+    return ClientBounds::clamped(QRect(x.start, y.start, x.length, y.length));
 }

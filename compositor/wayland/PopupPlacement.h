@@ -6,11 +6,11 @@
 
 class QWaylandXdgPopup;
 
-/// Where a popup goes, by the rules that its client gave with it.
+/// Places a popup by the rules of its xdg_positioner.
 class PopupPlacement
 {
 public:
-    /// The popup's rectangle relative to its parent, chosen so that it lies within \a bounds (relative to the parent,
-    /// too) as far as the client allows: flipped to the other side, moved, or made smaller.
+    /// Returns the popup's rectangle. If it does not fit into `bounds` it is flipped, slid or resized as its
+    /// constraint_adjustment allows. Both are relative to the parent's window geometry.
     static QRect place(const QWaylandXdgPopup& popup, const QRect& bounds);
 };

@@ -13,10 +13,27 @@
 class QWaylandCompositor;
 class QWaylandXdgShell;
 
-/// Sees every request before Qt does and keeps from it what Qt 5 does not survive. Qt trusts its clients to end their
-/// objects in the right order: a request to an object whose surface, window or popup has already gone ends in freed
-/// memory. A client that breaks the protocol in such a way is cut off; where the protocol leaves an object behind that
-/// has nothing to do any more, its requests are dropped.
+/// Filters the clients' requests before Qt handles them. Qt 5 relies on clients to destroy their objects in the order
+/// of the protocol: a request to an object whose surface, window or popup is gone reads freed memory. The guard rejects
+/// such a request with the protocol's error, which disconnects the client, or drops it where the protocol leaves an
+/// inert object behind.
+///
+/// How it works: libwayland has no filter for requests, but it has protocol loggers. In its dispatch loop
+/// (wl_client_connection_data() in wayland-server.c) it unmarshals a request, looks up its objects, calls the loggers,
+/// and only then reads the dispatcher of the wl_resource. So a logger that calls wl_resource_set_dispatcher() redirects
+/// the very request that it is shown; the dispatcher restores the resource first and then does something else than Qt.
+///
+/// What makes this safe in libwayland, read in 1.21:
+/// - The arguments that a logger sees are valid: the objects exist and have the type of the protocol, new ids are free.
+/// - The loop handles one request at a time, in one thread: nothing is dispatched between the logger and the
+///   dispatcher, so no other request is ever redirected.
+/// - wl_resource_post_error() only marks the client. The loop destroys it after the request in hand and dispatches
+///   none of those that follow.
+/// - After a dispatcher has returned, libwayland forgets the file descriptors among the arguments without closing them
+///   (wl_closure_clear_fds()), so whoever drops a request closes them.
+/// - The fields `object`, `data` and `destroy` of wl_resource, which the guard reads to restore a resource, are part of
+///   libwayland's stable ABI; accessors exist only for writing.
+/// The order of logger and dispatcher is not documented. CompositorHostileClientTest fails where it differs.
 class RequestGuard : public QObject
 {
     Q_OBJECT
@@ -27,30 +44,27 @@ public:
     RequestGuard(QWaylandCompositor& compositor, QWaylandXdgShell& shell);
     ~RequestGuard() override;
 
-    /// Begins to look at requests; to be called when there is a display.
+    /// Starts to filter; the compositor must have been created.
     void start();
-    /// Who may give the pointer an image.
+    /// Sets which clients may call wl_pointer.set_cursor.
     void setCursorRule(const ClientRule& rule)
     {
         mMaySetCursor = rule;
     }
-    /// Who may begin to drag.
-    void setDragRule(const ClientRule& rule)
+    /// Returns the xdg_popup that the current request has created, while QWaylandXdgShell emits popupCreated(), and the
+    /// xdg_wm_base of the current request, while it emits xdgSurfaceCreated(). Qt has no accessors for them.
+    wl_resource* newPopup() const
     {
-        mMayDrag = rule;
+        return wl_client_get_object(mPopupClient, mPopupId);
     }
-
-    /// Calls \a function when the object goes, unless \a context has gone before.
-    static void watch(wl_resource* resource, const QObject* context, const std::function<void()>& function);
-
-Q_SIGNALS:
-    /// A client that may do so begins to drag what this source holds.
-    void dragStarting(wl_resource* source);
+    wl_resource* shell() const
+    {
+        return mShell;
+    }
 
 private:
     using Request = wl_protocol_logger_message;
     struct Rule;
-    struct Watch;
 
     static const Rule cRules[];
     static void inspect(void* self, wl_protocol_logger_type direction, const Request* request);
@@ -58,27 +72,23 @@ private:
     void checkNewId(const Request& request);
     void checkScale(const Request& request);
     void checkTransform(const Request& request);
-    void checkSurfaceEnd(const Request& request);
+    void checkSurfaceDestruction(const Request& request);
     void checkXdgSurface(const Request& request);
-    void checkXdgSurfaceEnd(const Request& request);
+    void checkXdgSurfaceDestruction(const Request& request);
     void checkXdgSurfaceState(const Request& request);
     void checkWindowGeometry(const Request& request);
     void notePopup(const Request& request);
-    void endPopup(const Request& request);
-    void checkSubsurface(const Request& request);
+    void createSubsurface(const Request& request);
+    void destroyObject(const Request& request);
     void checkBuffer(const Request& request);
     void checkCursor(const Request& request);
-    void checkDrag(const Request& request);
-
-    void handlePopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
 
     QWaylandCompositor& mCompositor;
     wl_protocol_logger* mLogger = nullptr;
     ClientRule mMaySetCursor;
-    ClientRule mMayDrag;
-    /// The popup that the request in hand is about to make.
-    wl_client* mClient = nullptr;
-    quint32 mNewId = 0;
-    /// What an xdg surface has been made: a window or a popup. Null when that has gone.
-    QHash<const QWaylandXdgSurface*, QPointer<QObject>> mRoles;
+    wl_resource* mShell = nullptr;
+    wl_client* mPopupClient = nullptr;
+    quint32 mPopupId = 0;
+    /// The xdg_toplevel or xdg_popup of each xdg_surface that has been given one; null when it has been destroyed.
+    QHash<const QWaylandXdgSurface*, QPointer<QObject>> mRoleObjects;
 };

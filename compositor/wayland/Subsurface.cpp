@@ -4,32 +4,56 @@
 
 #include "wayland/ClientSurface.h"
 
+#include <QPoint>
+#include <QWaylandSurfaceRole>
+
 #include <wayland-server-core.h>
 #include <wayland-server-protocol.h>
 
 namespace {
+
 void destroyResource(wl_client*, wl_resource* resource)
 {
     wl_resource_destroy(resource);
 }
 
-/// Every commit takes effect at once.
+/// Ignores set_sync and set_desync: every commit takes effect at once.
 void ignoreMode(wl_client*, wl_resource*)
 {
 }
+
+QWaylandSurface* surfaceOf(const wl_argument& argument)
+{
+    return QWaylandSurface::fromResource(reinterpret_cast<wl_resource*>(argument.o));
+}
+
 } // namespace
 
-void Subsurface::create(wl_client* client, quint32 id, QWaylandSurface* surface, QWaylandSurface* parent)
+void Subsurface::handleGetSubsurface(wl_resource* subcompositor, const wl_argument* arguments)
 {
     static const struct wl_subsurface_interface requests = {destroyResource, setPosition, placeAbove,
                                                             placeBelow,      ignoreMode,  ignoreMode};
-    wl_resource* const resource = wl_resource_create(client, &wl_subsurface_interface, 1, id);
+    static QWaylandSurfaceRole role("wl_subsurface");
+
+    QWaylandSurface* const surface = surfaceOf(arguments[1]);
+    QWaylandSurface* const parent = surfaceOf(arguments[2]);
+    const ClientSurface* const clientSurface = ClientSurface::of(surface);
+    if (clientSurface == nullptr || clientSurface->hasParent() || surface == parent) {
+        wl_resource_post_error(subcompositor, WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE,
+                               "the surface cannot become a subsurface");
+        return;
+    }
+    if (!surface->setRole(&role, subcompositor, WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE)) {
+        return;
+    }
+    wl_client* const client = wl_resource_get_client(subcompositor);
+    wl_resource* const resource = wl_resource_create(client, &wl_subsurface_interface, 1, arguments[0].n);
     if (resource == nullptr) {
         wl_client_post_no_memory(client);
         return;
     }
-    wl_resource_set_implementation(resource, &requests, new Subsurface(surface), [](wl_resource* ended) {
-        delete of(ended);
+    wl_resource_set_implementation(resource, &requests, new Subsurface(surface), [](wl_resource* destroyed) {
+        delete of(destroyed);
     });
     Q_EMIT parent->childAdded(surface);
 }

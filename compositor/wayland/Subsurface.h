@@ -2,20 +2,22 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <QPoint>
 #include <QPointer>
 #include <QWaylandSurface>
 
+#include <cstdint>
+
 struct wl_client;
 struct wl_resource;
+union wl_argument;
 
-/// What makes a surface a part of another one. Qt's own outlives its surface, answers for it after its end, and is
-/// never freed; this one ends with its object and tells of itself by the same signals of the surfaces.
+/// A wl_subsurface. Replaces Qt's, which leaks and is used after its surface has been destroyed; emits the same signals
+/// of QWaylandSurface.
 class Subsurface
 {
 public:
-    /// Ends with its object.
-    static void create(wl_client* client, quint32 id, QWaylandSurface* surface, QWaylandSurface* parent);
+    /// Handles wl_subcompositor.get_subsurface. The object lives as long as its resource.
+    static void handleGetSubsurface(wl_resource* subcompositor, const wl_argument* arguments);
 
     Subsurface(const Subsurface&) = delete;
     Subsurface& operator=(const Subsurface&) = delete;

@@ -2,13 +2,17 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/WaylandServer.h"
 
-#include "shell/WindowStack.h"
 #include "state/Output.h"
 #include "state/ViewList.h"
 #include "wayland/ClientLiveness.h"
+#include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
+#include "wayland/ClientTouch.h"
 #include "wayland/ClientWindow.h"
+#include "wayland/DataDevices.h"
+#include "wayland/ServerGlobals.h"
+#include "wayland/ServerSurface.h"
 #include "wayland/XdgOutput.h"
 
 #include <QCoreApplication>
@@ -16,14 +20,23 @@
 #include <QWaylandSeat>
 #include <QWaylandSurface>
 
+#include <QtWaylandCompositor/private/qwaylandoutput_p.h>
+#include <QtWaylandCompositor/private/qwaylandseat_p.h>
+#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <wayland-server.h>
 
+// This header is not made for QT_NO_KEYWORDS.
+#define emit Q_EMIT
+#include <QtWaylandCompositor/private/qwaylandcompositor_p.h>
+#undef emit
+
 namespace {
+
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
 
-/// Keeps Qt from finding the plugins that take buffers in a GPU's memory. There would be nothing to paint them with,
-/// and a client that does not find them uses shared memory.
+/// Hides Qt's plugins for client buffers in a GPU's memory. Only shared memory can be painted, and without those
+/// globals that is what clients use.
 class WithoutPlugins
 {
 public:
@@ -42,9 +55,16 @@ private:
     const QStringList mPaths = QCoreApplication::libraryPaths();
 };
 
+void greetSeat(wl_resource* seat)
+{
+    if (wl_resource_get_version(seat) >= WL_SEAT_NAME_SINCE_VERSION) {
+        wl_seat_send_name(seat, "seat0");
+    }
+}
+
 QWaylandOutput::Transform transformOf(const Output& output)
 {
-    // Wayland counts the turn of the contents anticlockwise.
+    // wl_output.transform counts anticlockwise.
     switch (output.rotation()) {
     case 90:
         return QWaylandOutput::Transform270;
@@ -56,37 +76,45 @@ QWaylandOutput::Transform transformOf(const Output& output)
         return QWaylandOutput::TransformNormal;
     }
 }
+
 } // namespace
 
-WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& views, WindowStack& stack)
-    : mGeometry(output)
+WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& views)
+    : mOutput(output)
     , mViews(views)
-    , mStack(stack)
-    , mOutput(this, &window)
+    , mWaylandOutput(this, &window)
     , mShell(this)
     , mGuard(*this, mShell)
     , mViewporter(this)
 {
     setUseHardwareIntegrationExtension(false);
-    mOutput.setSizeFollowsWindow(false);
-    mOutput.setManufacturer(QStringLiteral("Telvaro"));
-    mOutput.setModel(QStringLiteral("Reference display"));
+    mWaylandOutput.setSizeFollowsWindow(false);
+    mWaylandOutput.setManufacturer(QStringLiteral("Telvaro"));
+    mWaylandOutput.setModel(QStringLiteral("Reference display"));
     mShell.setFocusPolicy(QWaylandShell::ManualFocus);
     mDecorations.setPreferredMode(QWaylandXdgToplevel::ServerSideDecoration);
     mDecorations.setExtensionContainer(this);
 
+    connect(this, &QWaylandCompositor::surfaceRequested, this, [this](QWaylandClient* client, uint id, int version) {
+        new ServerSurface(this, client, id, version);
+    });
     connect(this, &QWaylandCompositor::surfaceCreated, this, [this](QWaylandSurface* surface) {
-        new ClientSurface(surface, this);
+        new ClientSurface(surface, recordOf(surface->client()).budget, this);
+    });
+    connect(&mShell, &QWaylandXdgShell::xdgSurfaceCreated, this, [this](QWaylandXdgSurface* xdgSurface) {
+        mShellObjects.insert(xdgSurface, mGuard.shell());
+        connect(xdgSurface, &QObject::destroyed, this, [this, xdgSurface] {
+            mShellObjects.remove(xdgSurface);
+        });
     });
     connect(&mShell, &QWaylandXdgShell::toplevelCreated, this, &WaylandServer::addWindow);
     connect(&mShell, &QWaylandXdgShell::popupCreated, this, &WaylandServer::addPopup);
-    connect(&mGeometry, &Output::geometryChanged, this, &WaylandServer::describeOutput);
-    connect(&mViews, &ViewList::currentChanged, this, &WaylandServer::focusCurrent);
+    connect(&mOutput, &Output::geometryChanged, this, &WaylandServer::describeOutput);
 }
 
 WaylandServer::~WaylandServer()
 {
-    // While everything that hears of it is still there. Qt knows only of those that have asked for something.
+    // Must happen while the receivers of the signals still exist. QWaylandCompositor destroys only some clients.
     wl_display_destroy_clients(display());
 }
 
@@ -99,66 +127,84 @@ void WaylandServer::start(const QByteArray& socketName)
         create();
     }
     mGuard.start();
-    // The globals are announced by events of their own; the first client must find all of them.
+    // Qt creates globals in Polish events; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
     mDecorations.initialize();
-    mXdgOutput = std::make_unique<XdgOutput>(display(), mGeometry);
+    announceGlobals();
+    mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
 QWaylandSeat* WaylandServer::createSeat()
 {
-    // Touches arrive as the mouse events that Qt makes of them.
-    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard);
+    auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard | QWaylandSeat::Touch);
     seat->setParent(this);
     return seat;
 }
 
+QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
+{
+    return new ClientPointer(seat);
+}
+
+ClientDrag& WaylandServer::drag()
+{
+    return mDataDevices->drag();
+}
+
+ClientTouch& WaylandServer::touch()
+{
+    return *mTouch;
+}
+
+void WaylandServer::announceGlobals()
+{
+    mGlobals = std::make_unique<ServerGlobals>(display());
+    mGlobals->announce<QtWaylandServer::wl_compositor>(*QWaylandCompositorPrivate::get(this), 4);
+    mGlobals->announce<QtWaylandServer::wl_seat, greetSeat>(*QWaylandSeatPrivate::get(defaultSeat()), 6);
+    mGlobals->announce<QtWaylandServer::wl_output>(*QWaylandOutputPrivate::get(&mWaylandOutput), 3);
+    // Version 2 adds states that a compositor may send: tiled windows, which there are none of here.
+    mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
+    mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
+    mTouch = std::make_unique<ClientTouch>(*defaultSeat());
+}
+
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)
 {
-    ClientLiveness* const watch = watchOf(xdgSurface->surface()->client());
-    mStack.addWindow(new ClientWindow(toplevel, xdgSurface, watch, mViews, this));
-    mOutput.surfaceEnter(xdgSurface->surface());
+    ClientLiveness* const liveness = recordOf(xdgSurface->surface()->client()).liveness;
+    liveness->setShellObject(mShellObjects.value(xdgSurface));
+    Q_EMIT windowCreated(new ClientWindow(toplevel, xdgSurface, liveness, mViews, this));
+    mWaylandOutput.surfaceEnter(xdgSurface->surface());
 }
 
 void WaylandServer::addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface)
 {
-    mStack.addPopup(new ClientPopup(popup, xdgSurface, this));
-    mOutput.surfaceEnter(xdgSurface->surface());
+    Q_EMIT popupCreated(new ClientPopup(popup, mGuard.newPopup(), xdgSurface, this));
+    mWaylandOutput.surfaceEnter(xdgSurface->surface());
 }
 
-ClientLiveness* WaylandServer::watchOf(QWaylandClient* client)
+const WaylandServer::ClientRecord& WaylandServer::recordOf(QWaylandClient* client)
 {
-    ClientLiveness*& watch = mWatches[client];
-    if (watch == nullptr) {
-        watch = new ClientLiveness(&mShell, client, this);
+    auto record = mClients.find(client);
+    if (record == mClients.end()) {
+        record = mClients.insert(client, {new ClientLiveness(&mShell, client, this), std::make_shared<PixelBudget>()});
         connect(client, &QObject::destroyed, this, [this, client] {
-            mWatches.remove(client);
+            mClients.remove(client);
         });
     }
-    return watch;
+    return *record;
 }
 
 void WaylandServer::describeOutput()
 {
-    const QSize size = mGeometry.physicalSize();
+    const QSize size = mOutput.physicalSize();
     const QWaylandOutputMode mode(size, cRefreshMilliHertz);
-    if (!mOutput.modes().contains(mode)) {
-        mOutput.addMode(mode, true);
+    if (!mWaylandOutput.modes().contains(mode)) {
+        mWaylandOutput.addMode(mode, true);
     }
-    mOutput.setPhysicalSize((QSizeF(size) * cMillimetresPerPixel).toSize());
-    mOutput.setTransform(transformOf(mGeometry));
-    mOutput.setCurrentMode(mode);
+    mWaylandOutput.setPhysicalSize((QSizeF(size) * cMillimetresPerPixel).toSize());
+    mWaylandOutput.setTransform(transformOf(mOutput));
+    mWaylandOutput.setCurrentMode(mode);
     if (mXdgOutput != nullptr) {
         mXdgOutput->announceSize();
-    }
-}
-
-void WaylandServer::focusCurrent()
-{
-    ClientWindow* const window = mStack.current();
-    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
-    defaultSeat()->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
-    if (window != nullptr) {
-        window->ping();
     }
 }

@@ -13,19 +13,25 @@
 #include <QWaylandXdgShell>
 #include <memory>
 
+class ClientDrag;
 class ClientLiveness;
-class XdgOutput;
+class ClientPopup;
+class ClientTouch;
+class ClientWindow;
+class DataDevices;
 class Output;
+class PixelBudget;
+class ServerGlobals;
 class ViewList;
-class WindowStack;
+class XdgOutput;
 
-/// The Wayland side: speaks the protocols and turns the clients' surfaces into windows and popups of the stack.
+/// The Wayland server: its globals, and the windows and popups that clients create.
 class WaylandServer : public QWaylandCompositor
 {
     Q_OBJECT
 
 public:
-    WaylandServer(const Output& output, QWindow& window, ViewList& views, WindowStack& stack);
+    WaylandServer(const Output& output, QWindow& window, ViewList& views);
     ~WaylandServer() override;
 
     /// Opens the socket.
@@ -34,25 +40,43 @@ public:
     {
         return mGuard;
     }
+    /// Exist after start().
+    ClientDrag& drag();
+    ClientTouch& touch();
+
+Q_SIGNALS:
+    void windowCreated(ClientWindow* window);
+    void popupCreated(ClientPopup* popup);
 
 protected:
     QWaylandSeat* createSeat() override;
+    QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
 
 private:
+    struct ClientRecord
+    {
+        ClientLiveness* liveness;
+        std::shared_ptr<PixelBudget> budget;
+    };
+
     void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
     void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
-    ClientLiveness* watchOf(QWaylandClient* client);
+    const ClientRecord& recordOf(QWaylandClient* client);
+    void announceGlobals();
     void describeOutput();
-    void focusCurrent();
 
-    const Output& mGeometry;
+    const Output& mOutput;
     ViewList& mViews;
-    WindowStack& mStack;
-    QWaylandOutput mOutput;
+    QWaylandOutput mWaylandOutput;
     QWaylandXdgShell mShell;
     RequestGuard mGuard;
     QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
+    std::unique_ptr<ServerGlobals> mGlobals;
+    std::unique_ptr<DataDevices> mDataDevices;
+    std::unique_ptr<ClientTouch> mTouch;
     std::unique_ptr<XdgOutput> mXdgOutput;
-    QHash<QWaylandClient*, ClientLiveness*> mWatches;
+    QHash<QWaylandClient*, ClientRecord> mClients;
+    /// The xdg_wm_base of each xdg_surface.
+    QHash<const QWaylandXdgSurface*, wl_resource*> mShellObjects;
 };

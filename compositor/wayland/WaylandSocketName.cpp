@@ -13,10 +13,11 @@
 #include <unistd.h>
 
 namespace {
+
 constexpr int cNumberedNames = 64;
 
-/// Takes the lock of a socket as libwayland does, and leaves it again. Answers 0 or the error number. The lock file
-/// stays: removing it here could take it from a compositor that has locked it in between.
+/// Locks a socket's lock file as libwayland does, and unlocks it. Returns 0 or the error number. The file stays:
+/// removing it here could remove it from under a compositor that has locked it in between.
 int tryLock(const QByteArray& socketPath)
 {
     const QByteArray lockPath = socketPath + ".lock";
@@ -29,7 +30,7 @@ int tryLock(const QByteArray& socketPath)
     return error;
 }
 
-WaylandSocketName::Error errorFor(const QByteArray& directory, const QByteArray& name, int number)
+Error errorFor(const QByteArray& directory, const QByteArray& name, int number)
 {
     if (number == EWOULDBLOCK) {
         return {QStringLiteral("the Wayland socket \"%1\" is in use by another compositor")
@@ -39,9 +40,10 @@ WaylandSocketName::Error errorFor(const QByteArray& directory, const QByteArray&
                 .arg(QString::fromLocal8Bit(name), QString::fromLocal8Bit(directory),
                      QString::fromLocal8Bit(std::strerror(number)))};
 }
+
 } // namespace
 
-std::variant<QByteArray, WaylandSocketName::Error> WaylandSocketName::choose(const QByteArray& wanted)
+Result<QByteArray> WaylandSocketName::choose(const QByteArray& wanted)
 {
     const QByteArray directory = qgetenv("XDG_RUNTIME_DIR");
     if (directory.isEmpty()) {
@@ -67,7 +69,7 @@ std::variant<QByteArray, WaylandSocketName::Error> WaylandSocketName::choose(con
         return wanted;
     }
 
-    // wayland-0 is where a client without WAYLAND_DISPLAY goes: it is left to the desktop.
+    // wayland-0 is the default of clients without WAYLAND_DISPLAY: it is left to the desktop.
     for (int i = 1; i <= cNumberedNames; ++i) {
         const QByteArray name = "wayland-" + QByteArray::number(i);
         const QByteArray path = directory + '/' + name;

@@ -2,21 +2,15 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
+
 #include <QByteArray>
-#include <QString>
 
-#include <variant>
-
-/// Chooses the name of the Wayland socket and finds out beforehand whether it can be opened, because Qt Wayland
-/// Compositor ends the process when it cannot.
+/// Chooses the name of the Wayland socket and checks that it can be opened: Qt Wayland Compositor calls qFatal() when
+/// it cannot.
 class WaylandSocketName
 {
 public:
-    struct Error
-    {
-        QString text;
-    };
-
-    /// The name to use: \a wanted, or the first free one when that is empty.
-    static std::variant<QByteArray, Error> choose(const QByteArray& wanted);
+    /// Returns `wanted`, or the first free name when that is empty.
+    static Result<QByteArray> choose(const QByteArray& wanted);
 };

@@ -9,6 +9,7 @@
 #include <xdg-output-unstable-v1-server-protocol.h>
 
 namespace {
+
 constexpr int cVersion = 2;
 
 void destroyResource(wl_client*, wl_resource* resource)
@@ -17,6 +18,7 @@ void destroyResource(wl_client*, wl_resource* resource)
 }
 
 const struct zxdg_output_v1_interface cOutputRequests = {destroyResource};
+
 } // namespace
 
 XdgOutput::XdgOutput(wl_display* display, const Output& output)

@@ -13,8 +13,8 @@ struct wl_resource;
 
 class Output;
 
-/// Tells clients the size of the turned output, by the protocol xdg-output. Qt has it, too, but of a version in which
-/// it makes every Qt client complain.
+/// The zxdg_output_manager_v1 global, which announces the size of the turned output. QWaylandXdgOutputManagerV1 has a
+/// version at which every Qt client logs a warning.
 class XdgOutput
 {
 public:

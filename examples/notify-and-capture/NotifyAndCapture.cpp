@@ -28,7 +28,7 @@ NotifyAndCapture::NotifyAndCapture(const QString& pictureDirectory, QWidget* par
 
 NotifyAndCapture::~NotifyAndCapture()
 {
-    // Waits for a screenshot that is being taken: a call to the service cannot be cut short.
+    // Blocks while a screenshot is being taken: a call to the service cannot be cancelled.
     mWorkerThread.quit();
     mWorkerThread.wait();
 }
@@ -70,7 +70,7 @@ void NotifyAndCapture::startWorker()
     auto* const worker = new ScreenShotWorker;
     worker->moveToThread(&mWorkerThread);
     connect(&mWorkerThread, &QThread::finished, worker, &QObject::deleteLater);
-    // Between objects of two threads, signals are queued: neither waits for the other.
+    // Signals between objects in different threads are queued, so neither thread blocks the other.
     connect(this, &NotifyAndCapture::captureRequested, worker, &ScreenShotWorker::capture);
     connect(worker, &ScreenShotWorker::captured, this, &NotifyAndCapture::showPicture);
     connect(worker, &ScreenShotWorker::failed, this, &NotifyAndCapture::showFailure);
@@ -83,19 +83,19 @@ void NotifyAndCapture::send()
         mMessage->setText(tr("The compositor service is not there."));
         return;
     }
-    // Pairs of identifier and label; the identifier is also the name of the action's icon.
+    // Pairs of identifier and label; the server uses the identifier as the name of the action's icon.
     const QStringList actions{QStringLiteral("dialog-ok"), tr("Thanks")};
     mNotification.notify(QStringLiteral("dialog-information"), mSummary->text(), mBody->text(), actions);
-    // The connector does not tell whether the service took it.
+    // notify() does not report whether the service accepted it.
     mMessage->setText(tr("Sent."));
 }
 
 void NotifyAndCapture::capture()
 {
-    // One at a time.
+    // One screenshot at a time.
     mCapture->setEnabled(false);
     mMessage->setText(tr("Taking a screenshot..."));
-    // The service's current directory is not this program's.
+    // Absolute, because the service has another current directory.
     Q_EMIT captureRequested(QDir(mDirectory->text()).absolutePath());
 }
 

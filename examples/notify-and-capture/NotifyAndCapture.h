@@ -10,7 +10,7 @@
 #include <QThread>
 #include <QWidget>
 
-/// Sends a notification, and takes a screenshot and shows it.
+/// Window that sends notifications and shows screenshots.
 class NotifyAndCapture : public QWidget
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
     ~NotifyAndCapture() override;
 
 Q_SIGNALS:
-    /// To the worker.
+    /// Emitted for the worker.
     void captureRequested(const QString& directory);
 
 private:

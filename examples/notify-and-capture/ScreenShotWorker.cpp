@@ -8,7 +8,7 @@
 
 void ScreenShotWorker::capture(const QString& directory)
 {
-    // A connector belongs to the thread in which it is made; this runs in the worker's.
+    // A connector lives in the thread that creates it: this slot runs in the worker's.
     TelvaroScreenShotDBusConnector screenShot;
     const std::optional<QString> path = screenShot.captureScreenShot(directory);
     if (path) {

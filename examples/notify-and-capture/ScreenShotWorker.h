@@ -5,9 +5,9 @@
 #include <QObject>
 #include <QString>
 
-/// Takes screenshots in a thread of its own: until the picture is stored, a call of the connector does not return.
+/// Takes screenshots in a worker thread, because the connector blocks until the service has stored the picture.
 ///
-/// Move it to the thread and reach it by signals only.
+/// Move it to the thread and use it only through signals.
 class ScreenShotWorker : public QObject
 {
     Q_OBJECT

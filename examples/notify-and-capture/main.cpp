@@ -30,11 +30,11 @@ QPushButton:disabled { background: #b3c3d3; }
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    // The application id of this program's own view.
+    // The appId of this program's view.
     QGuiApplication::setDesktopFileName(QStringLiteral("notify-and-capture"));
     application.setStyleSheet(QString::fromLatin1(cStyleSheet));
 
-    // On any other device the library is silent, and no button would do anything.
+    // On any other device the library silently does nothing, and so would every button.
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
         QTextStream(stderr) << "notify-and-capture: this is not a device with the compositor service\n";
         return EXIT_FAILURE;

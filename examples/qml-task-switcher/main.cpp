@@ -9,9 +9,9 @@
 int main(int argc, char** argv)
 {
     const QGuiApplication application(argc, argv);
-    // The application id of this program's own view.
+    // The appId of this program's view.
     QGuiApplication::setDesktopFileName(QStringLiteral("qml-task-switcher"));
     const QQmlApplicationEngine engine(QUrl(QStringLiteral("qrc:/main.qml")));
-    // The engine has said why.
+    // The engine has logged the reason.
     return engine.rootObjects().isEmpty() ? EXIT_FAILURE : QGuiApplication::exec();
 }

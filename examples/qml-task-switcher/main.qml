@@ -17,7 +17,7 @@ Window {
     Telvaro.TaskSwitcher {
         id: taskSwitcher
 
-        onSwitchFailed: message.text = "Cannot switch: " + error
+        onRequestFailed: message.text = "Cannot switch: " + error.message
         onCurrentViewChanged: message.text = ""
     }
 
@@ -54,7 +54,7 @@ Window {
             height: grid.cellHeight - 16
             title: model.title
             appId: model.appId
-            current: model.uuid === taskSwitcher.currentView
+            current: model.current
             onClicked: taskSwitcher.switchTo(model.uuid)
             Keys.onReturnPressed: taskSwitcher.switchTo(model.uuid)
         }
@@ -79,7 +79,16 @@ Window {
     Text {
         anchors.centerIn: parent
         visible: !taskSwitcher.available
-        text: "The compositor service is not there."
+        text: {
+            switch (taskSwitcher.status) {
+            case Telvaro.TaskSwitcher.Absent:
+                return "The compositor service is not there.";
+            case Telvaro.TaskSwitcher.Failed:
+                return "The compositor service does not give its views.";
+            default:
+                return "Asking the compositor service";
+            }
+        }
         color: "#6b7785"
         font.pixelSize: 18
     }

@@ -19,8 +19,8 @@ void logLine(const QString& event, const TelvaroTaskSwitcherDBusConnector::TaskS
 
 } // namespace
 
-// The service may be restarted while this program runs. The connectors need not be made again, but they do not tell:
-// the bus does. The session bus is the one that the library uses unless it was built for the system bus.
+// The connectors survive a restart of the service, but do not report it: QDBusServiceWatcher does. The library uses the
+// session bus unless it was built for the system bus.
 ViewLogger::ViewLogger(const QString& awakeAppId, QObject* parent)
     : QObject(parent)
     , mServiceWatcher(TelvaroDBusDefinitions::getServiceName(), QDBusConnection::sessionBus(),
@@ -29,9 +29,7 @@ ViewLogger::ViewLogger(const QString& awakeAppId, QObject* parent)
 {
     connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, this, &ViewLogger::update);
     connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::currentViewChanged, this, &ViewLogger::update);
-    // Queued, so that the connectors have heard of it as well.
-    connect(&mServiceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &ViewLogger::update,
-            Qt::QueuedConnection);
+    connect(&mServiceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &ViewLogger::update);
     update();
 }
 
@@ -42,7 +40,7 @@ ViewLogger::~ViewLogger()
 
 void ViewLogger::update()
 {
-    // Without the service there are no views. The connector would say the same, with a warning for every read.
+    // Without the service there are no views. getViews() would return none as well, but log a warning for every read.
     QList<View> views;
     if (mTaskSwitcher.isInterfaceValid()) {
         views = mTaskSwitcher.getViews();

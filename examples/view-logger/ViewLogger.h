@@ -10,16 +10,16 @@
 #include <QObject>
 #include <QString>
 
-/// Writes a line for every view that appears, leaves or becomes current, and keeps the screen saver away while one
-/// application is current.
+/// Prints a line for every view that appears, disappears or becomes current, and disables the screen saver while a view
+/// of one application is current.
 class ViewLogger : public QObject
 {
     Q_OBJECT
 
 public:
-    /// An empty id leaves the screen saver alone.
+    /// With an empty id the screen saver is never disabled.
     explicit ViewLogger(const QString& awakeAppId, QObject* parent = nullptr);
-    /// Allows the screen saver again.
+    /// Enables the screen saver again.
     ~ViewLogger() override;
 
 private:
@@ -29,9 +29,11 @@ private:
     void logDifferences(const QList<View>& views);
     void setAwake(bool awake);
 
+    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know
+    // the new owner of the service's name.
+    QDBusServiceWatcher mServiceWatcher;
     TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
     TelvaroScreenDBusConnector mScreen;
-    QDBusServiceWatcher mServiceWatcher;
     QString mAwakeAppId;
     QHash<QString, View> mViews;
     QString mCurrentUuid;

@@ -16,14 +16,14 @@
 
 namespace {
 
-/// A descriptor that becomes readable where the process would have been ended, so that it can end in good order.
+/// Returns a signalfd that becomes readable on SIGINT and SIGTERM, so that the program can quit in an orderly way.
 int makeInterruptDescriptor()
 {
     sigset_t interrupts;
     sigemptyset(&interrupts);
     sigaddset(&interrupts, SIGINT);
     sigaddset(&interrupts, SIGTERM);
-    // Before any thread is started, which inherits the mask.
+    // Must run before any thread is started, since threads inherit the mask.
     pthread_sigmask(SIG_BLOCK, &interrupts, nullptr);
     return signalfd(-1, &interrupts, SFD_CLOEXEC);
 }
@@ -38,16 +38,16 @@ int main(int argc, char** argv)
     QObject::connect(&interruptNotifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Writes a line for every change of the compositor's views."));
+    parser.setApplicationDescription(QStringLiteral("Prints a line for every change of the compositor's views."));
     parser.addHelpOption();
     const QCommandLineOption awakeOption(
         QStringLiteral("keep-awake"),
-        QStringLiteral("Keep the screen saver away while a view of this application is current."),
+        QStringLiteral("Disable the screen saver while a view of this application is current."),
         QStringLiteral("application id"));
     parser.addOption(awakeOption);
     parser.process(application);
 
-    // On any other device the library is silent, and this program would wait for ever.
+    // On any other device the library silently does nothing, and this program would wait for ever.
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
         QTextStream(stderr) << "view-logger: this is not a device with the compositor service\n";
         return EXIT_FAILURE;

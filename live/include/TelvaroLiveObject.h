@@ -11,83 +11,87 @@ class LiveProperties;
 class QDBusPendingCall;
 class QString;
 
-/// The base of the live objects, which hold the state of the compositor service and follow it without ever waiting.
-/// By itself it follows only whether the service is there.
+/// Base class of the live objects, which hold the state of the compositor service and follow it without ever blocking.
+/// On its own it follows only whether the service is on the bus.
 ///
-/// No operation of a live object blocks, its construction included: it sends its questions to the bus and returns.
-/// What a getter returns is what the service last said; nothing is sent for it. The service may start after the
-/// object, end, restart, be replaced and hang: the object follows, and never has a service started. What the service
-/// changes without a notification is not seen; the blocking connectors read it.
+/// No operation of a live object blocks, including construction: it sends its reads and returns. A getter returns the
+/// last value that the service has sent and sends nothing itself. The service may start after the object, exit,
+/// restart, be replaced and hang: the object follows, and never causes the service to be started. Changes that the
+/// service does not signal are not seen; the connectors of libTelvaro read them.
 ///
 /// A request is an operation that asks the service to change something. It is sent at once, in every status, and
-/// returns Qt's own pending reply, which QDBusPendingCallWatcher, or a coroutine library, can wait for. The reply
-/// outlives the object, and may be dropped: a failure also emits requestFailed(). Make the watcher before control
-/// returns to the event loop. waitForFinished() blocks, like any operation of a blocking connector. Dropping the reply
-/// or the object does not recall what was sent.
+/// returns QDBusPendingReply, which QDBusPendingCallWatcher and coroutine libraries can wait for. Create the watcher
+/// before control returns to the event loop. The reply outlives the object and can be dropped: a failure also emits
+/// requestFailed(). waitForFinished() blocks, like any operation of a connector. Dropping the reply or the object does
+/// not recall the request: it has been written to the bus by the time the object is destroyed.
 ///
-/// A live object needs a QCoreApplication, belongs to the thread that made it, and needs a running event loop there. It
-/// starts no threads and no timers and logs nothing. The first use of the bus in a process connects to it, which Qt
-/// does blocking. Slots may delete the object.
+/// A live object needs a QCoreApplication and a running event loop in the thread that creates it, and belongs to that
+/// thread. It starts no threads and no timers and logs nothing. The first use of the bus in a process connects to it,
+/// which blocks in Qt. Slots may delete the object.
 ///
-/// D-Bus: the owner of TelvaroDBusDefinitions::getServiceName() is asked for once (GetNameOwner) and followed by
-/// NameOwnerChanged.
+/// D-Bus: reads the owner of TelvaroDBusDefinitions::getServiceName() once (GetNameOwner) and follows NameOwnerChanged.
 class TELVARO_LIVE_EXPORT TelvaroLiveObject : public QObject
 {
     Q_OBJECT
+    /// Whether the values are those of the service.
     Q_PROPERTY(Status status READ getStatus NOTIFY statusChanged)
 
 public:
-    /// How far the values of an object are those of the service.
+    /// Whether the values of a live object are those of the service.
     enum Status
     {
-        /// The service is not on the bus, there is no connection to the bus (any longer; Qt makes no other), or this
-        /// is another device than TelvaroDeviceDistinction::isCompositorDevice(), where nothing is ever sent. All
-        /// values are empty. Also signalled in passing when a new service replaces the one that is there.
+        /// The service is not on the bus, the connection to the bus is missing or lost (Qt never reconnects), or
+        /// TelvaroDeviceDistinction::isCompositorDevice() is false, in which case nothing is ever sent. All values are
+        /// empty. Also signalled for a moment when a new service replaces the present one.
         Absent,
-        /// The bus or the service has been asked and has not answered yet. Values are empty, or, where the service did
-        /// not send the new value along with its notification, the last ones.
+        /// A read has been sent and not been replied to yet. The values are empty, or the last ones if the service has
+        /// signalled a change without the new value.
         Loading,
-        /// Every value is the present service's. For TelvaroLiveObject itself: the service is there.
+        /// Every value is that of the present service. For TelvaroLiveObject itself: the service is on the bus.
         Ready,
-        /// The service refused to give a value, or sent one of a wrong type; see getError(). The next good value makes
-        /// the object ready.
+        /// The service refused a read, or sent a value of the wrong type; see getError(). The next good value makes the
+        /// object Ready.
         Failed
     };
     Q_ENUM(Status)
 
-    /// Follows the presence of the service. The status begins as Loading, or as Absent where there is nobody to ask.
+    /// Follows the presence of the service. The status starts as Loading, or as Absent without a bus or on another
+    /// device.
     explicit TelvaroLiveObject(QObject* parent = nullptr);
     ~TelvaroLiveObject() override;
 
+    /// Returns whether the values are those of the service.
     Status getStatus() const;
 
-    /// Why the status is Failed: the service's own error, or QDBusError::InvalidSignature for a value of a wrong type.
-    /// Otherwise invalid.
+    /// Returns the reason for the status Failed: the service's error, or QDBusError::InvalidSignature for a value of
+    /// the wrong type. Returns an invalid error in every other status.
     QDBusError getError() const;
 
-    /// The time limit of requests in milliseconds.
+    /// Returns the time limit of requests in milliseconds.
     int getTimeout() const;
 
-    /// Limits the time that the service has to answer the requests made from now on; one that it does not answer in
-    /// time fails with QDBusError::NoReply, though the service may still execute it. -1, the default, is Qt's limit of
-    /// 25 seconds. Only requests have a limit.
+    /// Sets the time limit of later requests. A request without a reply within the limit fails with
+    /// QDBusError::NoReply, although the service may still execute it. -1, the default, is Qt's limit of 25 seconds.
+    /// Reads have no limit.
     void setTimeout(int milliseconds);
 
 Q_SIGNALS:
-    /// The status changed; the values are already those that belong to it.
+    /// Emitted when the status has changed; the values already belong to the new status.
     void statusChanged();
 
-    /// A request of this object failed: the service refused it or is not there, or the time limit passed. Follows every
-    /// failed request whether or not its reply is kept, and never before the request has returned.
+    /// Emitted when a request of this object fails: the service refused it, is absent, or did not reply in time.
+    /// Emitted for every failed request, whether or not its reply is kept, and never before the request has returned.
     void requestFailed(const QDBusError& error);
 
 protected:
-    /// Takes ownership of the properties, whose class is not installed: for the live objects of the library only.
+    /// Takes ownership of the properties. Their class is not installed, so only the library's own live objects can
+    /// derive with them.
     Q_DECL_HIDDEN TelvaroLiveObject(LiveProperties* properties, QObject* parent);
 
-    /// Emits requestFailed() if and when the request, of a derived class, fails. Returns the request.
+    /// Emits requestFailed() when the request fails. Returns the request.
     QDBusPendingCall report(const QDBusPendingCall& request);
 
+    /// The followed properties, of a class that is not installed.
     LiveProperties* const mProperties;
 
 private:

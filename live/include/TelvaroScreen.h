@@ -11,60 +11,76 @@
 
 class LiveScreen;
 
-/// The settings of the screen. Like every live object it never blocks, and it holds the service's values while its
-/// status is Ready; see TelvaroLiveObject.
+/// Screen settings that are kept up to date. Like every live object it never blocks, and holds the service's values
+/// while its status is Ready; see TelvaroLiveObject.
 ///
-/// Each signal follows the change of its value, whoever caused it, and the service's coming and going. When several
-/// values change at once, all getters have the new ones before the first signal.
+/// Each signal is emitted when its value changes, whoever changed it, and when the service starts or stops. If several
+/// values change at once, all getters return the new values before the first signal is emitted.
 ///
-/// The setters are requests: they return at once, and the value changes when the service says so. Values are sent
-/// unchecked. Writing a Qt property makes the same request. If the service refuses, the value stays and requestFailed()
-/// follows.
+/// The setters, and writes of the Qt properties, are requests: they return at once, send the value unchecked, and the
+/// value changes when the service signals it. If the service refuses, the value stays and requestFailed() is emitted.
 ///
-/// D-Bus: object "/screen", interface "de.Telvaro.screen"; each property is read once from each service (Get, ss), then
+/// D-Bus: object "/screen", interface "de.Telvaro.screen". Each property is read once from each service (Get, ss), then
 /// followed by PropertiesChanged (sa{sv}as), and written by Set (ssv) of "org.freedesktop.DBus.Properties".
 class TELVARO_LIVE_EXPORT TelvaroScreen : public TelvaroLiveObject
 {
     Q_OBJECT
+    /// Whether the screen saver is active now.
     Q_PROPERTY(bool screenSaverActive READ isScreenSaverActive NOTIFY screenSaverActiveChanged)
+    /// Whether the screen saver can start.
     Q_PROPERTY(
         bool screenSaverEnabled READ isScreenSaverEnabled WRITE setScreenSaverEnabled NOTIFY screenSaverEnabledChanged)
+    /// Seconds without input until the screen saver starts.
     Q_PROPERTY(
         int screenSaverTimeout READ getScreenSaverTimeout WRITE setScreenSaverTimeout NOTIFY screenSaverTimeoutChanged)
+    /// Rotation of the screen's contents in degrees.
     Q_PROPERTY(QString orientation READ getOrientation WRITE setOrientation NOTIFY orientationChanged)
+    /// Whether the current view is full screen.
     Q_PROPERTY(bool fullScreen READ isFullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
 
 public:
+    /// Subscribes and sends the reads; returns at once. The status starts as Loading, or as Absent without a bus or on
+    /// another device.
     explicit TelvaroScreen(QObject* parent = nullptr);
     ~TelvaroScreen() override;
 
-    /// Whether the screen saver blanks the screen now; false while unknown. Property "screenSaverActive", b.
+    /// Returns whether the screen saver is active now; false while unknown. D-Bus: property "screenSaverActive", b.
     bool isScreenSaverActive() const;
 
-    /// Whether the screen saver may become active; false while unknown. Property "screenSaverEnabled", b.
+    /// Returns whether the screen saver can start; false while unknown. D-Bus: property "screenSaverEnabled", b.
     bool isScreenSaverEnabled() const;
 
-    /// Seconds without input after which the screen saver becomes active; 0 while unknown. Property
+    /// Returns the seconds without input until the screen saver starts; 0 while unknown. D-Bus: property
     /// "screenSaverTimeoutSeconds", i.
     int getScreenSaverTimeout() const;
 
-    /// The rotation of the screen's contents, degrees as the service writes them ("0", "90", "180", "270"); empty while
-    /// unknown. Property "orientation", s.
+    /// Returns the rotation of the screen's contents in degrees, exactly as the service sends it ("0", "90", "180",
+    /// "270"); empty while unknown. D-Bus: property "orientation", s.
     QString getOrientation() const;
 
-    /// Whether the current view has the whole screen; false while unknown. Property "fullScreen", b.
+    /// Returns whether the current view is full screen; false while unknown. D-Bus: property "fullScreen", b.
     bool isFullScreen() const;
 
+    /// Allows the screen saver to start, or keeps it from starting. Whether an active screen saver ends is up to the
+    /// service.
     QDBusPendingReply<> setScreenSaverEnabled(bool enabled);
+    /// Sets the number of seconds without input after which the screen saver starts.
     QDBusPendingReply<> setScreenSaverTimeout(int seconds);
+    /// Rotates the screen's contents to an angle in degrees that the service accepts.
     QDBusPendingReply<> setOrientation(const QString& orientation);
+    /// Makes the current view enter or leave full screen.
     QDBusPendingReply<> setFullScreen(bool fullScreen);
 
 Q_SIGNALS:
+    /// Emitted when the screen saver starts or ends.
     void screenSaverActiveChanged();
+    /// Emitted when the screen saver is enabled or disabled.
     void screenSaverEnabledChanged();
+    /// Emitted when the timeout of the screen saver changes.
     void screenSaverTimeoutChanged();
+    /// Emitted when the rotation of the screen's contents changes.
     void orientationChanged();
+    /// Emitted when the current view enters or leaves full screen.
     void fullScreenChanged();
 
 private:

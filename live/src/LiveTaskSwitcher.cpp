@@ -163,7 +163,9 @@ void LiveTaskSwitcher::forget()
 void LiveTaskSwitcher::publish()
 {
     const QPointer<LiveTaskSwitcher> self(this);
-    mRows.show(mViews, mCurrentView);
+    if (mRows.show(mViews, mCurrentView)) {
+        Q_EMIT static_cast<TelvaroTaskSwitcher*>(mObject)->viewsChanged();
+    }
     if (self && mPublishedCurrentView != mCurrentView) {
         mPublishedCurrentView = mCurrentView;
         Q_EMIT static_cast<TelvaroTaskSwitcher*>(mObject)->currentViewChanged();

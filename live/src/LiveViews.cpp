@@ -101,10 +101,11 @@ QVariant LiveViews::valueOf(const View& view, int role) const
     }
 }
 
-void LiveViews::show(const QList<View>& views, const QString& currentView)
+bool LiveViews::show(const QList<View>& views, const QString& currentView)
 {
     const QPointer<TelvaroViewModel> self(&mModel);
     const QString formerView = mCurrentView;
+    const quint64 formerChanges = mChanges;
     mTarget = views;
     mCurrentView = currentView;
     if (!haveSameSequence(mViews, mTarget)) {
@@ -115,6 +116,7 @@ void LiveViews::show(const QList<View>& views, const QString& currentView)
         if (found > row) {
             mModel.beginMoveRows({}, found, found, {}, row);
             mViews.move(found, row);
+            ++mChanges;
             mModel.endMoveRows();
             continue;
         }
@@ -123,6 +125,7 @@ void LiveViews::show(const QList<View>& views, const QString& currentView)
         } else {
             mModel.beginInsertRows({}, row, row);
             mViews.insert(row, mTarget.at(row));
+            ++mChanges;
             mModel.endInsertRows();
         }
         ++row;
@@ -139,6 +142,7 @@ void LiveViews::show(const QList<View>& views, const QString& currentView)
         mAnnouncedRow = getCurrentRow();
         Q_EMIT mModel.currentRowChanged();
     }
+    return self && mChanges != formerChanges;
 }
 
 void LiveViews::removeOthers()
@@ -159,6 +163,7 @@ void LiveViews::remove(int row)
 {
     mModel.beginRemoveRows({}, row, row);
     mViews.removeAt(row);
+    ++mChanges;
     mModel.endRemoveRows();
 }
 
@@ -166,6 +171,7 @@ void LiveViews::change(int row, const QString& formerView)
 {
     const View& view = mTarget.at(row);
     QVector<int> roles = changedRoles(mViews.at(row), view);
+    mChanges += roles.isEmpty() ? 0 : 1;
     const bool wasCurrent = !formerView.isEmpty() && view.uuid == formerView;
     if (wasCurrent != isCurrent(view)) {
         roles.append(TelvaroViewModel::CurrentRole);

@@ -20,9 +20,10 @@ public:
     int rowOf(const QString& uuid) const;
     QVariant valueOf(const View& view, int role) const;
 
-    /// Makes the views the rows, and signals how they differ from those before. A slot may delete the model with this
-    /// object, or run an event loop in which a newer list is shown.
-    void show(const QList<View>& views, const QString& currentView);
+    /// Makes the views the rows, and signals how they differ from those before. Returns whether they do. A slot may
+    /// delete the model with this object, in which case it returns false, or run an event loop in which a newer list is
+    /// shown.
+    bool show(const QList<View>& views, const QString& currentView);
 
 private:
     void removeOthers();
@@ -37,4 +38,6 @@ private:
     QString mCurrentView;
     int mAnnouncedCount = 0;
     int mAnnouncedRow = -1;
+    /// Counts the changes of rows other than that the current view is another.
+    quint64 mChanges = 0;
 };

@@ -4,7 +4,7 @@ SUMMARY = "Client libraries for the compositor service of the device"
 LICENSE = "MIT"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=fbede04f481a3dc7f46f5f49f97fbe1f"
 
-# The source comes from the tree that the recipe is copied from; see README.md.
+# TELVARO_SOURCE is the source tree; see README.md.
 inherit externalsrc cmake_qt5 pkgconfig
 EXTERNALSRC = "${TELVARO_SOURCE}"
 
@@ -16,8 +16,7 @@ EXTRA_OECMAKE = " \
     -DTELVARO_BUILD_QML=OFF \
 "
 
-# The non-blocking library, and telvaroctl with its completions, are packages of their own, which an image may leave
-# out.
+# The live layer, and telvaroctl with its completions, are separate packages that an image can leave out.
 PACKAGES =+ "${PN}-live ${PN}-tools"
 FILES:${PN}-live = "${libdir}/libTelvaroLive.so.*"
 FILES:${PN}-tools = " \
@@ -28,5 +27,5 @@ FILES:${PN}-tools = " \
 "
 FILES:${PN}-dev += "${datadir}/dbus-1/interfaces"
 
-# "pidof", by which processes are looked up.
+# procps brings pidof, which processNameToPid() runs.
 RDEPENDS:${PN} = "procps"

@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 #
-# The device's architecture on a Debian machine. To be sourced by bash, after common.sh and debian.sh.
+# The device's architecture on a Debian machine. Sourced by bash, after common.sh and debian.sh.
 
 armv7_packages=(g++-arm-linux-gnueabihf mmdebstrap qemu-user-static qt5-qmake-bin qtbase5-dev-tools)
 armv7_sysroot=$project_directory/build/armv7-sysroot
 
-# Headers and libraries of the device's architecture; nothing of this machine changes.
+# Creates a sysroot with the headers and libraries of the device's architecture, without changing this machine.
 ensure_armv7_sysroot() {
     [ ! -d "$armv7_sysroot" ] || return 0
     local new=$armv7_sysroot.new link tool
@@ -16,14 +16,14 @@ ensure_armv7_sysroot() {
         --include="libc6-dev,libstdc++-$(arm-linux-gnueabihf-g++ -dumpversion)-dev,qtbase5-dev" \
         "$(debian_release)" "$new" "$(debian_archive)"
 
-    # An emulated program looks up every path there first. Empty folders and programs of the other architecture would
-    # hide this machine's.
+    # Emulated programs look up every path in the sysroot first, where empty folders and programs of the other
+    # architecture would hide this machine's.
     rm -rf "$new"/{bin,sbin,etc,tmp,var,dev,usr/bin,usr/sbin}
     find "$new" -type l -lname '/*' | while read -r link; do
         ln -snf --relative "$new$(readlink "$link")" "$link"
     done
 
-    # Qt's packages for CMake name its build tools by their places there; those that run are this machine's.
+    # Qt's CMake packages expect its build tools in the sysroot; link them to this machine's, which can run.
     for tool in "$new"/usr/lib/qt5/bin/*; do
         ln -sf "/usr/lib/qt5/bin/${tool##*/}" "$tool"
     done

@@ -1,27 +1,33 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 #
-# What the scripts beside this folder share. To be sourced by bash.
+# Functions and package lists shared by the scripts. Sourced by bash.
 
 project_directory=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 log_directory=$project_directory/build/logs
 
-# What the library, the tools and their tests are built with and run on.
+# Needed to build the library, the tools and the examples, and to run a session.
 build_packages=(
-    cmake g++ ninja-build pkg-config
-    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools libwayland-dev wayland-protocols
+    cmake g++ make ninja-build pkg-config
+    qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
+    qtbase5-private-dev qtwayland5-private-dev libwayland-dev wayland-protocols
 )
 session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
 )
 
-# What the tests and the benchmarks are built with, and what else they run.
+# Needed to build the manual and the reference.
+documentation_packages=(doxygen doxygen-awesome-css mandoc python3-pygments)
+
+# Needed in addition to build and run the tests and the benchmarks.
 test_build_packages=(
     libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
-    binutils bsdextrautils clang-format desktop-file-utils doxygen dpkg-dev fish libglib2.0-bin libnotify-bin mandoc
-    qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest reuse systemd xdotool xvfb zsh
+    "${documentation_packages[@]}"
+    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus
+    qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
+    zsh
 )
 
 fail() {
@@ -29,7 +35,8 @@ fail() {
     exit 1
 }
 
-# run_logged NAME COMMAND...: runs the command with its output in a log, which is shown if it fails.
+# run_logged NAME COMMAND...: runs the command with its output in build/logs/NAME.log and, if it fails, prints the end
+# of the log.
 run_logged() {
     local log=$log_directory/$1.log
     shift
@@ -50,7 +57,7 @@ as_root() {
     fi
 }
 
-# ensure_packages NAME...: installs those that are missing; says nothing where none is.
+# ensure_packages NAME...: installs the missing ones; prints nothing if none is missing.
 ensure_packages() {
     local package missing=()
     for package; do
@@ -63,7 +70,7 @@ ensure_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# build_preset NAME: configures and builds a preset into build/NAME; says nothing where nothing is to be done.
+# build_preset NAME: configures and builds a preset in build/NAME; prints nothing if it is up to date.
 build_preset() {
     local preset=$1 directory=$project_directory/build/$1
     cd "$project_directory"
@@ -77,7 +84,7 @@ build_preset() {
     put_manifest "$directory"
 }
 
-# put_manifest DIRECTORY: the desk's manifest where a build in the directory looks for the device's.
+# put_manifest DIRECTORY: copies the development manifest to where a build in that directory looks for it.
 put_manifest() {
     local manifest=$project_directory/compositor/data/device-manifest.json
     cmp -s "$manifest" "$1/device-manifest.json" || cp "$manifest" "$1/device-manifest.json"

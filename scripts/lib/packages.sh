@@ -1,12 +1,11 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 #
-# The Debian packages and the systems that they are made and tried in. To be sourced by bash, after common.sh and
-# debian.sh.
+# Debian systems in which the packages are built and tested. Sourced by bash, after common.sh and debian.sh.
 
 package_directory=$project_directory/build/packages
 
-# for_architecture NAME COMMAND...: runs the command as root where programs of that architecture run.
+# for_architecture NAME COMMAND...: runs the command as root where programs of that architecture can be executed.
 for_architecture() {
     local architecture=$1
     shift
@@ -17,7 +16,7 @@ for_architecture() {
     fi
 }
 
-# in_root ARCHITECTURE FOLDER COMMAND...: runs the command in the system that stands in the folder.
+# in_root ARCHITECTURE FOLDER COMMAND...: runs the command in the system in that folder.
 in_root() {
     local architecture=$1 root=$2
     shift 2

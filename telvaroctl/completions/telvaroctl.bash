@@ -3,10 +3,11 @@
 #
 # bash completion for telvaroctl. Commands, options and words are read from its help, ids from the running service.
 
-# The values of one member of all views. Values with an escape in them are left out.
+# The values of one member of all views. Values with an escape in them are left out, and none is offered if the service
+# does not answer soon: a completion must not hold up the line.
 _telvaroctl_views()
 {
-    telvaroctl views --json 2> /dev/null | sed -n 's/^ *"'"$1"'": "\{0,1\}\([^"\\,]\{1,\}\)"\{0,1\},\{0,1\}$/\1/p' | sort -u
+    timeout 0.3 telvaroctl views --json 2> /dev/null | sed -n 's/^ *"'"$1"'": "\{0,1\}\([^"\\,]\{1,\}\)"\{0,1\},\{0,1\}$/\1/p' | sort -u
 }
 
 _telvaroctl()

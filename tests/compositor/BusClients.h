@@ -21,7 +21,7 @@ public:
         return mConnections;
     }
 
-    /// Does not wait for the answer.
+    /// Does not wait for the reply.
     static QDBusPendingCall send(const QDBusConnection& connection, const QString& path, const QString& interface,
                                  const QString& member, const QVariantList& arguments);
 

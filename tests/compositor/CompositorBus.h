@@ -9,7 +9,7 @@
 #include <QString>
 #include <QVariant>
 
-/// The compositor's objects without the library between: plain messages, whose replies are seen as they are.
+/// The compositor's objects over plain QDBusMessages, without the library.
 namespace CompositorBus {
 using View = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
@@ -36,9 +36,9 @@ QDBusMessage set(const QString& path, const QString& interface, const QString& p
 
 QList<View> views();
 QString currentView();
-/// An empty one when there is none.
+/// An empty view if there is none.
 View viewWithTitle(const QString& title);
 
-/// "<error name>: <text>"; empty for a reply that is none.
+/// "<error name>: <text>"; empty for a reply without error.
 QString errorOf(const QDBusMessage& reply);
 } // namespace CompositorBus

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 #include "WireClient.h"
 
 #include <unistd.h>
+#include <wayland-client-protocol.h>
 
-/// Drags from their begin to the drop, and those that end otherwise.
-class CompositorDragTest : public CompositorTest
+/// Drag and drop, and drags that are cancelled.
+class CompositorDragTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -41,11 +42,11 @@ private:
     Dragger openDragger(const QByteArray& title);
     static quint32 createSource(const Dragger& dragger);
     static void startDrag(const Dragger& dragger, quint32 source);
-    /// Moves until the object has got such an event.
+    /// Moves the pointer until the object has received the event.
     void moveUntil(const Dragger& dragger, quint32 object, quint16 opcode);
     void pressOn(const Dragger& dragger);
     static void waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode);
-    /// The pointer still leads to the window of the client.
+    /// Verifies that the pointer still reaches the client's window.
     void checkPointer(const Dragger& dragger);
 
     std::unique_ptr<VirtualDesktop> mDesktop;
@@ -53,7 +54,8 @@ private:
 };
 
 namespace {
-// Events and requests of the protocol.
+
+// Event opcodes.
 constexpr quint16 cPointerMotion = 2;
 constexpr quint16 cPointerButton = 3;
 constexpr quint16 cDeviceEnter = 1;
@@ -61,6 +63,7 @@ constexpr quint16 cDeviceLeave = 2;
 constexpr quint16 cDeviceMotion = 3;
 constexpr quint16 cDeviceDrop = 4;
 constexpr quint16 cSourceCancelled = 2;
+
 } // namespace
 
 void CompositorDragTest::initTestCase()
@@ -84,9 +87,10 @@ CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& ti
     const quint32 seat = dragger.client->bind("wl_seat");
     dragger.manager = dragger.client->bind("wl_data_device_manager");
     dragger.device = dragger.client->newId();
-    dragger.client->send(WireMessage(dragger.manager, 1).number(dragger.device).number(seat));
+    dragger.client->send(
+        WireMessage(dragger.manager, WL_DATA_DEVICE_MANAGER_GET_DATA_DEVICE).number(dragger.device).number(seat));
     dragger.pointer = dragger.client->newId();
-    dragger.client->send(WireMessage(seat, 0).number(dragger.pointer));
+    dragger.client->send(WireMessage(seat, WL_SEAT_GET_POINTER).number(dragger.pointer));
     dragger.window = dragger.client->openWindow(title);
     dragger.client->synchronise();
     return dragger;
@@ -95,16 +99,19 @@ CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& ti
 quint32 CompositorDragTest::createSource(const Dragger& dragger)
 {
     const quint32 source = dragger.client->newId();
-    dragger.client->send(WireMessage(dragger.manager, 0).number(source));
-    dragger.client->send(WireMessage(source, 0).text("text/plain"));
+    dragger.client->send(WireMessage(dragger.manager, WL_DATA_DEVICE_MANAGER_CREATE_DATA_SOURCE).number(source));
+    dragger.client->send(WireMessage(source, WL_DATA_SOURCE_OFFER).text("text/plain"));
     return source;
 }
 
 void CompositorDragTest::startDrag(const Dragger& dragger, quint32 source)
 {
     const quint32 icon = dragger.client->createSurface();
-    dragger.client->send(
-        WireMessage(dragger.device, 0).number(source).number(dragger.window.surface).number(icon).number(0U));
+    dragger.client->send(WireMessage(dragger.device, WL_DATA_DEVICE_START_DRAG)
+                             .number(source)
+                             .number(dragger.window.surface)
+                             .number(icon)
+                             .number(0U));
     QVERIFY2(dragger.client->synchronise(), dragger.client->errorText());
 }
 
@@ -186,7 +193,7 @@ void CompositorDragTest::aDragEndsWithItsSource()
     const quint32 source = createSource(dragger);
     startDrag(dragger, source);
     moveUntil(dragger, dragger.device, cDeviceMotion);
-    dragger.client->send(WireMessage(source, 1));
+    dragger.client->send(WireMessage(source, WL_DATA_SOURCE_DESTROY));
     waitForEvent(dragger, dragger.device, cDeviceLeave);
     mDesktop->release();
     checkPointer(dragger);
@@ -272,10 +279,11 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
     const quint32 surface = dragger.client->createSurface();
     dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
     dragger.client->commit(surface);
-    dragger.client->send(WireMessage(dragger.pointer, 0).number(0U).number(surface).number(1U).number(1U));
+    dragger.client->send(
+        WireMessage(dragger.pointer, WL_POINTER_SET_CURSOR).number(0U).number(surface).number(1U).number(1U));
     QVERIFY(dragger.client->synchronise());
 
-    // One that takes its memory away, and one that is a window.
+    // A cursor whose memory is truncated, and a cursor that is a window.
     dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
     QCOMPARE(ftruncate(dragger.client->memory(), 0), 0);
     dragger.client->commit(surface);
@@ -283,7 +291,11 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
     expectComplaints(5);
     const Dragger other = openDragger("Other");
     moveUntil(other, other.pointer, cPointerMotion);
-    other.client->send(WireMessage(other.pointer, 0).number(0U).number(other.window.surface).number(1U).number(1U));
+    other.client->send(WireMessage(other.pointer, WL_POINTER_SET_CURSOR)
+                           .number(0U)
+                           .number(other.window.surface)
+                           .number(1U)
+                           .number(1U));
     QVERIFY(!other.client->synchronise());
 }
 

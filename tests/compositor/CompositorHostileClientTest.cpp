@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 #include "WireClient.h"
 
@@ -11,24 +11,30 @@
 #include <limits>
 #include <unistd.h>
 #include <vector>
+#include <viewporter-client-protocol.h>
+#include <wayland-client-protocol.h>
+#include <xdg-decoration-unstable-v1-client-protocol.h>
+#include <xdg-shell-client-protocol.h>
 
 namespace {
+
 constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
 constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
-/// What the table expects of a client that has done no wrong.
+/// The expected error of a client that stays connected.
 constexpr int cNoError = -1;
-/// The compositor may cut the client or not.
+/// The compositor may disconnect the client or not.
 constexpr int cAnyEnd = -2;
-/// It cuts the client, whatever it calls the error.
+/// The compositor disconnects the client with any error.
 constexpr int cAnyError = -3;
 
 using Attack = std::function<void(WireClient&)>;
+
 } // namespace
 
 Q_DECLARE_METATYPE(Attack)
 
-/// Clients as no library makes them, beside one that must not notice.
-class CompositorHostileClientTest : public CompositorTest
+/// Clients that violate the protocol, beside a well-behaved witness.
+class CompositorHostileClientTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -68,51 +74,54 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     });
     row("an id that is in use", cAnyError, [](WireClient& client) {
         const quint32 surface = client.createSurface();
-        client.send(WireMessage(surface, 3).number(surface));
+        client.send(WireMessage(surface, WL_SURFACE_FRAME).number(surface));
     });
     row("an id far beyond the others", cAnyError, [](WireClient& client) {
         const quint32 surface = client.createSurface();
-        client.send(WireMessage(surface, 3).number(100000000U));
+        client.send(WireMessage(surface, WL_SURFACE_FRAME).number(100000000U));
     });
     row("an id of the compositor's own", cAnyError, [](WireClient& client) {
         const quint32 surface = client.createSurface();
-        client.send(WireMessage(surface, 3).number(0xff000000U));
+        client.send(WireMessage(surface, WL_SURFACE_FRAME).number(0xff000000U));
     });
     row("a message that is too short", cAnyError, [](WireClient& client) {
-        client.send(WireMessage(client.createSurface(), 1));
+        client.send(WireMessage(client.createSurface(), WL_SURFACE_ATTACH));
     });
     row("a message without a size", cAnyError, [](WireClient& client) {
         client.sendBytes(QByteArray("\x01\0\0\0\0\0\0\0", 8));
     });
     row("half a message", cAnyEnd, [](WireClient& client) {
-        client.sendBytes(WireMessage(1, 0).number(client.newId()).bytes().chopped(2));
+        client.sendBytes(WireMessage(1, WL_DISPLAY_SYNC).number(client.newId()).bytes().chopped(2));
         client.disconnect();
     });
     row("a text without an end", cAnyError, [](WireClient& client) {
         const quint32 toplevel = client.createWindow().toplevel;
-        client.send(WireMessage(toplevel, 2).number(4U).number(0x41414141U));
+        client.send(WireMessage(toplevel, XDG_TOPLEVEL_SET_TITLE).number(4U).number(0x41414141U));
     });
     row("a text that is longer than its message", cAnyError, [](WireClient& client) {
         const quint32 toplevel = client.createWindow().toplevel;
-        client.send(WireMessage(toplevel, 2).number(0x7fffffffU));
+        client.send(WireMessage(toplevel, XDG_TOPLEVEL_SET_TITLE).number(0x7fffffffU));
     });
     row("a text that is no text", cAnyEnd, [](WireClient& client) {
         const quint32 toplevel = client.createWindow().toplevel;
-        client.send(WireMessage(toplevel, 2).text(QByteArray("\xff\xfe\x80\xc3")));
+        client.send(WireMessage(toplevel, XDG_TOPLEVEL_SET_TITLE).text(QByteArray("\xff\xfe\x80\xc3")));
     });
     row("no descriptor for a pool", cAnyEnd, [](WireClient& client) {
-        client.send(WireMessage(client.bind("wl_shm"), 0).number(client.newId()).number(4096U));
+        client.send(WireMessage(client.bind("wl_shm"), WL_SHM_CREATE_POOL).number(client.newId()).number(4096U));
     });
     row("a descriptor that is no memory", 2, [](WireClient& client) {
         int pipes[2];
         QCOMPARE(pipe(pipes), 0);
-        client.send(WireMessage(client.bind("wl_shm"), 0).number(client.newId()).descriptor(pipes[0]).number(4096U));
+        client.send(WireMessage(client.bind("wl_shm"), WL_SHM_CREATE_POOL)
+                        .number(client.newId())
+                        .descriptor(pipes[0])
+                        .number(4096U));
         close(pipes[0]);
         close(pipes[1]);
     });
     row("descriptors that nobody asked for", cAnyError, [](WireClient& client) {
         for (int i = 0; i < 100; ++i) {
-            client.sendBytes(WireMessage(1, 0).number(client.newId()).bytes(), QVector<int>(20, 0));
+            client.sendBytes(WireMessage(1, WL_DISPLAY_SYNC).number(client.newId()).bytes(), QVector<int>(20, 0));
         }
     });
     row("a pool of a negative size", 1, [](WireClient& client) {
@@ -120,7 +129,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     });
     row("a pool that shrinks", 2, [](WireClient& client) {
         const quint32 pool = client.createPool(8192, 8192);
-        client.send(WireMessage(pool, 2).number(4096U));
+        client.send(WireMessage(pool, WL_SHM_POOL_RESIZE).number(4096U));
     });
     row("a buffer of a negative size", 1, [](WireClient& client) {
         client.createBuffer(client.createPool(4096, 4096), -1, -1, -4);
@@ -154,38 +163,38 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("a cursor whose memory is taken away", cAnyEnd, [](WireClient& client) {
         const quint32 seat = client.bind("wl_seat");
         const quint32 pointer = client.newId();
-        client.send(WireMessage(seat, 0).number(pointer));
+        client.send(WireMessage(seat, WL_SEAT_GET_POINTER).number(pointer));
         const quint32 surface = client.createSurface();
         client.attach(surface, client.createBuffer(QSize(64, 64)));
         QCOMPARE(ftruncate(client.memory(), 0), 0);
         client.commit(surface);
-        client.send(WireMessage(pointer, 0).number(0U).number(surface).number(0U).number(0U));
+        client.send(WireMessage(pointer, WL_POINTER_SET_CURSOR).number(0U).number(surface).number(0U).number(0U));
     });
     row("a buffer that is destroyed before it is shown", cNoError, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Hasty");
         const quint32 buffer = client.createBuffer(QSize(300, 200));
         client.attach(window.surface, buffer);
-        client.send(WireMessage(buffer, 0));
+        client.send(WireMessage(buffer, WL_BUFFER_DESTROY));
         client.commit(window.surface);
     });
     row("a scale of zero", 0, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Scaled");
-        client.send(WireMessage(window.surface, 8).number(0U));
+        client.send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_SCALE).number(0U));
         client.commit(window.surface);
     });
     row("a negative scale", 0, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Scaled");
-        client.send(WireMessage(window.surface, 8).number(cLowest));
+        client.send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_SCALE).number(cLowest));
         client.commit(window.surface);
     });
     row("a huge scale", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Scaled");
-        client.send(WireMessage(window.surface, 8).number(cHuge));
+        client.send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_SCALE).number(cHuge));
         client.commit(window.surface);
     });
     row("a transform that is none", 1, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Turned");
-        client.send(WireMessage(window.surface, 7).number(4711U));
+        client.send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_TRANSFORM).number(4711U));
         client.commit(window.surface);
     });
     row("damage outside", cNoError, [](WireClient& client) {
@@ -199,54 +208,66 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     });
     row("a window geometry as large as numbers go", cNoError, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Large");
-        client.send(WireMessage(window.xdgSurface, 3).number(cLowest).number(cLowest).number(cHuge).number(cHuge));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_SET_WINDOW_GEOMETRY)
+                        .number(cLowest)
+                        .number(cLowest)
+                        .number(cHuge)
+                        .number(cHuge));
         client.commit(window.surface);
     });
     row("a window geometry of a negative size", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Negative");
-        client.send(WireMessage(window.xdgSurface, 3).number(0U).number(0U).number(-1).number(-1));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_SET_WINDOW_GEOMETRY)
+                        .number(0U)
+                        .number(0U)
+                        .number(-1)
+                        .number(-1));
         client.commit(window.surface);
     });
     row("a viewport as large as numbers go", cNoError, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Large");
         const quint32 viewporter = client.bind("wp_viewporter");
         const quint32 id = client.newId();
-        client.send(WireMessage(viewporter, 1).number(id).number(window.surface));
-        client.send(WireMessage(id, 2).number(cHuge).number(cHuge));
+        client.send(WireMessage(viewporter, WP_VIEWPORTER_GET_VIEWPORT).number(id).number(window.surface));
+        client.send(WireMessage(id, WP_VIEWPORT_SET_DESTINATION).number(cHuge).number(cHuge));
         client.commit(window.surface);
     });
 
     row("a surface that goes before its window", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Headless");
-        client.send(WireMessage(window.surface, 0));
-        client.send(WireMessage(window.xdgSurface, 3).number(0U).number(0U).number(10U).number(10U));
-        client.send(WireMessage(window.toplevel, 9));
-        client.send(WireMessage(window.toplevel, 2).text("Still here"));
+        client.send(WireMessage(window.surface, WL_SURFACE_DESTROY));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_SET_WINDOW_GEOMETRY)
+                        .number(0U)
+                        .number(0U)
+                        .number(10U)
+                        .number(10U));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_MAXIMIZED));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_TITLE).text("Still here"));
     });
     row("a surface that goes before it gets a role", cAnyEnd, [](WireClient& client) {
         const quint32 surface = client.createSurface();
         const quint32 xdgSurface = client.createXdgSurface(surface);
-        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
         client.createToplevel(xdgSurface);
     });
     row("an xdg surface that goes before its window", cAnyEnd, [](WireClient& client) {
         const WireClient::Window other = client.openWindow("Other");
         const WireClient::Window window = client.openWindow("Headless");
-        client.send(WireMessage(window.xdgSurface, 0));
-        client.send(WireMessage(window.toplevel, 1).number(other.toplevel));
-        client.send(WireMessage(window.toplevel, 9));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_DESTROY));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_PARENT).number(other.toplevel));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_MAXIMIZED));
         client.commit(window.surface);
     });
     row("a window that goes before its xdg surface", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Gone");
-        client.send(WireMessage(window.toplevel, 0));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_DESTROY));
         client.createWindow();
-        client.send(WireMessage(window.xdgSurface, 4).number(1U));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_ACK_CONFIGURE).number(1U));
         client.commit(window.surface);
     });
     row("a shell that goes before its windows", cAnyEnd, [](WireClient& client) {
         client.openWindow("Orphan");
-        client.send(WireMessage(client.bind("xdg_wm_base"), 0));
+        client.send(WireMessage(client.bind("xdg_wm_base"), XDG_WM_BASE_DESTROY));
     });
     row("two xdg surfaces of one surface", cAnyEnd, [](WireClient& client) {
         const quint32 surface = client.createSurface();
@@ -262,22 +283,23 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         client.createToplevel(client.createWindow().xdgSurface);
     });
     row("an answer to a configuration that was none", cAnyEnd, [](WireClient& client) {
-        client.send(WireMessage(client.openWindow("Wrong").xdgSurface, 4).number(4711U));
+        client.send(WireMessage(client.openWindow("Wrong").xdgSurface, XDG_SURFACE_ACK_CONFIGURE).number(4711U));
     });
     row("an answer from a surface without a role", 1, [](WireClient& client) {
-        client.send(WireMessage(client.createXdgSurface(client.createSurface()), 4).number(1U));
+        client.send(WireMessage(client.createXdgSurface(client.createSurface()), XDG_SURFACE_ACK_CONFIGURE).number(1U));
     });
     row("a cursor without the pointer", cNoError, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Cursor");
         const quint32 seat = client.bind("wl_seat");
         const quint32 pointer = client.newId();
-        client.send(WireMessage(seat, 0).number(pointer));
-        client.send(WireMessage(pointer, 0).number(0U).number(window.surface).number(0U).number(0U));
+        client.send(WireMessage(seat, WL_SEAT_GET_POINTER).number(pointer));
+        client.send(
+            WireMessage(pointer, WL_POINTER_SET_CURSOR).number(0U).number(window.surface).number(0U).number(0U));
     });
     row("answers to pings that were none", cNoError, [](WireClient& client) {
         const quint32 shell = client.bind("xdg_wm_base");
         for (int i = 0; i < 10000; ++i) {
-            client.send(WireMessage(shell, 3).number(i));
+            client.send(WireMessage(shell, XDG_WM_BASE_PONG).number(i));
         }
     });
     row("a buffer larger than any output", 1, [](WireClient& client) {
@@ -294,7 +316,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("more frames than there is room for", 2, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Frames");
         for (int i = 0; i < 20000; ++i) {
-            client.send(WireMessage(window.surface, 3).number(client.newId()));
+            client.send(WireMessage(window.surface, WL_SURFACE_FRAME).number(client.newId()));
         }
     });
     row("commits without a buffer", cNoError, [](WireClient& client) {
@@ -317,11 +339,12 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.openWindow("Region").surface;
         const quint32 compositor = client.bind("wl_compositor");
         const quint32 region = client.newId();
-        client.send(WireMessage(compositor, 1).number(region));
+        client.send(WireMessage(compositor, WL_COMPOSITOR_CREATE_REGION).number(region));
         for (int i = 0; i < 10000; ++i) {
-            client.send(WireMessage(region, 1).number(i % 100 * 3).number(i / 100 * 2).number(1U).number(1U));
+            client.send(
+                WireMessage(region, WL_REGION_ADD).number(i % 100 * 3).number(i / 100 * 2).number(1U).number(1U));
         }
-        client.send(WireMessage(surface, 5).number(region));
+        client.send(WireMessage(surface, WL_SURFACE_SET_INPUT_REGION).number(region));
         client.commit(surface);
     });
     row("one picture on a thousand surfaces", cAnyEnd, [](WireClient& client) {
@@ -331,7 +354,10 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         for (int i = 0; i < 1000; ++i) {
             const quint32 surface = client.createSurface();
             const quint32 subsurface = client.newId();
-            client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
+            client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                            .number(subsurface)
+                            .number(surface)
+                            .number(window.surface));
             client.attach(surface, buffer);
             client.damage(surface, QRect(0, 0, 1000, 1000));
             client.commit(surface);
@@ -340,8 +366,10 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
 
     row("a subsurface of itself", cAnyEnd, [](WireClient& client) {
         const quint32 surface = client.createSurface();
-        client.send(
-            WireMessage(client.bind("wl_subcompositor"), 1).number(client.newId()).number(surface).number(surface));
+        client.send(WireMessage(client.bind("wl_subcompositor"), WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(client.newId())
+                        .number(surface)
+                        .number(surface));
         client.commit(surface);
     });
     row("a subsurface twice", cAnyEnd, [](WireClient& client) {
@@ -349,18 +377,24 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 subcompositor = client.bind("wl_subcompositor");
         const quint32 one = client.newId();
-        client.send(WireMessage(subcompositor, 1).number(one).number(surface).number(window.surface));
+        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(one)
+                        .number(surface)
+                        .number(window.surface));
         const quint32 other = client.newId();
-        client.send(WireMessage(subcompositor, 1).number(other).number(surface).number(window.surface));
-        client.send(WireMessage(one, 1).number(1U).number(1U));
-        client.send(WireMessage(other, 1).number(1U).number(1U));
-        client.send(WireMessage(surface, 0));
-        client.send(WireMessage(other, 1).number(1U).number(1U));
+        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(other)
+                        .number(surface)
+                        .number(window.surface));
+        client.send(WireMessage(one, WL_SUBSURFACE_SET_POSITION).number(1U).number(1U));
+        client.send(WireMessage(other, WL_SUBSURFACE_SET_POSITION).number(1U).number(1U));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
+        client.send(WireMessage(other, WL_SUBSURFACE_SET_POSITION).number(1U).number(1U));
     });
     row("a subsurface that is a window", cAnyEnd, [](WireClient& client) {
         const WireClient::Window one = client.openWindow("One");
         const WireClient::Window other = client.openWindow("Other");
-        client.send(WireMessage(client.bind("wl_subcompositor"), 1)
+        client.send(WireMessage(client.bind("wl_subcompositor"), WL_SUBCOMPOSITOR_GET_SUBSURFACE)
                         .number(client.newId())
                         .number(one.surface)
                         .number(other.surface));
@@ -372,15 +406,18 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 subcompositor = client.bind("wl_subcompositor");
         const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
-        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(subsurface)
+                        .number(surface)
+                        .number(window.surface));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
         for (int i = 0; i < 20; ++i) {
             client.createSurface();
         }
-        client.send(WireMessage(subsurface, 1).number(5U).number(5U));
-        client.send(WireMessage(subsurface, 2).number(window.surface));
-        client.send(WireMessage(subsurface, 5));
-        client.send(WireMessage(subsurface, 0));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_POSITION).number(5U).number(5U));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_ABOVE).number(window.surface));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_DESYNC));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_DESTROY));
         client.commit(window.surface);
     });
     row("a subsurface whose parent is gone", cAnyEnd, [](WireClient& client) {
@@ -388,12 +425,15 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 subcompositor = client.bind("wl_subcompositor");
         const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(parent));
-        client.send(WireMessage(parent, 0));
-        client.send(WireMessage(subsurface, 1).number(cLowest).number(cHuge));
+        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(subsurface)
+                        .number(surface)
+                        .number(parent));
+        client.send(WireMessage(parent, WL_SURFACE_DESTROY));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_POSITION).number(cLowest).number(cHuge));
         client.attach(surface, client.createBuffer(QSize(10, 10)));
         client.commit(surface);
-        client.send(WireMessage(subsurface, 0));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_DESTROY));
         client.commit(surface);
     });
     row("a subsurface far away", cNoError, [](WireClient& client) {
@@ -403,8 +443,11 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         for (int i = 0; i < 10; ++i) {
             const quint32 surface = client.createSurface();
             const quint32 subsurface = client.newId();
-            client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(parent));
-            client.send(WireMessage(subsurface, 1).number(cHuge).number(cLowest));
+            client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                            .number(subsurface)
+                            .number(surface)
+                            .number(parent));
+            client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_POSITION).number(cHuge).number(cLowest));
             client.attach(surface, client.createBuffer(QSize(10, 10)));
             client.damage(surface, QRect(0, 0, 10, 10));
             client.commit(surface);
@@ -418,9 +461,12 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 stranger = client.createSurface();
         const quint32 subcompositor = client.bind("wl_subcompositor");
         const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, 1).number(subsurface).number(surface).number(window.surface));
-        client.send(WireMessage(subsurface, 2).number(stranger));
-        client.send(WireMessage(subsurface, 3).number(surface));
+        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                        .number(subsurface)
+                        .number(surface)
+                        .number(window.surface));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_ABOVE).number(stranger));
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_BELOW).number(surface));
         client.commit(window.surface);
     });
 
@@ -428,19 +474,21 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 viewporter = client.bind("wp_viewporter");
         const quint32 viewport = client.newId();
-        client.send(WireMessage(viewporter, 1).number(viewport).number(surface));
-        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(viewporter, WP_VIEWPORTER_GET_VIEWPORT).number(viewport).number(surface));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
         client.synchronise();
-        client.send(WireMessage(viewport, 2).number(10U).number(10U));
+        client.send(WireMessage(viewport, WP_VIEWPORT_SET_DESTINATION).number(10U).number(10U));
     });
     row("a decoration whose window is gone", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Decorated");
         const quint32 manager = client.bind("zxdg_decoration_manager_v1");
         const quint32 decoration = client.newId();
-        client.send(WireMessage(manager, 1).number(decoration).number(window.toplevel));
-        client.send(WireMessage(window.toplevel, 0));
-        client.send(WireMessage(decoration, 1).number(4711U));
-        client.send(WireMessage(decoration, 0));
+        client.send(WireMessage(manager, ZXDG_DECORATION_MANAGER_V1_GET_TOPLEVEL_DECORATION)
+                        .number(decoration)
+                        .number(window.toplevel));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_DESTROY));
+        client.send(WireMessage(decoration, ZXDG_TOPLEVEL_DECORATION_V1_SET_MODE).number(4711U));
+        client.send(WireMessage(decoration, ZXDG_TOPLEVEL_DECORATION_V1_DESTROY));
     });
 
     row("a popup without a parent", 3, [](WireClient& client) {
@@ -454,7 +502,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 shell = client.bind("xdg_wm_base");
         const quint32 positioner = client.newId();
-        client.send(WireMessage(shell, 1).number(positioner));
+        client.send(WireMessage(shell, XDG_WM_BASE_CREATE_POSITIONER).number(positioner));
         client.createPopup(client.createXdgSurface(client.createSurface()), window.xdgSurface, positioner);
     });
     row("a popup of itself", cAnyEnd, [](WireClient& client) {
@@ -486,7 +534,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 xdgSurface = client.createXdgSurface(surface);
         const quint32 positioner = client.createPositioner(QSize(20, 20));
-        client.send(WireMessage(surface, 0));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
         client.createPopup(xdgSurface, window.xdgSurface, positioner);
     });
     row("a popup that outlives its surface", cAnyEnd, [](WireClient& client) {
@@ -494,10 +542,10 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 xdgSurface = client.createXdgSurface(surface);
         const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
-        client.send(WireMessage(surface, 0));
-        client.send(WireMessage(xdgSurface, 0));
-        client.send(WireMessage(popup, 1).number(0U).number(0U));
-        client.send(WireMessage(popup, 0));
+        client.send(WireMessage(surface, WL_SURFACE_DESTROY));
+        client.send(WireMessage(xdgSurface, XDG_SURFACE_DESTROY));
+        client.send(WireMessage(popup, XDG_POPUP_GRAB).number(0U).number(0U));
+        client.send(WireMessage(popup, XDG_POPUP_DESTROY));
     });
     row("a popup that goes and is answered for", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
@@ -507,8 +555,8 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         client.commit(surface);
         client.attach(surface, client.createBuffer(QSize(20, 20)));
         client.commit(surface);
-        client.send(WireMessage(popup, 0));
-        client.send(WireMessage(xdgSurface, 4).number(1U));
+        client.send(WireMessage(popup, XDG_POPUP_DESTROY));
+        client.send(WireMessage(xdgSurface, XDG_SURFACE_ACK_CONFIGURE).number(1U));
         client.commit(surface);
         client.createToplevel(xdgSurface);
     });
@@ -526,9 +574,9 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
             client.commit(surface);
             parent = xdgSurface;
         }
-        client.send(WireMessage(window.toplevel, 0));
-        client.send(WireMessage(window.xdgSurface, 0));
-        client.send(WireMessage(window.surface, 0));
+        client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_DESTROY));
+        client.send(WireMessage(window.xdgSurface, XDG_SURFACE_DESTROY));
+        client.send(WireMessage(window.surface, WL_SURFACE_DESTROY));
         for (const quint32 surface : surfaces) {
             client.commit(surface);
         }
@@ -539,9 +587,13 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
             for (const qint32 edge : {cLowest, cHuge}) {
                 const quint32 surface = client.createSurface();
                 const quint32 positioner = client.createPositioner(QSize(cHuge, cHuge));
-                client.send(WireMessage(positioner, 2).number(edge).number(edge).number(cHuge).number(cHuge));
-                client.send(WireMessage(positioner, 5).number(adjustment));
-                client.send(WireMessage(positioner, 6).number(edge).number(edge));
+                client.send(WireMessage(positioner, XDG_POSITIONER_SET_ANCHOR_RECT)
+                                .number(edge)
+                                .number(edge)
+                                .number(cHuge)
+                                .number(cHuge));
+                client.send(WireMessage(positioner, XDG_POSITIONER_SET_CONSTRAINT_ADJUSTMENT).number(adjustment));
+                client.send(WireMessage(positioner, XDG_POSITIONER_SET_OFFSET).number(edge).number(edge));
                 client.createPopup(client.createXdgSurface(surface), window.xdgSurface, positioner);
                 client.commit(surface);
                 client.attach(surface, client.createBuffer(QSize(20, 20)));
@@ -570,7 +622,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
         const quint32 seat = client.bind("wl_seat");
         for (int i = 0; i < 100; ++i) {
-            client.send(WireMessage(popup, 1).number(seat).number(i));
+            client.send(WireMessage(popup, XDG_POPUP_GRAB).number(seat).number(i));
         }
         client.commit(surface);
     });
@@ -580,28 +632,32 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 seat = client.bind("wl_seat");
         const quint32 manager = client.bind("wl_data_device_manager");
         const quint32 device = client.newId();
-        client.send(WireMessage(manager, 1).number(device).number(seat));
+        client.send(WireMessage(manager, WL_DATA_DEVICE_MANAGER_GET_DATA_DEVICE).number(device).number(seat));
         for (int i = 0; i < 10; ++i) {
             const quint32 source = client.newId();
-            client.send(WireMessage(manager, 0).number(source));
-            client.send(WireMessage(source, 0).text("text/plain"));
-            client.send(WireMessage(device, 1).number(source).number(0U));
-            client.send(WireMessage(source, 1));
+            client.send(WireMessage(manager, WL_DATA_DEVICE_MANAGER_CREATE_DATA_SOURCE).number(source));
+            client.send(WireMessage(source, WL_DATA_SOURCE_OFFER).text("text/plain"));
+            client.send(WireMessage(device, WL_DATA_DEVICE_SET_SELECTION).number(source).number(0U));
+            client.send(WireMessage(source, WL_DATA_SOURCE_DESTROY));
         }
-        client.send(WireMessage(device, 1).number(0U).number(0U));
+        client.send(WireMessage(device, WL_DATA_DEVICE_SET_SELECTION).number(0U).number(0U));
     });
     row("a drag with nothing pressed", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Dragger");
         const quint32 seat = client.bind("wl_seat");
         const quint32 manager = client.bind("wl_data_device_manager");
         const quint32 device = client.newId();
-        client.send(WireMessage(manager, 1).number(device).number(seat));
+        client.send(WireMessage(manager, WL_DATA_DEVICE_MANAGER_GET_DATA_DEVICE).number(device).number(seat));
         const quint32 source = client.newId();
-        client.send(WireMessage(manager, 0).number(source));
+        client.send(WireMessage(manager, WL_DATA_DEVICE_MANAGER_CREATE_DATA_SOURCE).number(source));
         const quint32 icon = client.createSurface();
-        client.send(WireMessage(device, 0).number(source).number(window.surface).number(icon).number(0U));
-        client.send(WireMessage(source, 1));
-        client.send(WireMessage(icon, 0));
+        client.send(WireMessage(device, WL_DATA_DEVICE_START_DRAG)
+                        .number(source)
+                        .number(window.surface)
+                        .number(icon)
+                        .number(0U));
+        client.send(WireMessage(source, WL_DATA_SOURCE_DESTROY));
+        client.send(WireMessage(icon, WL_SURFACE_DESTROY));
     });
 }
 
@@ -617,7 +673,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
     const auto client = connectClient();
     attack(*client);
     client->synchronise();
-    // Everything that is there is painted and arranged anew.
+    // Paints and arranges everything again.
     screenShot();
     const bool isConnected = client->synchronise();
     if (error == cNoError) {
@@ -649,20 +705,23 @@ void CompositorHostileClientTest::whatAClientEndsLeavesNothingBehind()
             const quint32 xdgSurface = client->createXdgSurface(surface);
             const quint32 positioner = client->createPositioner(QSize(20, 20));
             const quint32 popup = client->createPopup(xdgSurface, window.xdgSurface, positioner);
-            client->send(WireMessage(positioner, 0));
+            client->send(WireMessage(positioner, XDG_POSITIONER_DESTROY));
             client->commit(surface);
             client->attach(surface, buffer);
             client->commit(surface);
             const quint32 part = client->createSurface();
             const quint32 subsurface = client->newId();
-            client->send(WireMessage(subcompositor, 1).number(subsurface).number(part).number(window.surface));
+            client->send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
+                             .number(subsurface)
+                             .number(part)
+                             .number(window.surface));
             client->attach(part, buffer);
             client->commit(part);
-            client->send(WireMessage(subsurface, 0));
-            client->send(WireMessage(part, 0));
-            client->send(WireMessage(popup, 0));
-            client->send(WireMessage(xdgSurface, 0));
-            client->send(WireMessage(surface, 0));
+            client->send(WireMessage(subsurface, WL_SUBSURFACE_DESTROY));
+            client->send(WireMessage(part, WL_SURFACE_DESTROY));
+            client->send(WireMessage(popup, XDG_POPUP_DESTROY));
+            client->send(WireMessage(xdgSurface, XDG_SURFACE_DESTROY));
+            client->send(WireMessage(surface, WL_SURFACE_DESTROY));
             QVERIFY2(client->synchronise(), client->errorText());
         }
     };
@@ -705,17 +764,17 @@ void CompositorHostileClientTest::aPopupIsEndedOnce()
     }
     QVERIFY(client->synchronise());
     QCOMPARE(client->events(popup, popupDone).size(), 1);
-    // What has been ended is not shown again, though the client has not taken it away.
+    // A dismissed popup is not shown again before the client destroys it.
     QVERIFY(screenShot().copy(0, 40, 1024, 560) != withPopup.copy(0, 40, 1024, 560));
-    client->send(WireMessage(popup, 0));
-    client->send(WireMessage(xdgSurface, 0));
-    client->send(WireMessage(surface, 0));
+    client->send(WireMessage(popup, XDG_POPUP_DESTROY));
+    client->send(WireMessage(xdgSurface, XDG_SURFACE_DESTROY));
+    client->send(WireMessage(surface, WL_SURFACE_DESTROY));
     QVERIFY2(client->synchronise(), client->errorText());
 }
 
 void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
 {
-    // A sanitizer's check of virtual calls opens descriptors, and ends the process without; it is off in the presets.
+    // The sanitizer's vptr check aborts without free descriptors; the presets turn it off.
     QCOMPARE(mCompositor->end(), 0);
     CompositorProcess limited;
     constexpr int limit = 60;
@@ -731,7 +790,7 @@ void CompositorHostileClientTest::moreConnectionsThanThereIsRoomForHarmNobody()
             sockets.back()->connectToServer(socket);
             QVERIFY(sockets.back()->waitForConnected(ChildProcess::cDeadline));
         }
-        // A connection takes two, so one may stay free. More are open where this process has handed some on.
+        // A connection takes two descriptors, so one may stay free. More are open if the process has inherited some.
         TRY_VERIFY(limited.descriptorCount() >= limit - 1);
         for (int i = 0; i < 50; ++i) {
             QVERIFY(witness.synchronise());

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
 
-/// What a user does with mouse and keyboard, on a desktop in memory.
-class CompositorInputTest : public CompositorTest
+/// Mouse and keyboard input on a virtual desktop.
+class CompositorInputTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ protected:
 
 private:
     std::unique_ptr<LineClient> openWindow();
-    /// Waits until the compositor has what the client has drawn in the size.
+    /// Waits until the compositor has the client's buffer of this size.
     void waitForSize(const QByteArray& size, const QString& title = QStringLiteral("Window"));
     void setScreen(const QString& property, const QVariant& value);
 
@@ -56,7 +56,7 @@ void CompositorInputTest::startCompositor()
     mCompositor->environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
     mCompositor->environment().insert(QStringLiteral("DISPLAY"), mDesktop->display());
     mCompositor->start();
-    // Away from everything that a test touches.
+    // Outside of every area that a test clicks.
     mDesktop->movePointer(5, 595);
 }
 
@@ -77,7 +77,7 @@ void CompositorInputTest::waitForSize(const QByteArray& size, const QString& tit
             + QByteArray::number(attributes.value(QStringLiteral("height")).toInt());
     };
     TRY_COMPARE(current(), size);
-    // Where a window takes input is settled when it is painted.
+    // Input regions are applied when the window is painted.
     screenShot();
 }
 
@@ -185,7 +185,7 @@ void CompositorInputTest::menusOpenAndClose()
 
 void CompositorInputTest::menusStayOnTheOutput()
 {
-    // Any input makes the client open true popups; before that it has nothing to attach them to.
+    // Qt creates xdg_popups only after an input event, whose serial they need.
     setScreen(QStringLiteral("orientation"), QStringLiteral("90"));
     const auto client = testClient();
     client->send("open a Window");
@@ -216,7 +216,7 @@ void CompositorInputTest::aDialogTakesTheInput()
     client->send("dialog 1 Question");
     TRY_COMPARE(CompositorBus::views().size(), 2);
     client->waitFor("deactivated 1");
-    // What lies beneath does not hear of it.
+    // The window beneath receives no event.
     mDesktop->movePointer(100, 500);
     mDesktop->click();
     mDesktop->key(QStringLiteral("Return"));
@@ -241,7 +241,7 @@ void CompositorInputTest::inputFollowsTheSwitch()
     CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
                        CompositorBus::viewWithTitle(QStringLiteral("Window")).uuid);
     client->waitFor("activated 1");
-    // The pointer has not moved, and yet it is over another window now.
+    // The pointer has not moved but is over a different window now.
     mDesktop->click();
     client->waitFor("press 1 500,366");
     mDesktop->key(QStringLiteral("b"));
@@ -310,7 +310,7 @@ void CompositorInputTest::aCardTakesTheClickFromTheView()
     mDesktop->movePointer(700, 60);
     mDesktop->click();
     notifications.waitForEvent();
-    // Now that the card is gone the same place is the view's.
+    // Without the card, the same place belongs to the view.
     mDesktop->click();
     QCOMPARE(client->takeEventsUntil("press 1 700,26"), QList<QByteArray>({"press 1 700,26"}));
 }
@@ -325,7 +325,7 @@ void CompositorInputTest::inputEndsTheScreenSaverAndDoesNothingElse()
     mDesktop->click();
     QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.value(QStringLiteral("screenSaverActive")),
              QVariant(false));
-    // The key comes after the click: all that came before it is known then.
+    // Events are ordered, so the key arrives after the click.
     mDesktop->key(QStringLiteral("z"));
     const QList<QByteArray> events = client->takeEventsUntil("keypress 1 z");
     QCOMPARE(events, QList<QByteArray>({"keypress 1 z"}));

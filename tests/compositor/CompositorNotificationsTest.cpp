@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "ImageHint.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 
 namespace {
+
 const QRect cCardArea(600, 36, 424, 564);
 
 bool hasColour(const QImage& image, const QColor& color)
@@ -26,9 +27,10 @@ bool hasColour(const QImage& image, const QColor& color)
     }
     return false;
 }
+
 } // namespace
 
-class CompositorNotificationsTest : public CompositorTest
+class CompositorNotificationsTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -376,7 +378,7 @@ void CompositorNotificationsTest::aFloodLeavesTheMemoryAlone()
     const auto flood = [&message](int count) {
         for (int i = 0; i < count; ++i) {
             PrivateBus::connection().send(message);
-            // Every now and then the sender waits until it is caught up with.
+            // Synchronises every now and then.
             if (i % 1000 == 999) {
                 CompositorBus::currentView();
             }
@@ -409,7 +411,7 @@ void CompositorNotificationsTest::tenThousandOfAllKindsFromTwentyClients()
     const auto flood = [&](int notifications) {
         QList<QDBusPendingCall> calls;
         for (int i = 0; i < notifications; ++i) {
-            // Every third one takes the place of somebody else's.
+            // Every third notification replaces a foreign one.
             const uint replacesId = i % 3 == 0 ? static_cast<uint>(i + 1) : 0U;
             calls.append(BusClients::send(
                 clients.connections().at(i % clients.connections().size()), CompositorBus::cNotificationsPath,

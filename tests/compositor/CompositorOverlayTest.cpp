@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include "TelvaroGlobalOverlayDBusConnector.h"
 
 namespace {
+
 void show(const QString& message)
 {
     CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"), {message});
@@ -17,7 +18,7 @@ void hide()
     CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
 }
 
-/// Where one picture differs from the other.
+/// The bounding rectangle of the differing pixels.
 QRect difference(const QImage& one, const QImage& other)
 {
     QRect rect;
@@ -31,7 +32,7 @@ QRect difference(const QImage& one, const QImage& other)
     return rect;
 }
 
-/// Where there is the overlay's bright text.
+/// The bounding rectangle of the overlay's bright text.
 QRect textArea(const QImage& image, const QRect& area)
 {
     QRect rect;
@@ -44,9 +45,10 @@ QRect textArea(const QImage& image, const QRect& area)
     }
     return rect;
 }
+
 } // namespace
 
-class CompositorOverlayTest : public CompositorTest
+class CompositorOverlayTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -171,7 +173,7 @@ void CompositorOverlayTest::anyMessageFits()
     const QImage shown = screenShot();
     const QRect text = textArea(shown, shown.rect());
     QVERIFY(!text.isEmpty());
-    // Nothing of it is cut at the output's edges.
+    // The text is not clipped at the output's edges.
     QVERIFY2(
         shown.rect().adjusted(1, 1, -1, -1).contains(text),
         qPrintable(QStringLiteral("%1,%2 %3x%4").arg(text.x()).arg(text.y()).arg(text.width()).arg(text.height())));

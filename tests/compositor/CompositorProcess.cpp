@@ -15,8 +15,8 @@ CompositorProcess::CompositorProcess()
     mEnvironment.insert(QStringLiteral("XDG_RUNTIME_DIR"), mDirectory.path());
     mEnvironment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     mEnvironment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    // A picture that is freed goes back to the system, as glibc has it until it adapts: the memory that tests measure
-    // does not hang on where the heap happened to put one.
+    // Disables glibc's dynamic mmap threshold: freed pictures are unmapped, so that measured memory does not depend on
+    // heap layout.
     mEnvironment.insert(QStringLiteral("MALLOC_MMAP_THRESHOLD_"), QStringLiteral("131072"));
     mProcess.setProcessChannelMode(QProcess::SeparateChannels);
 }

@@ -14,7 +14,7 @@ class CompositorProcess
 public:
     CompositorProcess();
 
-    /// The compositor's own environment; it may be changed before start().
+    /// The compositor's environment; may be changed before start().
     QProcessEnvironment& environment()
     {
         return mEnvironment;
@@ -25,17 +25,17 @@ public:
         return mEnvironment;
     }
 
-    /// Starts it and waits until it is up; throws std::runtime_error where it does not come up.
+    /// Starts the compositor and waits until it is ready; throws std::runtime_error if it fails to start.
     void start(const QStringList& options = {});
-    /// As above, by a shell that has run \a command before.
+    /// As above, from a shell that has run `command` before.
     void startWithLimit(const QString& command);
-    /// Starts it and waits until it has ended, as it does where it cannot come up; answers the exit status.
+    /// Starts the compositor, which is expected to fail, and returns its exit status.
     int runToEnd(const QStringList& options = {});
 
     void signal(int number);
-    /// Answers the exit status, or the negative signal number where it crashed.
+    /// Returns the exit status, or the negative signal number after a crash.
     int waitForEnd();
-    /// Asks it to end and answers as above.
+    /// Terminates the compositor and returns as above.
     int end();
     bool isRunning();
 
@@ -43,7 +43,7 @@ public:
     {
         return mDirectory.path();
     }
-    /// What is in the runtime directory.
+    /// The files in the runtime directory.
     QStringList sockets() const;
     QString display() const
     {
@@ -53,9 +53,9 @@ public:
     {
         return mProcess.processId();
     }
-    /// Its processor time until now, in milliseconds.
+    /// The processor time used so far, in milliseconds.
     qint64 processorTime() const;
-    /// Its resident memory in bytes.
+    /// The resident memory in bytes.
     qint64 residentMemory() const;
 
     int descriptorCount() const;
@@ -63,7 +63,7 @@ public:
     QByteArray output();
     QByteArray errors() const;
 
-    /// For a client of this compositor.
+    /// The environment of a client of this compositor.
     QProcessEnvironment clientEnvironment() const;
 
 private:

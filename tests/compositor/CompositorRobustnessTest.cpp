@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -10,7 +10,7 @@
 
 #include <vector>
 
-class CompositorRobustnessTest : public CompositorTest
+class CompositorRobustnessTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -37,8 +37,8 @@ void CompositorRobustnessTest::isIdleWhenNothingChanges()
     client->send("open a Quiet");
     client->waitFor("size 1 1024x566");
     screenShot();
-    // Both programs have come to rest when the compositor's clock does not advance for a while; the deadline is the
-    // test's failure.
+    // Both programs are idle when the compositor's processor time does not advance for a while; hitting the deadline
+    // fails the test.
     QElapsedTimer timer;
     timer.start();
     for (;;) {
@@ -105,7 +105,7 @@ void CompositorRobustnessTest::aFloodOfTitles()
     timer.start();
     client->send("titles 1 " + QByteArray::number(count));
     TRY_COMPARE(CompositorBus::viewWithTitle(QStringLiteral("Title %1").arg(count)).appId, QStringLiteral("a"));
-    // The last one is told like the first, but not each of them.
+    // The first and the last change are signalled, but not each one between.
     PropertyMonitor::Change last;
     int signalCount = 0;
     do {
@@ -136,7 +136,7 @@ void CompositorRobustnessTest::framesComeAtSixtyHertz()
         client->send("frame 1");
         client->waitFor("frame 1");
     }
-    // Never faster; how much slower is the machine's load.
+    // Never faster; slower depends on the machine's load.
     QVERIFY2(timer.elapsed() >= count * 15, qPrintable(QString::number(timer.elapsed())));
 }
 
@@ -217,7 +217,7 @@ void CompositorRobustnessTest::garbageOnTheSocket()
         QVERIFY(socket.waitForConnected(ChildProcess::cDeadline));
         std::vector<quint32> garbage(static_cast<std::size_t>(random.bounded(1, 500)));
         random.generate(garbage.begin(), garbage.end());
-        // Some of it looks like a message to the display.
+        // Some of the bytes look like requests to wl_display.
         if (i % 2 == 0) {
             garbage.front() = 1;
         }
@@ -248,7 +248,7 @@ void CompositorRobustnessTest::surfacesInACircle()
     client->send("open a Window");
     client->send("subsurfaceloop");
     client->send("sync");
-    // Whether it is cut or not, the compositor lives.
+    // Disconnected or not, the compositor survives.
     for (QByteArray event; event != "synced" && event != "disconnected"; event = client->waitFor("")) { }
     screenShot();
     QVERIFY(mCompositor->isRunning());

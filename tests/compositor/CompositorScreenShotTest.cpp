@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include "TelvaroScreenShotDBusConnector.h"
@@ -21,14 +21,16 @@
 #include <unistd.h>
 
 namespace {
+
 QDBusMessage takeScreenShot(const QString& directory)
 {
     return CompositorBus::call(CompositorBus::cScreenShotPath, CompositorBus::cScreenShot, QStringLiteral("ScreenShot"),
                                {directory});
 }
+
 } // namespace
 
-class CompositorScreenShotTest : public CompositorTest
+class CompositorScreenShotTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -104,7 +106,7 @@ void CompositorScreenShotTest::followsALinkToTheDirectory()
 
 void CompositorScreenShotTest::neverOverwrites()
 {
-    // Calls of which many fall into the same millisecond.
+    // Many of the calls fall into the same millisecond.
     constexpr int count = 60;
     QSet<QString> paths;
     for (int i = 0; i < count; ++i) {
@@ -140,7 +142,7 @@ void CompositorScreenShotTest::manyAtOnceGetAFileEach()
 
 void CompositorScreenShotTest::staysInTheDirectoryThatItHasOpened()
 {
-    // While pictures are taken the directory turns into a link to another one and back, over and over.
+    // While screenshots are taken, the directory is replaced by a symbolic link and back, over and over.
     const QTemporaryDir place;
     const QString named = place.filePath(QStringLiteral("named"));
     const QString aside = place.filePath(QStringLiteral("aside"));
@@ -165,7 +167,7 @@ void CompositorScreenShotTest::staysInTheDirectoryThatItHasOpened()
         if (reply.type() == QDBusMessage::ReplyMessage) {
             ++count;
         } else {
-            // It was nowhere for a moment.
+            // The directory was missing for a moment.
             QCOMPARE(reply.errorName(), QStringLiteral("org.freedesktop.DBus.Error.FileNotFound"));
         }
     }
@@ -220,8 +222,8 @@ void CompositorScreenShotTest::isNeverLedAwayByWhatHasItsName()
         QCOMPARE(mkfifo(QFile::encodeName(target.fileName()).constData(), 0600), 0);
     }
 
-    // Links under every name that a screenshot of the next second may get. On a busy machine it may come later than
-    // that; then the trap is set anew.
+    // Links under every name that a screenshot of the next second may get. On a busy machine the screenshot may come
+    // later; then the links are made again.
     QElapsedTimer timer;
     timer.start();
     bool wasTrapped = false;
@@ -283,7 +285,7 @@ void CompositorScreenShotTest::refusesADirectoryThatIsNone()
 
 void CompositorScreenShotTest::leavesNothingBehindWhereItCannotWrite()
 {
-    // A limit on the size of its files makes every write fail half way.
+    // The file size limit makes every write fail half way.
     QCOMPARE(mCompositor->end(), 0);
     CompositorProcess limited;
     limited.startWithLimit(QStringLiteral("ulimit -f 1; trap '' XFSZ"));

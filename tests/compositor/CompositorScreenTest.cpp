@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
 
@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 
 namespace {
+
 const QString cActive = QStringLiteral("screenSaverActive");
 const QString cEnabled = QStringLiteral("screenSaverEnabled");
 const QString cTimeout = QStringLiteral("screenSaverTimeoutSeconds");
@@ -39,9 +40,10 @@ bool isOneColour(const QImage& image, const QRect& rect)
     }
     return true;
 }
+
 } // namespace
 
-class CompositorScreenTest : public CompositorTest
+class CompositorScreenTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -211,7 +213,7 @@ void CompositorScreenTest::theScreenSaverDoesNotStartWhileItIsDisabled()
     set(cEnabled, false);
     set(cTimeout, 1);
     mMonitor->take();
-    // A notification that expires later tells that the time is over.
+    // The expiry of a longer notification marks the end of the time.
     NotificationClient notifications;
     NotificationClient::Content content;
     content.expireTimeout = 1500;
@@ -286,7 +288,7 @@ void CompositorScreenTest::clientsAreToldOfTheTurnedOutput_data()
 {
     QTest::addColumn<QString>("orientation");
     QTest::addColumn<QByteArray>("description");
-    // Wayland counts the other way round; the mode is that of the output before it is turned.
+    // Wayland rotates counter-clockwise; the mode has the output's unrotated size.
     QTest::newRow("0") << QStringLiteral("0") << QByteArray("transform 0 mode 1024x600");
     QTest::newRow("90") << QStringLiteral("90") << QByteArray("transform 3 mode 1024x600");
     QTest::newRow("180") << QStringLiteral("180") << QByteArray("transform 2 mode 1024x600");

@@ -7,7 +7,7 @@
 #include <QObject>
 #include <QTemporaryDir>
 
-/// A script that is wrong is refused before anything is started.
+/// An invalid script is rejected before anything is started.
 class CompositorScriptFileTest : public QObject
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ void CompositorScriptFileTest::refusesAFileThatCannotBeRead()
     QCOMPARE(compositor.runToEnd({QStringLiteral("--script"), QStringLiteral("/no/such/file.json")}), 2);
     QCOMPARE(compositor.errors(),
              QByteArray("telvaro-compositor: /no/such/file.json: cannot be read: No such file or directory\n"
-                        "Try \"telvaro-compositor --help\".\n"));
+                        "telvaro-compositor: see 'telvaro-compositor --help'\n"));
     QCOMPARE(compositor.output(), QByteArray());
 }
 
@@ -33,7 +33,7 @@ void CompositorScriptFileTest::needsAValue()
 {
     CompositorProcess compositor;
     QCOMPARE(compositor.runToEnd({QStringLiteral("--script")}), 2);
-    QVERIFY(compositor.errors().contains("option --script needs a value"));
+    QVERIFY(compositor.errors().contains("Missing value after '--script'."));
 }
 
 void CompositorScriptFileTest::refusesAScriptThatIsWrong_data()
@@ -174,14 +174,14 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong()
     file.write(script);
     file.close();
 
-    // There is neither a display nor a bus that it could start with.
+    // Without a display or a bus the compositor could not start anyway.
     CompositorProcess compositor;
     compositor.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("none"));
     compositor.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/dev/null"));
     QCOMPARE(compositor.runToEnd({QStringLiteral("--script=") + file.fileName()}), 2);
     QCOMPARE(compositor.errors(),
              "telvaro-compositor: " + file.fileName().toLocal8Bit() + ": " + reason
-                 + "\nTry \"telvaro-compositor --help\".\n");
+                 + "\ntelvaro-compositor: see 'telvaro-compositor --help'\n");
     QCOMPARE(compositor.output(), QByteArray());
 }
 

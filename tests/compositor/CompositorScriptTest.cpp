@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "InterfaceFiles.h"
 #include "TestMain.h"
 
@@ -22,6 +22,7 @@
 using CompositorBus::View;
 
 namespace {
+
 const QString cNotificationName = QStringLiteral("org.freedesktop.Notifications");
 const QString cError = QStringLiteral("org.example.Error.Broken");
 
@@ -65,7 +66,7 @@ bool isOwned(const QString& name)
     return PrivateBus::connection().interface()->isServiceRegistered(name);
 }
 
-/// A call of every method, with arguments of its types.
+/// One call of every method, with valid arguments.
 QVariantList argumentsOf(const QString& method)
 {
     static const QMap<QString, QVariantList> arguments{
@@ -89,9 +90,10 @@ QString pathOf(const QString& interface)
     return interface == CompositorBus::cNotifications ? CompositorBus::cNotificationsPath
                                                       : QLatin1Char('/') + interface.section(QLatin1Char('.'), -1);
 }
+
 } // namespace
 
-class CompositorScriptTest : public CompositorTest
+class CompositorScriptTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -130,7 +132,7 @@ private Q_SLOTS:
     void aStepThatCannotBeTakenEndsTheCompositor();
 
 private:
-    /// A test starts it with a script.
+    /// Each test starts the compositor with a script.
     void startCompositor() override
     {
     }
@@ -156,7 +158,8 @@ void CompositorScriptTest::write(const QByteArray& steps) const
 void CompositorScriptTest::play(const QByteArray& steps)
 {
     write(steps);
-    // What the first steps change is not recorded: it is on the bus before this answer, which no script can disturb.
+    // Drops the changes by the first steps: they precede this reply on the bus, and no script can inject a fault into
+    // it.
     mMonitor.reset();
     mCompositor->start({QStringLiteral("--script"), scriptFile()});
     CompositorBus::callChecked(CompositorBus::cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
@@ -520,7 +523,7 @@ void CompositorScriptTest::aFaultEndsAfterItsTime()
     timer.start();
     CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
     const QString first = readOrientation().errorName();
-    // On a machine that is that slow the fault is over already, which is right as well.
+    // On a slow machine the fault may be over already, which is correct, too.
     QVERIFY(first == cError || timer.elapsed() >= 499);
     TRY_COMPARE(readOrientation().type(), QDBusMessage::ReplyMessage);
     QVERIFY2(timer.elapsed() >= 499, qPrintable(QString::number(timer.elapsed())));
@@ -595,7 +598,7 @@ void CompositorScriptTest::aDelayedAnswerIsTheRightOne()
         {"call": {"org.freedesktop.Notifications.Notify": ["", 0, "", "", "", [], {}, 0]}},
         {"fault": {)"
          + calls + R"(, "delay": 0.3, "times": 1}}])");
-    // Of a notification that is there the identifier is answered again.
+    // Replacing an existing notification returns its id.
     if (member == QLatin1String("Notify")) {
         arguments[1] = 1U;
     }
@@ -700,7 +703,7 @@ void CompositorScriptTest::theServiceGoesAndComesBack()
     QVERIFY(!isOwned(cNotificationName));
     QCOMPARE(readOrientation().errorName(), QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"));
 
-    // Only who knows the connection's own name still reaches it.
+    // The service is reachable only by its unique name.
     const QDBusMessage hide = QDBusMessage::createMethodCall(owner, CompositorBus::cOverlayPath,
                                                              CompositorBus::cOverlay, QStringLiteral("Hide"));
     QCOMPARE(PrivateBus::connection().call(hide).type(), QDBusMessage::ReplyMessage);
@@ -767,7 +770,7 @@ void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor()
         QCOMPARE(compositor.sockets(), QStringList());
         QCOMPARE(compositor.output().isEmpty(), time.isEmpty());
     }
-    // The one that goes on.
+    // The cleanup expects a running compositor.
     play("[]");
 }
 

@@ -14,6 +14,7 @@
 #include <sys/un.h>
 
 namespace {
+
 const QString cServiceName = QStringLiteral(TELVARO_SERVICE_NAME);
 
 bool isNameOwned(const QString& name)
@@ -25,6 +26,7 @@ bool isNameOwned(const QString& name)
     message << name;
     return PrivateBus::connection().call(message).arguments().value(0).toBool();
 }
+
 } // namespace
 
 class CompositorStartTest : public QObject
@@ -60,10 +62,12 @@ private Q_SLOTS:
 
 void CompositorStartTest::printsItsVersion()
 {
-    CompositorProcess compositor;
-    QCOMPARE(compositor.runToEnd({QStringLiteral("--version")}), 0);
-    QCOMPARE(compositor.output(), QByteArray("telvaro-compositor " TELVARO_VERSION "\n"));
-    QCOMPARE(compositor.errors(), QByteArray());
+    for (const QString& option : {QStringLiteral("--version"), QStringLiteral("-v")}) {
+        CompositorProcess compositor;
+        QCOMPARE(compositor.runToEnd({option}), 0);
+        QCOMPARE(compositor.output(), QByteArray("telvaro-compositor " TELVARO_VERSION "\n"));
+        QCOMPARE(compositor.errors(), QByteArray());
+    }
 }
 
 void CompositorStartTest::printsHelpThatNamesEveryOption()
@@ -99,16 +103,16 @@ void CompositorStartTest::refusesUnknownArguments_data()
     const QString size = QStringLiteral("--size");
     const QString socket = QStringLiteral("--socket");
     const QString timeout = QStringLiteral("--screensaver-timeout");
-    row({QStringLiteral("--wrong")}, "unknown argument \"--wrong\"");
-    row({QStringLiteral("word")}, "unknown argument \"word\"");
-    row({QString()}, "unknown argument \"\"");
-    row({QStringLiteral("--wrong=1")}, "unknown argument \"--wrong=1\"");
-    row({size}, "option --size needs a value");
+    row({QStringLiteral("--wrong")}, "Unknown option 'wrong'.");
+    row({QStringLiteral("word")}, "unexpected argument 'word'");
+    row({QString()}, "unexpected argument ''");
+    row({QStringLiteral("--wrong=1")}, "Unknown option 'wrong'.\n");
+    row({size}, "Missing value after '--size'.");
     row({size, QStringLiteral("big")}, "\"big\" is not a size: WIDTHxHEIGHT is expected, each from 64 to 8192");
     row({size, QStringLiteral("0x600")}, "\"0x600\" is not a size");
     row({size, QStringLiteral("1024x99999")}, "\"1024x99999\" is not a size");
     row({QStringLiteral("--size=-5x-5")}, "\"-5x-5\" is not a size");
-    row({socket}, "option --socket needs a value");
+    row({socket}, "Missing value after '--socket'.");
     row({socket, QStringLiteral("../outside")}, "\"../outside\" is not a socket name: a plain file name is expected");
     row({socket, QString()}, "\"\" is not a socket name");
     row({timeout, QStringLiteral("-1")}, "\"-1\" is not a number of seconds from 0");
@@ -122,6 +126,8 @@ void CompositorStartTest::refusesUnknownArguments()
     CompositorProcess compositor;
     QCOMPARE(compositor.runToEnd(arguments), 2);
     QVERIFY2(compositor.errors().startsWith("telvaro-compositor: " + message), compositor.errors().constData());
+    QVERIFY2(compositor.errors().endsWith("\ntelvaro-compositor: see 'telvaro-compositor --help'\n"),
+             compositor.errors().constData());
     QCOMPARE(compositor.output(), QByteArray());
     QCOMPARE(compositor.sockets(), QStringList());
 }
@@ -203,7 +209,7 @@ void CompositorStartTest::failsWithoutAPlaceForTheSocket_data()
                              << QByteArray("XDG_RUNTIME_DIR (\"/nowhere/at/all\") is not a directory");
     QTest::newRow("a file") << QStringLiteral("/etc/passwd")
                             << QByteArray("XDG_RUNTIME_DIR (\"/etc/passwd\") is not a directory");
-    // Not writable, not even for root.
+    // Not writable, even for root.
     QTest::newRow("not writable") << QStringLiteral("/proc")
                                   << QByteArray("cannot open the Wayland socket \"wayland-1\" in XDG_RUNTIME_DIR "
                                                 "(\"/proc\"): ");
@@ -296,7 +302,7 @@ void CompositorStartTest::endsOnASignal()
 
 void CompositorStartTest::endsWhenTheBusGoesAway()
 {
-    // A bus beside the one of this process, which must stay.
+    // A second bus, since this process's own must stay.
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     PrivateBus bus;
     CompositorProcess compositor;

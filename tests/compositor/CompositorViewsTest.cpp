@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QRegularExpression>
@@ -11,6 +11,7 @@
 using CompositorBus::View;
 
 namespace {
+
 QStringList titlesOf(const QList<View>& views)
 {
     QStringList titles;
@@ -19,9 +20,10 @@ QStringList titlesOf(const QList<View>& views)
     }
     return titles;
 }
+
 } // namespace
 
-class CompositorViewsTest : public CompositorTest
+class CompositorViewsTest : public CompositorFixture
 {
     Q_OBJECT
 
@@ -379,7 +381,7 @@ void CompositorViewsTest::aClientThatDiesTakesItsViewsAlong()
     TRY_COMPARE(CompositorBus::views().size(), 3);
     mMonitor->take();
     client->send("crash");
-    // At once: none of the views that go along becomes current for a moment.
+    // Atomically: no view that vanishes at the same time becomes current in between.
     QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).values.value(QStringLiteral("currentView")).toString(),
              CompositorBus::viewWithTitle(QStringLiteral("Survivor")).uuid);
     QCOMPARE(titlesOf(CompositorBus::views()), QStringList(QStringLiteral("Survivor")));
@@ -399,7 +401,7 @@ void CompositorViewsTest::aClientThatHangsStaysInTheList()
     const QString hanging = CompositorBus::viewWithTitle(QStringLiteral("Hanging")).uuid;
     client->freeze();
 
-    // Being made current is an occasion to ask the client for a sign of life.
+    // The compositor pings a client whose view becomes current.
     const auto switchTo = [](const QString& uuid) {
         CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher,
                            QStringLiteral("currentView"), uuid);

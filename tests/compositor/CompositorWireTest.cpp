@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusClients.h"
 #include "CompositorBus.h"
-#include "CompositorTest.h"
+#include "CompositorFixture.h"
 #include "TestMain.h"
 
 #include <QDBusArgument>
@@ -12,9 +12,10 @@
 #include <QDomDocument>
 
 namespace {
+
 const QString cIntrospectable = QStringLiteral("org.freedesktop.DBus.Introspectable");
 
-/// Values of every basic type and of some containers, by the signature that they have on the wire.
+/// Values of every basic type and of some containers, by signature.
 QMap<QString, QVariant> sampleValues()
 {
     return {
@@ -38,8 +39,8 @@ QMap<QString, QVariant> sampleValues()
     };
 }
 
-/// Arguments that a method of these types has to refuse, by what is wrong with them: every argument once with every
-/// other type and once missing, and one too many.
+/// Invalid arguments for a method with these types, by description: every argument once with every other type and once
+/// missing, and a surplus one.
 QVector<QPair<QString, QVariantList>> wrongArguments(const QStringList& types)
 {
     const QMap<QString, QVariant> samples = sampleValues();
@@ -69,10 +70,11 @@ bool isWrongCall(const QDBusMessage& reply)
         && (error == QLatin1String("org.freedesktop.DBus.Error.UnknownMethod")
             || error == QLatin1String("org.freedesktop.DBus.Error.InvalidArgs"));
 }
+
 } // namespace
 
-/// The objects against their description, and against calls that nobody should make.
-class CompositorWireTest : public CompositorTest
+/// The objects against their introspection files, and against invalid calls.
+class CompositorWireTest : public CompositorFixture
 {
     Q_OBJECT
 

@@ -15,17 +15,17 @@ public:
     LineClient(const QString& program, const QProcessEnvironment& environment, const QStringList& arguments = {});
 
     void send(const QByteArray& line);
-    /// The rest of the first event that begins like this and was not waited for before; those before it are dropped.
-    /// Throws std::runtime_error when there is none in time.
+    /// Returns the rest of the first event that begins with `beginning` and drops the events before it. Throws
+    /// std::runtime_error if there is none in time.
     QByteArray waitFor(const QByteArray& beginning);
-    /// All events up to this one; throws as above.
+    /// Returns all events up to this one; throws as above.
     QList<QByteArray> takeEventsUntil(const QByteArray& event);
-    /// The events that there are now.
+    /// Returns the events received so far.
     QList<QByteArray> takeEvents();
 
     qint64 processId() const;
     bool isRunning();
-    /// Waits for the program's end and answers its exit status.
+    /// Waits for the program's end and returns its exit status.
     int waitForEnd();
     void kill();
     void freeze();

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-/// Sends notifications and records what becomes of them.
+/// Sends notifications and records the signals about them.
 class NotificationClient : public QObject
 {
     Q_OBJECT
@@ -26,12 +26,12 @@ public:
 
     NotificationClient();
 
-    /// Answers the id; throws std::runtime_error on an error.
+    /// Returns the id; throws std::runtime_error on an error.
     static uint notify(const Content& content);
-    /// Answers the error, empty for none.
+    /// Returns the error, empty for none.
     static QString close(uint id);
 
-    /// "closed <id> <reason>" and "action <id> <key>", in order, after everything has arrived.
+    /// "closed <id> <reason>" and "action <id> <key>", in order, after synchronising with the bus.
     QStringList takeEvents();
     /// Waits for the next event.
     QString waitForEvent();

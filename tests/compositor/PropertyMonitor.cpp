@@ -20,13 +20,13 @@ PropertyMonitor::PropertyMonitor()
     if (!isConnected) {
         throw std::runtime_error("cannot follow PropertiesChanged");
     }
-    // A compositor that has just begun is known as the name's owner from here on.
+    // Ensures that QtDBus knows a new compositor as the name's owner.
     PrivateBus::deliver();
 }
 
 QList<PropertyMonitor::Change> PropertyMonitor::take()
 {
-    // The compositor answers this after it has sent everything that belongs to earlier calls.
+    // Replies and signals are ordered, so this reply follows all signals caused by earlier calls.
     CompositorBus::currentView();
     PrivateBus::deliver();
     return std::exchange(mChanges, {});

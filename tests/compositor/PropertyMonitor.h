@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVariant>
 
-/// Records every PropertiesChanged of the compositor, and what its reader finds when it reads at once.
+/// Records every PropertiesChanged of the compositor, and the current view as read within the handler.
 class PropertyMonitor : public QObject
 {
     Q_OBJECT
@@ -27,11 +27,11 @@ public:
 
     PropertyMonitor();
 
-    /// All since the last time, after everything that was sent has arrived.
+    /// Takes all signals since the last call, after synchronising with the bus.
     QList<Change> take();
-    /// As above; of each its properties, joined.
+    /// As above, only the names of the properties, joined.
     QStringList takeNames();
-    /// Waits until a property has changed and drops all that came before; throws std::runtime_error where it does not.
+    /// Waits until the property has changed and drops all signals before; throws std::runtime_error on a timeout.
     Change waitFor(const QString& property);
 
 private Q_SLOTS:

@@ -40,6 +40,16 @@ void VirtualDesktop::key(const QString& name)
     type({QStringLiteral("key"), name});
 }
 
+void VirtualDesktop::keyDown(const QString& name)
+{
+    type({QStringLiteral("keydown"), name});
+}
+
+void VirtualDesktop::keyUp(const QString& name)
+{
+    type({QStringLiteral("keyup"), name});
+}
+
 void VirtualDesktop::type(const QStringList& arguments)
 {
     ChildProcess program;

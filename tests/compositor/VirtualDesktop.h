@@ -4,7 +4,7 @@
 
 #include "ChildProcess.h"
 
-/// A desktop in memory whose mouse and keyboard a test moves: what they do takes the same way as a user's input.
+/// A virtual X display whose mouse and keyboard events take the same path as a user's.
 class VirtualDesktop
 {
 public:
@@ -22,6 +22,8 @@ public:
     void release(int button = 1);
     /// A key's name in X, with modifiers: "shift+a".
     void key(const QString& name);
+    void keyDown(const QString& name);
+    void keyUp(const QString& name);
 
 private:
     void type(const QStringList& arguments);

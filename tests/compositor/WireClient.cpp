@@ -10,14 +10,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <wayland-client-protocol.h>
+#include <xdg-shell-client-protocol.h>
 
 namespace {
+
 constexpr quint32 cDisplay = 1;
 constexpr int cHeaderSize = 8;
 constexpr int cPixelSize = 4;
@@ -34,6 +38,7 @@ int connectTo(const QString& path)
     }
     return descriptor;
 }
+
 } // namespace
 
 quint32 WireClient::Event::number(int index) const
@@ -50,7 +55,7 @@ WireClient::WireClient(const QString& socketPath)
     : mSocket(connectTo(socketPath))
     , mRegistry(newId())
 {
-    send(WireMessage(cDisplay, 1).number(mRegistry));
+    send(WireMessage(cDisplay, WL_DISPLAY_GET_REGISTRY).number(mRegistry));
     if (!synchronise()) {
         throw std::runtime_error("the compositor wants no client");
     }
@@ -106,7 +111,7 @@ void WireClient::sendBytes(const QByteArray& bytes, const QVector<int>& descript
             continue;
         }
         if (errno != EAGAIN || timer.elapsed() > ChildProcess::cDeadline) {
-            // What the compositor said before it went is still there to be read.
+            // Events sent before the disconnection can still be read.
             while (receive()) { }
             return;
         }
@@ -160,7 +165,7 @@ void WireClient::handle(const Event& event)
     if (event.object == mRegistry && event.opcode == 0) {
         mGlobals.insert(QByteArray(event.arguments.constData() + 8), event.number(0));
     } else if (event.object == mBound.value("xdg_wm_base") && event.opcode == 0) {
-        send(WireMessage(event.object, 3).number(event.number(0)));
+        send(WireMessage(event.object, XDG_WM_BASE_PONG).number(event.number(0)));
     } else {
         mEvents.append(event);
     }
@@ -185,7 +190,11 @@ quint32 WireClient::bind(const QByteArray& interface, quint32 version)
         throw std::runtime_error("there is no " + interface.toStdString());
     }
     const quint32 id = newId();
-    send(WireMessage(mRegistry, 0).number(mGlobals.value(interface)).text(interface).number(version).number(id));
+    send(WireMessage(mRegistry, WL_REGISTRY_BIND)
+             .number(mGlobals.value(interface))
+             .text(interface)
+             .number(version)
+             .number(id));
     mBound.insert(interface, id);
     return id;
 }
@@ -193,7 +202,7 @@ quint32 WireClient::bind(const QByteArray& interface, quint32 version)
 bool WireClient::synchronise()
 {
     const quint32 callback = newId();
-    send(WireMessage(cDisplay, 0).number(callback));
+    send(WireMessage(cDisplay, WL_DISPLAY_SYNC).number(callback));
     QElapsedTimer timer;
     timer.start();
     while (mIsConnected && events(callback, 0).isEmpty()) {
@@ -218,42 +227,55 @@ QVector<WireClient::Event> WireClient::events(quint32 object, quint16 opcode) co
     return events;
 }
 
+QVector<WireClient::Event> WireClient::events(quint32 object) const
+{
+    QVector<Event> events;
+    std::copy_if(mEvents.cbegin(), mEvents.cend(), std::back_inserter(events), [object](const Event& event) {
+        return event.object == object;
+    });
+    return events;
+}
+
 quint32 WireClient::createSurface()
 {
     const quint32 compositor =
         mBound.contains("wl_compositor") ? mBound.value("wl_compositor") : bind("wl_compositor", 3);
     const quint32 id = newId();
-    send(WireMessage(compositor, 0).number(id));
+    send(WireMessage(compositor, WL_COMPOSITOR_CREATE_SURFACE).number(id));
     return id;
 }
 
 void WireClient::attach(quint32 surface, quint32 buffer)
 {
-    send(WireMessage(surface, 1).number(buffer).number(0U).number(0U));
+    send(WireMessage(surface, WL_SURFACE_ATTACH).number(buffer).number(0U).number(0U));
 }
 
 void WireClient::damage(quint32 surface, const QRect& rect)
 {
-    send(WireMessage(surface, 2).number(rect.x()).number(rect.y()).number(rect.width()).number(rect.height()));
+    send(WireMessage(surface, WL_SURFACE_DAMAGE)
+             .number(rect.x())
+             .number(rect.y())
+             .number(rect.width())
+             .number(rect.height()));
 }
 
 void WireClient::commit(quint32 surface)
 {
-    send(WireMessage(surface, 6));
+    send(WireMessage(surface, WL_SURFACE_COMMIT));
 }
 
 quint32 WireClient::createXdgSurface(quint32 surface)
 {
     const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
     const quint32 id = newId();
-    send(WireMessage(shell, 2).number(id).number(surface));
+    send(WireMessage(shell, XDG_WM_BASE_GET_XDG_SURFACE).number(id).number(surface));
     return id;
 }
 
 quint32 WireClient::createToplevel(quint32 xdgSurface)
 {
     const quint32 id = newId();
-    send(WireMessage(xdgSurface, 1).number(id));
+    send(WireMessage(xdgSurface, XDG_SURFACE_GET_TOPLEVEL).number(id));
     return id;
 }
 
@@ -261,20 +283,20 @@ quint32 WireClient::createPositioner(const QSize& size)
 {
     const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
     const quint32 id = newId();
-    send(WireMessage(shell, 1).number(id));
-    send(WireMessage(id, 1).number(size.width()).number(size.height()));
-    send(WireMessage(id, 2).number(0U).number(0U).number(10U).number(10U));
+    send(WireMessage(shell, XDG_WM_BASE_CREATE_POSITIONER).number(id));
+    send(WireMessage(id, XDG_POSITIONER_SET_SIZE).number(size.width()).number(size.height()));
+    send(WireMessage(id, XDG_POSITIONER_SET_ANCHOR_RECT).number(0U).number(0U).number(10U).number(10U));
     return id;
 }
 
 quint32 WireClient::createPopup(quint32 xdgSurface, quint32 parentXdgSurface, quint32 positioner)
 {
     const quint32 id = newId();
-    send(WireMessage(xdgSurface, 2).number(id).number(parentXdgSurface).number(positioner));
+    send(WireMessage(xdgSurface, XDG_SURFACE_GET_POPUP).number(id).number(parentXdgSurface).number(positioner));
     return id;
 }
 
-quint32 WireClient::createPool(qint64 size, qint32 toldSize)
+quint32 WireClient::createPool(qint64 size, qint32 claimedSize)
 {
     if (mMemory >= 0) {
         close(mMemory);
@@ -285,14 +307,20 @@ quint32 WireClient::createPool(qint64 size, qint32 toldSize)
     }
     const quint32 shared = mBound.contains("wl_shm") ? mBound.value("wl_shm") : bind("wl_shm");
     const quint32 id = newId();
-    send(WireMessage(shared, 0).number(id).descriptor(mMemory).number(toldSize));
+    send(WireMessage(shared, WL_SHM_CREATE_POOL).number(id).descriptor(mMemory).number(claimedSize));
     return id;
 }
 
 quint32 WireClient::createBuffer(quint32 pool, qint32 width, qint32 height, qint32 stride, quint32 format)
 {
     const quint32 id = newId();
-    send(WireMessage(pool, 0).number(id).number(0U).number(width).number(height).number(stride).number(format));
+    send(WireMessage(pool, WL_SHM_POOL_CREATE_BUFFER)
+             .number(id)
+             .number(0U)
+             .number(width)
+             .number(height)
+             .number(stride)
+             .number(format));
     return id;
 }
 
@@ -319,7 +347,7 @@ WireClient::Window WireClient::createWindow()
 WireClient::Window WireClient::openWindow(const QByteArray& title)
 {
     const Window window = createWindow();
-    send(WireMessage(window.toplevel, 2).text(title));
+    send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_TITLE).text(title));
     commit(window.surface);
     attach(window.surface, createBuffer(QSize(300, 200)));
     damage(window.surface, QRect(0, 0, 300, 200));

@@ -11,8 +11,8 @@
 #include <QString>
 #include <QVector>
 
-/// A Wayland client without a library between it and the socket: what it sends may be as wrong as no library would make
-/// it. Objects are the numbers that they have on the wire. Pings are answered, all other events are only recorded.
+/// A Wayland client on the bare socket, which can send requests that no library would. Objects are their wire ids.
+/// Pings are answered, all other events only recorded.
 class WireClient
 {
 public:
@@ -25,24 +25,24 @@ public:
         quint32 number(int index) const;
     };
 
-    /// Connects; throws std::runtime_error where it cannot.
+    /// Connects; throws std::runtime_error on a failure.
     explicit WireClient(const QString& socketPath);
     ~WireClient();
     WireClient(const WireClient&) = delete;
     WireClient& operator=(const WireClient&) = delete;
 
-    /// Sends nothing where the compositor has ended the connection.
+    /// Does nothing once the compositor has disconnected the client.
     void send(const WireMessage& message);
     void sendBytes(const QByteArray& bytes, const QVector<int>& descriptors = {});
-    /// The number of an object that is gone for both sides, or the next one.
+    /// Returns an id that wl_display.delete_id has freed, or the next one.
     quint32 newId();
-    /// Makes an object that nobody has heard of yet.
+    /// Binds the global as a new object.
     quint32 bind(const QByteArray& interface, quint32 version = 1);
 
-    /// True when the compositor has done everything that was sent; false when it has ended the connection instead.
-    /// Throws std::runtime_error where it does neither.
+    /// Returns true once the compositor has handled all requests, and false if it has disconnected the client. Throws
+    /// std::runtime_error on a timeout.
     bool synchronise();
-    /// Why the compositor has ended the connection: the number of the error, -1 where it gave none.
+    /// The code of the wl_display.error that ended the connection, -1 for none.
     int errorCode() const
     {
         return mErrorCode;
@@ -51,9 +51,11 @@ public:
     {
         return mErrorText;
     }
-    /// The events of an object until now, with that opcode.
+    /// The events of an object so far, by opcode.
     QVector<Event> events(quint32 object, quint16 opcode) const;
-    /// Goes without a word, as one that is killed.
+    /// All events of an object so far.
+    QVector<Event> events(quint32 object) const;
+    /// Closes the socket without destroying anything, as a killed client.
     void disconnect();
 
     quint32 createSurface();
@@ -62,18 +64,18 @@ public:
     void commit(quint32 surface);
     quint32 createXdgSurface(quint32 surface);
     quint32 createToplevel(quint32 xdgSurface);
-    /// With all that it must have.
+    /// With the size and anchor rectangle that it must have.
     quint32 createPositioner(const QSize& size);
     quint32 createPopup(quint32 xdgSurface, quint32 parentXdgSurface, quint32 positioner);
-    /// A pool over memory of that many bytes, of which so many are told.
-    quint32 createPool(qint64 size, qint32 toldSize);
-    /// The memory of the last pool.
+    /// A wl_shm_pool over `size` bytes that claims to have `claimedSize`.
+    quint32 createPool(qint64 size, qint32 claimedSize);
+    /// The memory of the latest pool.
     int memory() const
     {
         return mMemory;
     }
     quint32 createBuffer(quint32 pool, qint32 width, qint32 height, qint32 stride, quint32 format = 0);
-    /// A white buffer in a pool of its own.
+    /// A white wl_buffer in its own pool.
     quint32 createBuffer(const QSize& size);
 
     struct Window
@@ -82,9 +84,9 @@ public:
         quint32 xdgSurface;
         quint32 toplevel;
     };
-    /// A window that is not mapped.
+    /// An xdg_toplevel without a buffer.
     Window createWindow();
-    /// A mapped one.
+    /// A mapped window.
     Window openWindow(const QByteArray& title);
 
 private:

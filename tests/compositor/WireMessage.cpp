@@ -3,10 +3,12 @@
 #include "WireMessage.h"
 
 namespace {
+
 void append(QByteArray* bytes, quint32 value)
 {
     bytes->append(reinterpret_cast<const char*>(&value), sizeof(value));
 }
+
 } // namespace
 
 WireMessage::WireMessage(quint32 object, quint16 opcode)

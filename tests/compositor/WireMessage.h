@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QVector>
 
-/// A Wayland request as it goes over the socket, right or wrong.
+/// A Wayland request in wire format, valid or not.
 class WireMessage
 {
 public:
@@ -17,7 +17,7 @@ public:
         return number(static_cast<quint32>(value));
     }
     WireMessage& text(const QByteArray& value);
-    /// Goes beside the bytes; stays with the caller.
+    /// Sent as ancillary data; owned by the caller.
     WireMessage& descriptor(int value);
 
     QByteArray bytes() const;

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
-"""Compares the instructions and allocations of every operation, as ratios to QtDBus written by hand, with the ones that
-are checked in. Fails where one is more than 2 % above."""
+"""Compares the instructions and allocations of every operation of the connectors, as ratios to QtDBus written by hand,
+and those of changes on the live layer, as ratios to the connectors, with the ratios that are checked in. Fails if one is
+more than 2 % higher, or if an application sends another number of messages."""
 
 import argparse
 import concurrent.futures
@@ -10,16 +11,22 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "benchmarks"))
+import applications  # noqa: E402
 import harness  # noqa: E402
 
 ROOM = 1.02
-# More views cost the same once more, and callgrind's time.
+# More views would only take more of callgrind's time.
 OPERATIONS = [operation for operation in harness.OPERATIONS if operation.views <= 100]
+APPLICATION_VIEWS = [10, 100]
 NAMES = harness.Operation("names", "names", 0, 1, "all names and the device test")
 
 
+def new_bus(arguments):
+    return harness.Bus(arguments.programs, arguments.interfaces)
+
+
 def count(arguments, client):
-    with harness.Bus(arguments.programs, arguments.interfaces) as bus:
+    with new_bus(arguments) as bus:
         counts = {
             "instructions": harness.count_instructions(bus, client, OPERATIONS),
             "allocations": harness.count_allocations(bus, client, OPERATIONS),
@@ -27,6 +34,11 @@ def count(arguments, client):
         if client == "telvaro":
             counts["names"] = harness.count_allocations(bus, client, [NAMES])["names"]
         return counts
+
+
+def count_application(arguments, name):
+    return {views: applications.count_instructions(lambda: new_bus(arguments), name, views, changes=7)
+            for views in APPLICATION_VIEWS}
 
 
 def main():
@@ -39,20 +51,23 @@ def main():
 
     with concurrent.futures.ThreadPoolExecutor(2) as workers:
         library, by_hand = workers.map(lambda client: count(arguments, client), ["telvaro", "qtdbus"])
+        live, connectors = workers.map(lambda name: count_application(arguments, name), ["live", "connectors"])
     ratios = {what: {operation.name: round(library[what][operation.name] / by_hand[what][operation.name], 3)
                      for operation in OPERATIONS}
               for what in ("instructions", "allocations")}
+    ratios["live instructions"] = {f"{change}, {views} views": round(live[views][change] / connectors[views][change], 3)
+                                   for views in APPLICATION_VIEWS for change in applications.CHANGES}
+    messages = applications.count_messages(lambda: new_bus(arguments))
     if arguments.update:
-        arguments.ratios.write_text(json.dumps(ratios, indent=2) + "\n", encoding="utf-8")
+        arguments.ratios.write_text(json.dumps({**ratios, "messages": messages}, indent=2) + "\n", encoding="utf-8")
         return
 
     expected = json.loads(arguments.ratios.read_text(encoding="utf-8"))
     failures = [
-        f"{operation.title}: {what} are {ratios[what][operation.name]:.3f} of those by hand "
-        f"({library[what][operation.name]:.0f} to {by_hand[what][operation.name]:.0f}), "
-        f"expected {expected[what][operation.name]:.3f}"
-        for what in ratios for operation in OPERATIONS
-        if ratios[what][operation.name] > expected[what][operation.name] * ROOM]
+        f"{what} of {name}: {ratios[what][name]:.3f}, expected {expected[what][name]:.3f}"
+        for what in ratios for name in ratios[what] if ratios[what][name] > expected[what][name] * ROOM]
+    failures += [f"messages of {name}: {messages[name]}, expected {expected['messages'][name]}"
+                 for name in messages if messages[name] != expected["messages"][name]]
     if library["names"] != 0:
         failures.append(f"{NAMES.title}: {library['names']:g} allocations, expected none")
     if failures:

@@ -4,7 +4,7 @@
 #include <QQmlApplicationEngine>
 #include <QUrl>
 
-/// load-qml FILE: whether a QML program can be loaded and shows itself.
+/// load-qml FILE: loads a QML program and shows its window. Exit status 1 if it cannot be loaded.
 int main(int argc, char** argv)
 {
     QGuiApplication application(argc, argv);
@@ -13,7 +13,7 @@ int main(int argc, char** argv)
     if (engine.rootObjects().isEmpty()) {
         return 1;
     }
-    // As far as it goes by itself: objects are complete, the window has been shown.
+    // Quits from the event loop, after the objects have been completed and the window has been shown.
     QMetaObject::invokeMethod(&application, &QCoreApplication::quit, Qt::QueuedConnection);
     return QGuiApplication::exec();
 }

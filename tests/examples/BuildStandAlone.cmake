@@ -17,7 +17,7 @@ foreach(step IN ITEMS configure build)
     endif()
 endforeach()
 
-# What was found must be what was installed.
+# find_package() must have found the installed package.
 file(STRINGS "${BUILD}/CMakeCache.txt" package REGEX "^Telvaro_DIR:")
 if(package AND NOT package MATCHES "=${PREFIX}/")
     message(FATAL_ERROR "another library was found: ${package}")

@@ -36,7 +36,7 @@ TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry Desk::waitForCurrent(const Q
     TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry current;
     const bool found = QTest::qWaitFor(
         [this, &appId, &current] {
-            // Nothing to be found is a warning.
+            // xdotool warns if nothing is found.
             if (!mTaskSwitcher->getViews().isEmpty()) {
                 current = mTaskSwitcher->getCurrentView();
             }

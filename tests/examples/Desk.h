@@ -19,27 +19,27 @@
 #include <memory>
 #include <optional>
 
-/// The compositor on a virtual desktop, and programs in it.
+/// The compositor on a virtual desktop, and clients of it.
 class Desk
 {
 public:
     Desk();
 
-    /// Starts a program as a client of the compositor; a view of it is not waited for.
+    /// Starts a program as a client of the compositor without waiting for its view.
     std::unique_ptr<ChildProcess> start(const QString& program, const QStringList& arguments = {});
 
-    /// Returns once the view of the application is current, and throws std::runtime_error where that takes too long.
+    /// Returns once the view of the application is current, and throws std::runtime_error on a timeout.
     TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry waitForCurrent(const QString& appId);
 
     void click(const QPoint& position);
     /// A key's name in X, with modifiers: "alt+f".
     void press(const QString& key);
 
-    /// What the screen shows.
+    /// The screen's picture.
     QImage picture();
-    /// The middle of the first row of pixels of that colour that is that long, from the top.
+    /// The middle of the topmost row of pixels with this colour and length.
     std::optional<QPoint> findRow(const QColor& color, int length);
-    /// Returns once there is one, and throws std::runtime_error where that takes too long.
+    /// Returns once there is such a row, and throws std::runtime_error on a timeout.
     QPoint waitForRow(const QColor& color, int length);
 
 private:

@@ -18,8 +18,7 @@
 
 using Definitions = TelvaroDBusDefinitions;
 
-/// Each example runs in the compositor, is used with pointer and keyboard, and what comes of it is asked of the
-/// service.
+/// Runs each example in the compositor, operates it with pointer and keyboard, and reads the result from the service.
 class ExamplesTest : public QObject
 {
     Q_OBJECT
@@ -46,10 +45,10 @@ private:
     using Program = std::unique_ptr<ChildProcess>;
 
     Program startExample(const QString& name, const QStringList& arguments = {});
-    /// As above; returns once its view is current.
+    /// As above, and returns once its view is current.
     Program startView(const QString& name, const QStringList& arguments = {});
-    /// Presses the keys, again where nothing comes of them: a view is current a moment before its program knows that it
-    /// has the keyboard, and keys until then are lost.
+    /// Presses the keys again until they have an effect: a view is current a moment before its program has the keyboard
+    /// focus, and earlier keys are lost.
     bool pressUntil(const QString& keys, const std::function<bool()>& condition);
     bool isScreenSaverEnabled();
 
@@ -68,7 +67,7 @@ const QString cNotifyAndCapture = QStringLiteral("notify-and-capture");
 const QString cViewLogger = QStringLiteral("view-logger");
 const QString cQmlTaskSwitcher = QStringLiteral("qml-task-switcher");
 
-// The rows and tiles of the task switchers are the only things of this colour that are that long.
+// Only the rows and tiles of the task switchers are this long in this colour.
 const QColor cEntryColor = Qt::white;
 constexpr int cEntryLength = 150;
 
@@ -226,7 +225,7 @@ void ExamplesTest::notesShowsWhatIsWritten()
         }
         return last - first;
     };
-    // The invitation to write makes way for one letter, which is wider than a cursor.
+    // A letter, wider than a cursor, replaces the placeholder.
     constexpr int cInvitationWidth = 100;
     constexpr int cCursorWidth = 2;
     QVERIFY(inkWidth() > cInvitationWidth);
@@ -247,7 +246,7 @@ void ExamplesTest::notifyAndCaptureSendsANotification()
     QCOMPARE(bus.call(close).type(), QDBusMessage::ErrorMessage);
 
     const Program example = startView(cNotifyAndCapture);
-    // The first notification has the id 1; what is not there cannot be closed.
+    // The first notification has the id 1; closing a missing one fails.
     QVERIFY(pressUntil(QStringLiteral("alt+n"), [&bus, &close] {
         return bus.call(close).type() == QDBusMessage::ReplyMessage;
     }));
@@ -262,7 +261,7 @@ void ExamplesTest::notifyAndCaptureStoresAPicture()
     }));
     const QDir directory(pictures.path());
     const QString picture = directory.filePath(directory.entryList(QDir::Files).first());
-    // The file is there before it is complete.
+    // The file exists before it is complete.
     QTRY_COMPARE_WITH_TIMEOUT(QImage(picture).size(), QSize(1024, 600), ChildProcess::cDeadline);
 }
 

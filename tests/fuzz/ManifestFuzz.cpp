@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-// Any file as the device's manifest, which this target looks for in its working directory.
+// Parses any file as the device's manifest, which this target reads from its working directory.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const QTemporaryDir cDirectory;
@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     manifest.write(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
     manifest.close();
-    // The code stands in the file, character by character or escaped, and nothing else may come of it.
+    // The code must occur in the file, literally or escaped.
     const QString productCode = DeviceManifestManager::getProductCode();
     if (static_cast<std::size_t>(productCode.size()) > size) {
         std::abort();

@@ -16,7 +16,7 @@ void ignore(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QSt
 {
 }
 
-/// An application without a bus, whose "pidof" prints the file that it is asked for.
+/// An application without a bus, whose "pidof" prints the given file.
 struct Application
 {
     Application()
@@ -39,7 +39,7 @@ struct Application
 
 } // namespace
 
-// Any output of the process lookup.
+// Parses any output of "pidof".
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const Application cApplication;
@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     file.close();
     const uint32_t pid = cConnector.processNameToPid(file.fileName());
-    // What reads as one number is that number; whatever does not is 0.
+    // One number is returned, anything else is 0.
     bool isNumber = false;
     const int expected = QString::fromLocal8Bit(output.constData(), output.size()).trimmed().toInt(&isNumber);
     if (pid != static_cast<uint32_t>(isNumber ? expected : 0)) {

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Qt reads lists of any length that they claim to have, which is not what this is about: those stay empty.
+// Qt allocates lists of any claimed length, which is out of scope here, so lists stay empty.
 bool isPlain(int type)
 {
     return (type >= QMetaType::Bool && type <= QMetaType::QChar) || type == QMetaType::QString
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!isText && text != untouched) {
         std::abort();
     }
-    // An invalid value is neither, a bool or an integer is both, and a text stays as it is.
+    // An invalid value converts to neither, a bool or an integer to both, and a text stays unchanged.
     if (!value.isValid() && (isBool || isText)) {
         std::abort();
     }

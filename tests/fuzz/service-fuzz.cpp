@@ -25,11 +25,11 @@ const int cSeedDeadline = 300000;
 
 bool isKnown(const QString& message)
 {
-    return Scenario::isFailureLog({message}) || message == Warnings::cUnparsed
+    return Operations::isFailureLog({message}) || message == Warnings::cUnparsed
         || message == QLatin1String("Unable to convert current view to string!");
 }
 
-/// Whether the library is to read a value of that type as views; all else it is to refuse.
+/// Whether the library must read a value of this type as views; all other types must be rejected.
 bool areViews(const QString& type, int count)
 {
     static const QRegularExpression cViews(QStringLiteral("^a\\([so]{6}[ynqiuxt]{2}a\\{sv\\}"));
@@ -37,7 +37,7 @@ bool areViews(const QString& type, int count)
     return isList && (count == 0 || cViews.match(type).hasMatch());
 }
 
-/// What is wrong with an answer of getViews(); empty where nothing is.
+/// Describes what is wrong with a result of getViews(); empty if nothing is.
 QString viewsProblem(const QJsonObject& status, int read, const QStringList& log)
 {
     const QString type = status.value(QLatin1String("viewsType")).toString();
@@ -50,7 +50,8 @@ QString viewsProblem(const QJsonObject& status, int read, const QStringList& log
         : QStringLiteral("%1 views were read of %2 %3: %4").arg(read).arg(count).arg(type, log.join(QLatin1Char('\n')));
 }
 
-/// All operations in any order on a service of that seed. Returns what is wrong, or an empty text.
+/// Performs operations in random order on a service with this seed. Returns a description of the failure, or an empty
+/// text.
 QString runSeed(unsigned seed, int replyCount)
 {
     PrivateBus bus;
@@ -93,7 +94,7 @@ QString runSeed(unsigned seed, int replyCount)
     return service.isRunning() ? QString() : QStringLiteral("the service has ended");
 }
 
-/// One process for each seed, since Qt keeps what introspection has told.
+/// One process per seed, since Qt caches the introspection.
 bool runSeedInChild(unsigned seed, int replyCount)
 {
     const QStringList arguments{QStringLiteral("--seed"), QString::number(seed), QStringLiteral("--replies"),

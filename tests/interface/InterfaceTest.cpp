@@ -30,7 +30,7 @@ namespace {
 
 using Entry = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
 
-/// Reaches what derived classes of an application reach.
+/// Has access to the base's protected members, like classes of an application.
 class DerivedConnector : public TelvaroNotificationDBusConnector
 {
 public:
@@ -77,7 +77,7 @@ QString layout()
         + size<TelvaroViewModel>("TelvaroViewModel");
 }
 
-/// How many functions an application finds by their place in the class's table.
+/// The number of entries in the class's virtual table.
 int virtualFunctionCount(const char* className)
 {
     const QByteArray symbol = "_ZTV" + QByteArray::number(qstrlen(className)) + className;
@@ -150,41 +150,45 @@ QString metaObjects()
 
 } // namespace
 
-/// What an application compiles in, compared with what it was when applications were compiled. Each processor has its
-/// own sizes.
+/// The binary interface that applications compile in, compared with the recorded one. Sizes differ between processors.
 class InterfaceTest : public QObject
 {
     Q_OBJECT
 
-private:
-    static void compare(const QString& actual, const char* fileName)
-    {
-        const QString name = QLatin1String(fileName);
-        QFile expected(QStringLiteral(TELVARO_BASELINE_DIRECTORY "/%1").arg(name));
-        QVERIFY2(expected.open(QIODevice::ReadOnly), qPrintable(expected.errorString()));
-        QFile written(QStringLiteral(TELVARO_RESULT_DIRECTORY "/%1").arg(name));
-        QVERIFY2(written.open(QIODevice::WriteOnly), qPrintable(written.errorString()));
-        QVERIFY(written.write(actual.toUtf8()) > 0);
-        const QString advice =
-            QStringLiteral("The interface is not the one that is recorded; see it with\n"
-                           "    diff %1 %2\n"
-                           "Applications that were built before would break: take the change back or, where it is "
-                           "wanted, raise the library's major version and copy the second file over the first.")
-                .arg(expected.fileName(), written.fileName());
-        QVERIFY2(actual == QString::fromUtf8(expected.readAll()), qPrintable(advice));
-    }
-
 private Q_SLOTS:
-    void sizesAndFieldsAreWhereTheyWere()
-    {
-        compare(layout(), "layout." TELVARO_ARCHITECTURE ".txt");
-    }
+    void sizesAndFieldsAreWhereTheyWere();
+    void metaObjectsHaveTheSameMembersInTheSameOrder();
 
-    void metaObjectsHaveTheSameMembersInTheSameOrder()
-    {
-        compare(metaObjects(), "meta-objects.txt");
-    }
+private:
+    static void compare(const QString& actual, const char* fileName);
 };
+
+void InterfaceTest::compare(const QString& actual, const char* fileName)
+{
+    const QString name = QLatin1String(fileName);
+    QFile expected(QStringLiteral(TELVARO_BASELINE_DIRECTORY "/%1").arg(name));
+    QVERIFY2(expected.open(QIODevice::ReadOnly), qPrintable(expected.errorString()));
+    QFile written(QStringLiteral(TELVARO_RESULT_DIRECTORY "/%1").arg(name));
+    QVERIFY2(written.open(QIODevice::WriteOnly), qPrintable(written.errorString()));
+    QVERIFY(written.write(actual.toUtf8()) > 0);
+    const QString advice =
+        QStringLiteral("The interface is not the one that is recorded; see it with\n"
+                       "    diff %1 %2\n"
+                       "Applications that were built before would break: take the change back or, where it is "
+                       "wanted, raise the library's major version and copy the second file over the first.")
+            .arg(expected.fileName(), written.fileName());
+    QVERIFY2(actual == QString::fromUtf8(expected.readAll()), qPrintable(advice));
+}
+
+void InterfaceTest::sizesAndFieldsAreWhereTheyWere()
+{
+    compare(layout(), "layout." TELVARO_ARCHITECTURE ".txt");
+}
+
+void InterfaceTest::metaObjectsHaveTheSameMembersInTheSameOrder()
+{
+    compare(metaObjects(), "meta-objects.txt");
+}
 
 QTEST_GUILESS_MAIN(InterfaceTest)
 #include "InterfaceTest.moc"

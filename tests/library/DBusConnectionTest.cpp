@@ -3,13 +3,13 @@
 #include "DBusConnection.h"
 #include "DBusConnectionParameter.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 
 #include <type_traits>
 
-class DBusConnectionTest : public ConnectorTest
+class DBusConnectionTest : public ConnectorFixture
 {
     Q_OBJECT
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "InterfaceFiles.h"
-#include "EveryOperation.h"
-#include "TaskSwitcherTest.h"
+#include "ConnectorFixture.h"
+#include "Operations.h"
+#include "Scenario.h"
 #include "TestMain.h"
 
-// The library's calls against the interface files, which the service is made from.
-class InterfaceFilesTest : public TaskSwitcherTest
+/// The library's calls against the interface files.
+class InterfaceFilesTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -16,18 +17,17 @@ private Q_SLOTS:
 
 private:
     QList<RecordedCall> callsOfEveryOperation();
+
+    Scenario mScenario;
 };
 
 QList<RecordedCall> InterfaceFilesTest::callsOfEveryOperation()
 {
-    setViews({makeView(QStringLiteral("a"), QStringLiteral("app"), 0, 1),
-              makeView(QStringLiteral("b"), QStringLiteral("app"), 1, 2)},
-             QStringLiteral("a"));
-    Connectors connectors;
-    for (const NamedOperation& operation : everyOperation()) {
-        operation.call(connectors);
+    Scenario::set(mService);
+    Operations operations;
+    for (const QString& operation : Operations::names()) {
+        operations.perform(operation);
     }
-    mLog->take();
     QList<RecordedCall> calls;
     for (const RecordedCall& call : mService.takeCalls()) {
         if (call.member != QLatin1String("Introspect")) {

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ChildProcess.h"
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -20,7 +20,7 @@ const QString cPidNotMatched = QStringLiteral("pid not matched with a view, retu
 
 } // namespace
 
-class ProcessLookupTest : public TaskSwitcherTest
+class ProcessLookupTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 
@@ -39,9 +39,6 @@ private Q_SLOTS:
     void theOutputOfAFailureIsItsErrorText_data();
     void theOutputOfAFailureIsItsErrorText();
     void aMissingProgramIsAFailure();
-    void tenMegabytesOfOutputAreTakenWhole();
-    void aProgramThatClosesItsOutputIsWaitedFor();
-    void aGrandchildThatKeepsTheOutputIsNotWaitedFor();
     void theBusIsNotNeeded();
     void isCallableOnAConstConnector();
 
@@ -49,8 +46,6 @@ private Q_SLOTS:
     void surfacingAnUnknownProcessWritesNothing();
     void surfacingLooksSpecialIdsUpToo_data();
     void surfacingLooksSpecialIdsUpToo();
-    void surfacingThatTheServiceRefusesIsSilent();
-    void surfacingWithoutServiceLogsEveryStep();
 
     void theCurrentViewsProcessIsRecognised();
     void anotherProcessIsNotTheCurrentViews();
@@ -59,7 +54,7 @@ private Q_SLOTS:
     void anUnknownProcessDiffersFromACurrentViewThatCannotBeRead();
 
 private:
-    /// Puts a shell script in the place of the device's program.
+    /// Replaces the device's "pidof" by a shell script.
     void replacePidof(const QString& script);
     QString logged(const QString& text) const;
 
@@ -69,13 +64,13 @@ private:
 
 void ProcessLookupTest::initTestCase()
 {
-    TaskSwitcherTest::initTestCase();
+    TaskSwitcherFixture::initTestCase();
     mSearchPath = qgetenv("PATH");
 }
 
 void ProcessLookupTest::init()
 {
-    TaskSwitcherTest::init();
+    TaskSwitcherFixture::init();
     QFile::remove(mDirectory.filePath(QStringLiteral("pidof")));
     qputenv("PATH", mSearchPath);
 }
@@ -254,41 +249,6 @@ void ProcessLookupTest::aMissingProgramIsAFailure()
              QStringList{logged(QStringLiteral("Unable to find process with name \"name\" \"\""))});
 }
 
-void ProcessLookupTest::tenMegabytesOfOutputAreTakenWhole()
-{
-    replacePidof(QStringLiteral("head -c 10000000 /dev/zero | tr '\\0' 7"));
-    const TelvaroTaskSwitcherDBusConnector connector;
-    QCOMPARE(connector.processNameToPid(QStringLiteral("name")), 0u);
-    const QStringList texts = mLog->takeTexts();
-    QCOMPARE(texts.size(), 1);
-    QCOMPARE(texts.first().count(QLatin1Char('7')), 10000000);
-}
-
-void ProcessLookupTest::aProgramThatClosesItsOutputIsWaitedFor()
-{
-    const QString record = mDirectory.filePath(QStringLiteral("ended"));
-    replacePidof(QStringLiteral("echo 4711; exec >&- 2>&-; sleep 0.1; echo > '%1'").arg(record));
-    const TelvaroTaskSwitcherDBusConnector connector;
-    QCOMPARE(connector.processNameToPid(QStringLiteral("name")), 4711u);
-    QVERIFY(QFile::exists(record));
-}
-
-void ProcessLookupTest::aGrandchildThatKeepsTheOutputIsNotWaitedFor()
-{
-    const QString record = mDirectory.filePath(QStringLiteral("grandchild"));
-    replacePidof(QStringLiteral("sleep 600 & echo $! > '%1'; echo 4711").arg(record));
-    const TelvaroTaskSwitcherDBusConnector connector;
-    QElapsedTimer timer;
-    timer.start();
-    const quint32 pid = connector.processNameToPid(QStringLiteral("name"));
-    const qint64 elapsed = timer.elapsed();
-    QFile file(record);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    kill(file.readAll().trimmed().toInt(), SIGKILL);
-    QCOMPARE(pid, 4711u);
-    QVERIFY2(elapsed < ChildProcess::cDeadline, qPrintable(QString::number(elapsed)));
-}
-
 void ProcessLookupTest::theBusIsNotNeeded()
 {
     replacePidof(QStringLiteral("echo 4711"));
@@ -346,30 +306,6 @@ void ProcessLookupTest::surfacingLooksSpecialIdsUpToo()
     connector.surfaceToTop(QStringLiteral("name"));
     QCOMPARE(mLog->take().size(), 1);
     QCOMPARE(mService.takeDescriptions(), (QStringList{getViewsCall(), setCurrentViewCall(QStringLiteral("special"))}));
-}
-
-void ProcessLookupTest::surfacingThatTheServiceRefusesIsSilent()
-{
-    replacePidof(QStringLiteral("echo 4711"));
-    setViews({makeView(QStringLiteral("a"), {}, 0, 4711)});
-    scriptSetCurrentView({Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no"))});
-    TelvaroTaskSwitcherDBusConnector connector;
-    connector.surfaceToTop(QStringLiteral("name"));
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void ProcessLookupTest::surfacingWithoutServiceLogsEveryStep()
-{
-    replacePidof(QStringLiteral("exit 1"));
-    mService.release();
-    PrivateBus::deliver();
-    TelvaroTaskSwitcherDBusConnector connector;
-    connector.surfaceToTop(QStringLiteral("name"));
-    QCOMPARE(
-        mLog->takeDescriptions(),
-        (QStringList{logged(QStringLiteral("Unable to find process with name \"name\" \"\"")),
-                     warning(QStringLiteral("getViews()"), QStringLiteral("Invalid DBus interface!")),
-                     warning(QStringLiteral("pidToTaskSwitcherEntry(uint32_t)"), cPidNotMatched), notRegistered()}));
 }
 
 void ProcessLookupTest::theCurrentViewsProcessIsRecognised()

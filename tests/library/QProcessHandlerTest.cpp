@@ -31,7 +31,7 @@ int openDescriptors()
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
 }
 
-// Children of this process, the dead ones that nobody has waited for included.
+// Children of this process, including zombies.
 QStringList childProcesses()
 {
     QStringList found;
@@ -88,7 +88,7 @@ void QProcessHandlerTest::init()
     mLog = std::make_unique<LogCapture>();
 }
 
-// Failures are results; nothing is ever logged.
+// Failures are results and never logged.
 void QProcessHandlerTest::cleanup()
 {
     const QStringList messages = mLog->takeDescriptions();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TelvaroGlobalOverlayDBusConnector.h"
 #include "TelvaroNotificationDBusConnector.h"
@@ -12,8 +12,8 @@
 
 #include <QDir>
 
-// What a service says of itself when it is introspected. Qt reads that once for each interface and process.
-class ServiceDescriptionTest : public ConnectorTest
+// The introspection data of a service, which Qt reads once per interface and process.
+class ServiceDescriptionTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private:
 
 void ServiceDescriptionTest::init()
 {
-    ConnectorTest::init();
+    ConnectorFixture::init();
     const QString annotation =
         QStringLiteral("<annotation name=\"org.freedesktop.DBus.Method.NoReply\" value=\"true\"/>");
     const QString overlay = QStringLiteral("<node><interface name=\"de.Telvaro.globaloverlay\"><method name=\"Show\">"

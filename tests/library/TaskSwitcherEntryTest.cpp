@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "PrivateBus.h"
-#include "TaskSwitcherTest.h"
+#include "TaskSwitcherFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
 
@@ -52,7 +52,7 @@ const QString cFullViewText = QStringLiteral(
 
 } // namespace
 
-class TaskSwitcherEntryTest : public TaskSwitcherTest
+class TaskSwitcherEntryTest : public TaskSwitcherFixture
 {
     Q_OBJECT
 

@@ -3,7 +3,7 @@
 #include "TelvaroDBusConnectorBase.h"
 
 #include "BusMonitorProcess.h"
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "DBusConnectionParameter.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
@@ -40,7 +40,7 @@ QStringList descriptions(const QList<RecordedCall>& calls)
 
 } // namespace
 
-class TelvaroDBusConnectorBaseTest : public ConnectorTest
+class TelvaroDBusConnectorBaseTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -62,7 +62,6 @@ private Q_SLOTS:
     void asksTheBusDaemonOnceEveryTime();
     void constructionMakesTheCallsOfABareProxyAndNoMore();
     void destructionMakesNoCall();
-    void theMetaObjectIsPlain();
     void isNotCopyable();
 };
 
@@ -248,21 +247,6 @@ void TelvaroDBusConnectorBaseTest::destructionMakesNoCall()
     monitor.start();
     base.reset();
     QCOMPARE(descriptions(monitor.takeCalls()), QStringList());
-}
-
-void TelvaroDBusConnectorBaseTest::theMetaObjectIsPlain()
-{
-    const QMetaObject& metaObject = TelvaroDBusConnectorBase::staticMetaObject;
-    QCOMPARE(metaObject.className(), "TelvaroDBusConnectorBase");
-    QCOMPARE(metaObject.superClass(), &QObject::staticMetaObject);
-    QCOMPARE(metaObject.methodCount(), metaObject.methodOffset());
-    QCOMPARE(metaObject.propertyCount(), metaObject.propertyOffset());
-    QCOMPARE(metaObject.enumeratorCount(), metaObject.enumeratorOffset());
-    QCOMPARE(metaObject.constructorCount(), 0);
-
-    TelvaroDBusConnectorBase base(screenParameter());
-    QVERIFY(base.qt_metacast("TelvaroDBusConnectorBase") == &base);
-    QVERIFY(base.qt_metacast("TelvaroScreenDBusConnector") == nullptr);
 }
 
 void TelvaroDBusConnectorBaseTest::isNotCopyable()

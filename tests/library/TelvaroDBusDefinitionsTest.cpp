@@ -6,10 +6,6 @@
 #include <QString>
 #include <QTest>
 
-#include <algorithm>
-#include <thread>
-#include <vector>
-
 using Getter = const QString& (*)();
 Q_DECLARE_METATYPE(Getter)
 
@@ -18,29 +14,12 @@ class TelvaroDBusDefinitionsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void threadsThatAskFirstAtTheSameTimeGetTheSameObject();
     void everyGetterReturnsItsName_data();
     void everyGetterReturnsItsName();
     void everyGetterReturnsTheSameObjectEveryTime_data();
     void everyGetterReturnsTheSameObjectEveryTime();
     void notificationsGoToTheServiceAndNotToTheirInterface();
 };
-
-void TelvaroDBusDefinitionsTest::threadsThatAskFirstAtTheSameTimeGetTheSameObject()
-{
-    std::vector<const QString*> results(8);
-    std::vector<std::thread> threads;
-    for (const QString*& result : results) {
-        threads.emplace_back([&result] {
-            result = &TelvaroDBusDefinitions::getScreenPath();
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    QCOMPARE(*results.front(), QStringLiteral("/screen"));
-    QCOMPARE(std::count(results.begin(), results.end(), results.front()), std::ptrdiff_t(results.size()));
-}
 
 void TelvaroDBusDefinitionsTest::everyGetterReturnsItsName_data()
 {

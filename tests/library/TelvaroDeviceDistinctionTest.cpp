@@ -19,7 +19,7 @@ std::atomic<bool> isManifestReadable = false;
 
 } // namespace
 
-// Stands in for the one that reads the device's manifest.
+// Replaces the function that reads the device's manifest.
 QString DeviceManifestManager::getProductCode()
 {
     ++lookups;

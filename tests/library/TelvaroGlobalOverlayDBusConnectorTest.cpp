@@ -2,16 +2,13 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroGlobalOverlayDBusConnector.h"
 
-#include "ConnectorTest.h"
-#include "PrivateBus.h"
+#include "ConnectorFixture.h"
 #include "TestMain.h"
 #include "WithProxy.h"
 
-#include <QMetaMethod>
-
 namespace {
 
-// The helper is private, but what it sends is part of its contract: an explicit instantiation may name it.
+// The helper is private, but its messages are part of the contract; an explicit instantiation may name private members.
 struct CallHelper
 {
     using Member = void (TelvaroGlobalOverlayDBusConnector::*)(const QString&, const QVariant&);
@@ -39,15 +36,13 @@ QString showCall(const QString& argument)
 
 } // namespace
 
-class TelvaroGlobalOverlayDBusConnectorTest : public ConnectorTest
+class TelvaroGlobalOverlayDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theMetaObjectHasItsSlotsInOrder();
     void theProxyIsThatOfTheOverlay();
     void theParentIsTaken();
-    void constructionAsksForTheDescriptionOnly();
     void showingSendsTheMessage_data();
     void showingSendsTheMessage();
     void hidingSendsNoArguments();
@@ -56,30 +51,7 @@ private Q_SLOTS:
     void theHelperSendsAValueAsItsOwnType_data();
     void theHelperSendsAValueAsItsOwnType();
     void theHelperSendsNoArgumentForAnInvalidValue();
-    void anErrorReplyIsIgnored();
-    void noReplyInTimeIsIgnored();
-    void aServiceThatLeavesMeanwhileIsIgnored();
-    void anAbsentServiceIsLoggedAndNothingIsSent();
-    void aServiceThatIsBackIsUsed();
 };
-
-void TelvaroGlobalOverlayDBusConnectorTest::theMetaObjectHasItsSlotsInOrder()
-{
-    const QMetaObject& metaObject = TelvaroGlobalOverlayDBusConnector::staticMetaObject;
-    QCOMPARE(metaObject.className(), "TelvaroGlobalOverlayDBusConnector");
-    QCOMPARE(metaObject.superClass(), &TelvaroDBusConnectorBase::staticMetaObject);
-    QCOMPARE(metaObject.methodCount() - metaObject.methodOffset(), 2);
-    const QMetaMethod show = metaObject.method(metaObject.methodOffset());
-    QCOMPARE(show.methodSignature(), QByteArray("showGlobalOverlay(QString)"));
-    QCOMPARE(show.parameterNames(), QList<QByteArray>{"displayMessage"});
-    const QMetaMethod hide = metaObject.method(metaObject.methodOffset() + 1);
-    QCOMPARE(hide.methodSignature(), QByteArray("hideGlobalOverlay()"));
-    for (const QMetaMethod& method : {show, hide}) {
-        QCOMPARE(method.methodType(), QMetaMethod::Slot);
-        QCOMPARE(method.access(), QMetaMethod::Public);
-        QCOMPARE(method.returnType(), int(QMetaType::Void));
-    }
-}
 
 void TelvaroGlobalOverlayDBusConnectorTest::theProxyIsThatOfTheOverlay()
 {
@@ -94,15 +66,6 @@ void TelvaroGlobalOverlayDBusConnectorTest::theParentIsTaken()
     QObject parent;
     const auto* const connector = new TelvaroGlobalOverlayDBusConnector(&parent);
     QCOMPARE(connector->parent(), &parent);
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::constructionAsksForTheDescriptionOnly()
-{
-    mService.takeCalls();
-    const TelvaroGlobalOverlayDBusConnector connector;
-    for (const RecordedCall& call : mService.takeCalls()) {
-        QCOMPARE(call.member, QStringLiteral("Introspect"));
-    }
 }
 
 void TelvaroGlobalOverlayDBusConnectorTest::showingSendsTheMessage_data()
@@ -196,61 +159,6 @@ void TelvaroGlobalOverlayDBusConnectorTest::theHelperSendsNoArgumentForAnInvalid
     (connector.*reach(CallHelper()))(QStringLiteral("Anything"), QVariant());
     QCOMPARE(mService.takeDescriptions(),
              QStringList{QStringLiteral("/globaloverlay de.Telvaro.globaloverlay.Anything ()")});
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::anErrorReplyIsIgnored()
-{
-    const Behaviour error = Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no"));
-    mService.script(cPath, cInterface, QStringLiteral("Show"), {error});
-    mService.script(cPath, cInterface, QStringLiteral("Hide"), {error});
-    TelvaroGlobalOverlayDBusConnector connector;
-    mService.takeCalls();
-    connector.showGlobalOverlay(QStringLiteral("a"));
-    connector.hideGlobalOverlay();
-    QCOMPARE(mService.takeCalls().size(), 2);
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::noReplyInTimeIsIgnored()
-{
-    mService.script(cPath, cInterface, QStringLiteral("Show"), {Behaviour::silence()});
-    WithProxy<TelvaroGlobalOverlayDBusConnector> connector;
-    connector.mInterface.setTimeout(50);
-    connector.showGlobalOverlay(QStringLiteral("a"));
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::aServiceThatLeavesMeanwhileIsIgnored()
-{
-    mService.script(cPath, cInterface, QStringLiteral("Show"), {Behaviour::exit()});
-    TelvaroGlobalOverlayDBusConnector connector;
-    connector.showGlobalOverlay(QStringLiteral("a"));
-    QVERIFY(mLog->take().isEmpty());
-    connector.showGlobalOverlay(QStringLiteral("a"));
-    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsSent()
-{
-    TelvaroGlobalOverlayDBusConnector connector;
-    mService.takeCalls();
-    mService.release();
-    connector.showGlobalOverlay(QStringLiteral("a"));
-    connector.hideGlobalOverlay();
-    QCOMPARE(mLog->takeDescriptions(), (QStringList{notRegistered(), notRegistered()}));
-    QVERIFY(mService.takeCalls().isEmpty());
-}
-
-void TelvaroGlobalOverlayDBusConnectorTest::aServiceThatIsBackIsUsed()
-{
-    TelvaroGlobalOverlayDBusConnector connector;
-    mService.kill();
-    connector.hideGlobalOverlay();
-    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
-    startService();
-    mService.takeCalls();
-    connector.hideGlobalOverlay();
-    QCOMPARE(mService.takeDescriptions(), QStringList{cHideCall});
 }
 
 TELVARO_TEST_MAIN(TelvaroGlobalOverlayDBusConnectorTest)

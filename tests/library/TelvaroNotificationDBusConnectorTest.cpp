@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroNotificationDBusConnector.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "WithProxy.h"
@@ -21,33 +21,19 @@ QString notifyCall(const QString& texts, const QString& actions)
 
 } // namespace
 
-class TelvaroNotificationDBusConnectorTest : public ConnectorTest
+class TelvaroNotificationDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theMetaObjectIsTheBases();
     void theProxyIsThatOfTheNotifications();
     void theParentIsTaken();
-    void constructionAsksForTheDescriptionOnly();
     void everyArgumentIsSent_data();
     void everyArgumentIsSent();
     void theDestinationIsTheService();
     void everyNotificationIsANewOne();
     void aForeignNotificationServerIsNotAddressed();
-    void anErrorReplyIsIgnored();
-    void noReplyInTimeIsIgnored();
-    void aReplyOfAnotherTypeIsIgnored();
-    void anAbsentServiceIsLoggedAndNothingIsSent();
 };
-
-void TelvaroNotificationDBusConnectorTest::theMetaObjectIsTheBases()
-{
-    TelvaroNotificationDBusConnector connector;
-    QCOMPARE(connector.metaObject(), &TelvaroDBusConnectorBase::staticMetaObject);
-    QCOMPARE(&TelvaroNotificationDBusConnector::staticMetaObject, &TelvaroDBusConnectorBase::staticMetaObject);
-    QVERIFY(connector.qt_metacast("TelvaroNotificationDBusConnector") == nullptr);
-}
 
 void TelvaroNotificationDBusConnectorTest::theProxyIsThatOfTheNotifications()
 {
@@ -62,15 +48,6 @@ void TelvaroNotificationDBusConnectorTest::theParentIsTaken()
     QObject parent;
     const auto* const connector = new TelvaroNotificationDBusConnector(&parent);
     QCOMPARE(connector->parent(), &parent);
-}
-
-void TelvaroNotificationDBusConnectorTest::constructionAsksForTheDescriptionOnly()
-{
-    mService.takeCalls();
-    const TelvaroNotificationDBusConnector connector;
-    for (const RecordedCall& call : mService.takeCalls()) {
-        QCOMPARE(call.member, QStringLiteral("Introspect"));
-    }
 }
 
 void TelvaroNotificationDBusConnectorTest::everyArgumentIsSent_data()
@@ -153,46 +130,6 @@ void TelvaroNotificationDBusConnectorTest::aForeignNotificationServerIsNotAddres
     connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
     QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
     QVERIFY(foreign.takeCalls().isEmpty());
-}
-
-void TelvaroNotificationDBusConnectorTest::anErrorReplyIsIgnored()
-{
-    mService.script(cPath, cInterface, QStringLiteral("Notify"),
-                    {Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no"))});
-    TelvaroNotificationDBusConnector connector;
-    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void TelvaroNotificationDBusConnectorTest::noReplyInTimeIsIgnored()
-{
-    mService.script(cPath, cInterface, QStringLiteral("Notify"), {Behaviour::silence()});
-    WithProxy<TelvaroNotificationDBusConnector> connector;
-    connector.mInterface.setTimeout(50);
-    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void TelvaroNotificationDBusConnectorTest::aReplyOfAnotherTypeIsIgnored()
-{
-    mService.script(cPath, cInterface, QStringLiteral("Notify"),
-                    {Behaviour::reply(), Behaviour::reply({QStringLiteral("'one'")}),
-                     Behaviour::reply({QStringLiteral("[(1, <2>)]"), QStringLiteral("uint32 1")})});
-    TelvaroNotificationDBusConnector connector;
-    for (int round = 0; round < 3; ++round) {
-        connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    }
-    QVERIFY(mLog->take().isEmpty());
-}
-
-void TelvaroNotificationDBusConnectorTest::anAbsentServiceIsLoggedAndNothingIsSent()
-{
-    TelvaroNotificationDBusConnector connector;
-    mService.takeCalls();
-    mService.release();
-    connector.notify(QStringLiteral("i"), QStringLiteral("s"), QStringLiteral("b"), {});
-    QCOMPARE(mLog->takeDescriptions(), QStringList{notRegistered()});
-    QVERIFY(mService.takeCalls().isEmpty());
 }
 
 TELVARO_TEST_MAIN(TelvaroNotificationDBusConnectorTest)

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "TelvaroScreenShotDBusConnector.h"
 
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -45,7 +45,7 @@ QString screenShotCall(const QString& directory)
 
 } // namespace
 
-class TelvaroScreenShotDBusConnectorTest : public ConnectorTest
+class TelvaroScreenShotDBusConnectorTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -53,10 +53,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void theMetaObjectIsTheBases();
     void theProxyIsThatOfTheScreenShots();
     void theParentIsTaken();
-    void constructionAsksForTheDescriptionOnly();
     void theServicesStringIsReturned_data();
     void theServicesStringIsReturned();
     void theDirectoryIsSentUnchanged_data();
@@ -66,9 +64,7 @@ private Q_SLOTS:
     void aRelativeDirectoryIsThatOfTheCaller();
     void aReplyWithoutUsableStringIsLogged_data();
     void aReplyWithoutUsableStringIsLogged();
-    void anErrorReplyIsLoggedWithItsMessage();
     void noReplyInTimeIsLogged();
-    void aServiceThatLeavesMeanwhileIsLogged();
     void anAbsentServiceIsTestedBeforeTheDirectory();
 
 private:
@@ -80,7 +76,7 @@ private:
 
 void TelvaroScreenShotDBusConnectorTest::init()
 {
-    ConnectorTest::init();
+    ConnectorFixture::init();
     mDirectory = std::make_unique<QTemporaryDir>();
     mWorkingDirectory = QDir::currentPath();
 }
@@ -88,19 +84,12 @@ void TelvaroScreenShotDBusConnectorTest::init()
 void TelvaroScreenShotDBusConnectorTest::cleanup()
 {
     QDir::setCurrent(mWorkingDirectory);
-    ConnectorTest::cleanup();
+    ConnectorFixture::cleanup();
 }
 
 void TelvaroScreenShotDBusConnectorTest::scriptReply(const Behaviour& behaviour)
 {
     mService.script(cPath, cInterface, cMethod, {behaviour});
-}
-
-void TelvaroScreenShotDBusConnectorTest::theMetaObjectIsTheBases()
-{
-    TelvaroScreenShotDBusConnector connector;
-    QCOMPARE(connector.metaObject(), &TelvaroDBusConnectorBase::staticMetaObject);
-    QVERIFY(connector.qt_metacast("TelvaroScreenShotDBusConnector") == nullptr);
 }
 
 void TelvaroScreenShotDBusConnectorTest::theProxyIsThatOfTheScreenShots()
@@ -116,15 +105,6 @@ void TelvaroScreenShotDBusConnectorTest::theParentIsTaken()
     QObject parent;
     const auto* const connector = new TelvaroScreenShotDBusConnector(&parent);
     QCOMPARE(connector->parent(), &parent);
-}
-
-void TelvaroScreenShotDBusConnectorTest::constructionAsksForTheDescriptionOnly()
-{
-    mService.takeCalls();
-    const TelvaroScreenShotDBusConnector connector;
-    for (const RecordedCall& call : mService.takeCalls()) {
-        QCOMPARE(call.member, QStringLiteral("Introspect"));
-    }
 }
 
 void TelvaroScreenShotDBusConnectorTest::theServicesStringIsReturned_data()
@@ -235,27 +215,11 @@ void TelvaroScreenShotDBusConnectorTest::aReplyWithoutUsableStringIsLogged()
     QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(expected.error().message())});
 }
 
-void TelvaroScreenShotDBusConnectorTest::anErrorReplyIsLoggedWithItsMessage()
-{
-    scriptReply(Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no \"space\"\nleft")));
-    TelvaroScreenShotDBusConnector connector;
-    QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(QStringLiteral("no \"space\"\nleft"))});
-}
-
 void TelvaroScreenShotDBusConnectorTest::noReplyInTimeIsLogged()
 {
     scriptReply(Behaviour::silence());
     WithProxy<TelvaroScreenShotDBusConnector> connector;
     connector.mInterface.setTimeout(50);
-    QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
-    QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(connector.mInterface.lastError().message())});
-}
-
-void TelvaroScreenShotDBusConnectorTest::aServiceThatLeavesMeanwhileIsLogged()
-{
-    scriptReply(Behaviour::exit());
-    WithProxy<TelvaroScreenShotDBusConnector> connector;
     QVERIFY(!connector.captureScreenShot(mDirectory->path()).has_value());
     QCOMPARE(mLog->takeDescriptions(), QStringList{invalidReply(connector.mInterface.lastError().message())});
 }

@@ -20,7 +20,7 @@ void addRow(const char* name, const QVariant& value)
     QTest::newRow(name) << value;
 }
 
-// Neither a value nor plainly the same thing as one.
+// Values that convert to neither a bool nor a string.
 void addContainers()
 {
     addRow("invalid", QVariant());

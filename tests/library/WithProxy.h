@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-/// A connector whose proxy is in reach.
+/// A connector with a public proxy.
 template <typename Connector> class WithProxy : public Connector
 {
 public:

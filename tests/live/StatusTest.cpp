@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "LiveFixture.h"
 #include "LiveRequests.h"
-#include "LiveTest.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -117,7 +117,7 @@ QStringList valuesOtherThanIntegers()
 } // namespace
 
 /// The edges between the four statuses, each of which is signalled once.
-class StatusTest : public LiveTest
+class StatusTest : public LiveFixture
 {
     Q_OBJECT
 
@@ -166,7 +166,7 @@ void StatusTest::init()
 {
     mRecorder.reset();
     mObject.reset();
-    LiveTest::init();
+    LiveFixture::init();
     setViews(makeViews(2), QStringLiteral("a"));
     mService.setProperty(QStringLiteral("/screen"), QStringLiteral("de.Telvaro.screen"), QStringLiteral("orientation"),
                          QStringLiteral("'90'"));

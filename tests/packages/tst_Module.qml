@@ -15,7 +15,7 @@ TestCase {
     }
 
     function test_withTheService() {
-        compare(taskSwitcher.available, true);
+        tryCompare(taskSwitcher, "available", true);
         compare(taskSwitcher.views.count, 0);
     }
 }

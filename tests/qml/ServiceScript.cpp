@@ -6,6 +6,7 @@
 #include "TelvaroDBusDefinitions.h"
 #include "ValueText.h"
 
+#include <QDBusMessage>
 #include <QVariantMap>
 
 using Definitions = TelvaroDBusDefinitions;
@@ -28,14 +29,12 @@ View toView(const QVariantMap& roles)
     return view;
 }
 
-// What a notification says of the task switcher is not looked at, but for the names and that currentView is a string.
-const QString cViewsEntry = QStringLiteral("'views': <@a(ssssssuua{sv}) []>");
-const QString cCurrentViewEntry = QStringLiteral("'currentView': <''>");
+const QString cLastCall = QStringLiteral("LastCall");
 
-ServiceSignal taskSwitcherNotification(const QString& changed)
+ServiceSignal taskSwitcherNotification(const QString& changed, const QStringList& invalidated = {})
 {
     return ServiceSignal::propertiesChanged(Definitions::getTaskSwitcherPath(), Definitions::getTaskSwitcherInterface(),
-                                            QLatin1Char('{') + changed + QLatin1Char('}'));
+                                            QStringLiteral("@a{sv} {%1}").arg(changed), invalidated);
 }
 
 ServiceSignal screenNotification(const QString& changed, const QStringList& invalidated = {})
@@ -58,6 +57,8 @@ void ServiceScript::begin()
     if (!mService.isRunning()) {
         comeBack();
     }
+    // What the objects of the test before have sent when they were destroyed is not this one's.
+    takeCalls();
     mService.reset();
     mLog.reset();
     mLog = std::make_unique<LogCapture>();
@@ -70,7 +71,12 @@ QStringList ServiceScript::takeLog()
 
 QStringList ServiceScript::takeCalls()
 {
-    return mService.takeDescriptions();
+    // The service takes calls in their order, so that all of this process are there once it has answered this one.
+    PrivateBus::connection().call(QDBusMessage::createMethodCall(Definitions::getServiceName(), QStringLiteral("/"),
+                                                                 QStringLiteral("org.example.Test"), cLastCall));
+    QStringList calls = mService.takeDescriptions();
+    calls.removeLast();
+    return calls;
 }
 
 void ServiceScript::leave()
@@ -96,24 +102,28 @@ void ServiceScript::setViews(const QVariantList& views, const QString& currentVi
 
 void ServiceScript::setViewsText(const QString& views, const QString& currentView)
 {
+    mViews = views;
+    mCurrentView = currentView;
     mService.setViews(views);
     mService.setCurrentView(currentView);
 }
 
 void ServiceScript::notifyViews()
 {
-    mService.emitSignal(taskSwitcherNotification(cViewsEntry));
-}
-
-void ServiceScript::notifyViewsTimes(int count)
-{
-    mService.emitSignal(taskSwitcherNotification(cViewsEntry), count);
-    PrivateBus::synchronise();
+    mService.emitSignal(taskSwitcherNotification(QStringLiteral("'views': <%1>").arg(mViews)));
 }
 
 void ServiceScript::notifyAll()
 {
-    mService.emitSignal(taskSwitcherNotification(cViewsEntry + QStringLiteral(", ") + cCurrentViewEntry));
+    mService.emitSignal(
+        taskSwitcherNotification(QStringLiteral("'views': <%1>, 'currentView': <'%2'>").arg(mViews, mCurrentView)));
+}
+
+void ServiceScript::invalidateAll()
+{
+    mService.emitSignal(taskSwitcherNotification(
+        QString(),
+        {TelvaroTaskSwitcherDBusConnector::cViewsProperty, TelvaroTaskSwitcherDBusConnector::cCurrentViewProperty}));
 }
 
 void ServiceScript::storeWrites()
@@ -125,6 +135,12 @@ void ServiceScript::refuseCurrentView(const QString& error)
 {
     mService.scriptProperty(Definitions::getPropertyMehodSet(), Definitions::getTaskSwitcherPath(),
                             TelvaroTaskSwitcherDBusConnector::cCurrentViewProperty,
+                            {Behaviour::error(QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"), error)});
+}
+
+void ServiceScript::refuseScreen(const QString& property, const QString& error)
+{
+    mService.scriptProperty(Definitions::getPropertyMehodSet(), Definitions::getScreenPath(), property,
                             {Behaviour::error(QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"), error)});
 }
 
@@ -144,9 +160,40 @@ void ServiceScript::invalidateScreen(const QString& property)
     mService.emitSignal(screenNotification(QString(), {property}));
 }
 
+void ServiceScript::refuseOverlays(const QString& error)
+{
+    mService.script(Definitions::getGlobalOverlayPath(), Definitions::getGlobalOverlayInterface(),
+                    Definitions::getGlobalOverlayMethodShow(),
+                    {Behaviour::error(QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded"), error)});
+}
+
+void ServiceScript::giveNotificationId(uint id)
+{
+    mService.script(Definitions::getNotificationsPath(), Definitions::getNotificationsInterface(),
+                    Definitions::getNotificationsMethodNotify(),
+                    {Behaviour::reply({QStringLiteral("uint32 %1").arg(id)})});
+}
+
+void ServiceScript::refuseNotifications(const QString& error)
+{
+    mService.script(Definitions::getNotificationsPath(), Definitions::getNotificationsInterface(),
+                    Definitions::getNotificationsMethodNotify(),
+                    {Behaviour::error(QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded"), error)});
+}
+
 void ServiceScript::refuseScreenShots(const QString& error)
 {
     mService.script(Definitions::getScreenShotPath(), Definitions::getScreenShotInterface(),
                     Definitions::getScreenShotMethod(),
                     {Behaviour::error(QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"), error)});
+}
+
+void ServiceScript::freeze()
+{
+    mService.freeze();
+}
+
+void ServiceScript::thaw()
+{
+    mService.thaw();
 }

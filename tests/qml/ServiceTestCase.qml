@@ -16,6 +16,13 @@ TestCase {
         return createTemporaryObject(component, this, properties || {});
     }
 
+    // An object that knows what the service has.
+    function makeReady(component, properties) {
+        const object = make(component, properties);
+        tryCompare(object, "available", true);
+        return object;
+    }
+
     // Only the calls of one member, so that tests need not know what a type reads when it is made.
     function callsOf(member) {
         return service.takeCalls().filter(call => call.includes("." + member + " "));

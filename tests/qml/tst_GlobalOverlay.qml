@@ -25,6 +25,11 @@ ServiceTestCase {
         }
     }
 
+    Component {
+        id: spy
+        SignalSpy {}
+    }
+
     property int destroyed: 0
     readonly property string showing: "/globaloverlay de.Telvaro.globaloverlay.Show s('%1')"
     readonly property string hiding: "/globaloverlay de.Telvaro.globaloverlay.Hide ()"
@@ -39,7 +44,7 @@ ServiceTestCase {
     }
 
     function test_nothing_is_shown_unasked() {
-        const object = make(overlay, { text: "quiet" });
+        const object = makeReady(overlay, { text: "quiet" });
         verify(!object.visible);
         compare(calls(), []);
         object.text = "quieter";
@@ -50,7 +55,7 @@ ServiceTestCase {
     }
 
     function test_a_declared_message_is_shown_once_and_taken_away_with_its_object() {
-        const object = make(visibleOverlay);
+        const object = makeReady(visibleOverlay);
         compare(calls(), [showing.arg("from the start")]);
         object.destroy();
         tryVerify(() => test.destroyed === 1);
@@ -58,7 +63,7 @@ ServiceTestCase {
     }
 
     function test_show_and_hide() {
-        const object = make(overlay);
+        const object = makeReady(overlay);
         object.show("hello");
         compare(object.text, "hello");
         verify(object.visible);
@@ -71,7 +76,7 @@ ServiceTestCase {
     }
 
     function test_a_new_text_replaces_the_shown_one() {
-        const object = make(overlay);
+        const object = makeReady(overlay);
         object.show("one");
         object.text = "two";
         object.text = "two";
@@ -79,7 +84,7 @@ ServiceTestCase {
     }
 
     function test_show_replaces_the_shown_text_with_one_call() {
-        const object = make(overlay);
+        const object = makeReady(overlay);
         object.show("one");
         calls();
         object.show("two");
@@ -87,13 +92,13 @@ ServiceTestCase {
     }
 
     function test_an_empty_message_is_a_message() {
-        const object = make(overlay);
+        const object = makeReady(overlay);
         object.visible = true;
         compare(calls(), [showing.arg("")]);
     }
 
     function test_a_message_is_shown_again_when_the_service_comes_back() {
-        const object = make(overlay);
+        const object = makeReady(overlay);
         object.show("still here");
         service.leave();
         tryCompare(object, "available", false);
@@ -105,10 +110,19 @@ ServiceTestCase {
     function test_a_message_waits_for_the_service() {
         service.leave();
         const object = make(overlay);
-        tryCompare(object, "available", false);
         object.show("early");
         service.comeBack();
         tryCompare(object, "available", true);
         compare(calls(), [showing.arg("early")]);
+    }
+
+    function test_a_refused_message_is_signalled() {
+        service.refuseOverlays("too long");
+        const object = makeReady(overlay);
+        const failures = make(spy, { target: object, signalName: "requestFailed" });
+        object.show("hello");
+        tryCompare(failures, "count", 1);
+        compare(failures.signalArguments[0][0], { name: "org.freedesktop.DBus.Error.LimitsExceeded", message: "too long" });
+        verify(object.visible);
     }
 }

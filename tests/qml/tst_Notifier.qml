@@ -12,6 +12,11 @@ ServiceTestCase {
         Notifier {}
     }
 
+    Component {
+        id: spy
+        SignalSpy {}
+    }
+
     function test_a_notification_is_sent_as_it_is_set() {
         const object = make(notifier, { icon: "mail-unread", summary: "Mail", body: "From <you>",
                                         actions: ["mail-reply", "Reply", "window-close", "Close"] });
@@ -34,12 +39,34 @@ ServiceTestCase {
         compare(callsOf("Notify").length, 0);
     }
 
-    function test_without_the_service_a_warning_is_all() {
+    function test_the_id_is_signalled() {
+        service.giveNotificationId(4294967295);
+        const object = make(notifier, { summary: "Mail" });
+        const sent = make(spy, { target: object, signalName: "sent" });
+        object.send();
+        tryCompare(sent, "count", 1);
+        compare(sent.signalArguments[0][0], 4294967295);
+    }
+
+    function test_a_refusal_is_signalled() {
+        service.refuseNotifications("too many");
+        const object = make(notifier);
+        const sent = make(spy, { target: object, signalName: "sent" });
+        const failures = make(spy, { target: object, signalName: "requestFailed" });
+        object.send();
+        tryCompare(failures, "count", 1);
+        compare(failures.signalArguments[0][0], { name: "org.freedesktop.DBus.Error.LimitsExceeded", message: "too many" });
+        compare(sent.count, 0);
+    }
+
+    function test_without_the_service_it_fails_and_later_it_does_not() {
         service.leave();
         const object = make(notifier, { summary: "lost" });
-        verify(!object.available);
+        const failures = make(spy, { target: object, signalName: "requestFailed" });
         object.send();
-        compare(service.takeLog().length, 1);
+        tryCompare(failures, "count", 1);
+        compare(failures.signalArguments[0][0].name, "org.freedesktop.DBus.Error.NameHasNoOwner");
+        compare(object.status, Notifier.Absent);
         service.comeBack();
         tryCompare(object, "available", true);
         object.send();

@@ -48,10 +48,9 @@ ServiceTestCase {
         return result;
     }
 
-    function test_the_views_are_there_from_the_start() {
+    function test_the_views_are_the_services() {
         service.setViews([maps, music], "s");
-        const switcher = make(taskSwitcher);
-        verify(switcher.available);
+        const switcher = makeReady(taskSwitcher);
         compare(switcher.views.count, 2);
         compare(switcher.currentView, "s");
         compare(switcher.currentIndex, 1);
@@ -67,7 +66,7 @@ ServiceTestCase {
 
     function test_a_view_without_a_title_is_called_after_its_application() {
         service.setViews([music], "s");
-        compare(make(taskSwitcher).views.get(0).title, "music");
+        compare(makeReady(taskSwitcher).views.get(0).title, "music");
     }
 
     function test_attributes_of_any_type_are_plain_values() {
@@ -75,7 +74,7 @@ ServiceTestCase {
                              + "'list': <[1, 2]>, 'map': <{'k': <'v'>}>, 'struct': <('x', true)>,"
                              + "'path': <objectpath '/o'>, 'variant': <<'inner'>>, 'number': <2.5>,"
                              + "'keys': <{uint32 7: 'seven'}>, 'deep': <[{'a': [(1, 'b')]}]>})]", "u");
-        const attributes = make(taskSwitcher).views.get(0).attributes;
+        const attributes = makeReady(taskSwitcher).views.get(0).attributes;
         compare(attributes.list, [1, 2]);
         compare(attributes.map, { k: "v" });
         compare(attributes.struct, ["x", true]);
@@ -89,14 +88,13 @@ ServiceTestCase {
     function test_a_key_that_is_sent_twice_has_the_last_value() {
         service.setViewsText("[('u', 'a', '', '', '', '', uint32 1, uint32 0,"
                              + "@a{sv} [{'title', <'first'>}, {'title', <'last'>}])]", "u");
-        const row = make(taskSwitcher).views.get(0);
+        const row = makeReady(taskSwitcher).views.get(0);
         compare(row.attributes.title, "last");
         compare(row.title, "last");
     }
 
     function test_without_views_there_is_no_current_one() {
-        const switcher = make(taskSwitcher);
-        verify(switcher.available);
+        const switcher = makeReady(taskSwitcher);
         compare(switcher.views.count, 0);
         compare(switcher.currentView, "");
         compare(switcher.currentIndex, -1);
@@ -104,7 +102,7 @@ ServiceTestCase {
 
     function test_delegates_live_on_with_their_views() {
         service.setViews([maps, music], "s");
-        const switcher = make(taskSwitcher);
+        const switcher = makeReady(taskSwitcher);
         const delegates = make(list, { model: switcher.views });
         compare(delegates.count, 2);
         compare(delegates.made, 2);
@@ -126,7 +124,7 @@ ServiceTestCase {
 
     function test_one_notification_of_both_changes_both() {
         service.setViews([maps], "m");
-        const switcher = make(taskSwitcher);
+        const switcher = makeReady(taskSwitcher);
         service.setViews([maps, music], "s");
         service.notifyAll();
         tryCompare(switcher, "currentView", "s");
@@ -136,7 +134,7 @@ ServiceTestCase {
 
     function test_the_current_row_follows_the_list() {
         service.setViews([maps, music], "s");
-        const switcher = make(taskSwitcher);
+        const switcher = makeReady(taskSwitcher);
         const viewSpy = make(spy, { target: switcher, signalName: "currentViewChanged" });
         const indexSpy = make(spy, { target: switcher, signalName: "currentIndexChanged" });
         service.setViews([music, maps], "s");
@@ -146,27 +144,59 @@ ServiceTestCase {
         compare(viewSpy.count, 0);
     }
 
-    function test_a_burst_of_notifications_is_one_update() {
+    function test_the_current_view_is_a_role() {
+        service.setViews([maps, music], "m");
+        const switcher = makeReady(taskSwitcher);
+        const current = () => [switcher.views.get(0).current, switcher.views.get(1).current];
+        compare(current(), [true, false]);
+        service.setViews([maps, music], "s");
+        service.notifyAll();
+        tryCompare(switcher, "currentView", "s");
+        compare(current(), [false, true]);
+    }
+
+    function test_a_change_costs_no_call() {
         service.setViews([maps], "m");
-        const switcher = make(taskSwitcher);
+        const switcher = makeReady(taskSwitcher);
         service.setViews([maps, music], "s");
         service.takeCalls();
-        service.notifyViewsTimes(10);
+        service.notifyAll();
         tryCompare(switcher.views, "count", 2);
-        compare(callsOf("Get").length, 1);
+        compare(service.takeCalls(), []);
+    }
+
+    function test_values_that_a_notification_leaves_out_are_read() {
+        service.setViews([maps], "m");
+        const switcher = makeReady(taskSwitcher);
+        service.setViews([maps, music], "s");
+        service.invalidateAll();
+        tryCompare(switcher, "currentView", "s");
+        tryCompare(switcher.views, "count", 2);
+    }
+
+    function test_attributes_of_any_type_can_be_compared() {
+        service.setViewsText("[('u', 'a', '', '', '', '', uint32 1, uint32 0,"
+                             + "{'struct': <('x', true)>, 'path': <objectpath '/o'>})]", "u");
+        const switcher = makeReady(taskSwitcher);
+        const changes = make(spy, { target: switcher.views, signalName: "dataChanged" });
+        service.notifyViews();
+        service.setViews([music], "u");
+        service.notifyViews();
+        tryVerify(() => uuids(switcher) === "s");
+        compare(changes.count, 0);
     }
 
     function test_switching_changes_the_current_view_when_the_service_says_so() {
         service.setViews([maps, music], "m");
         service.storeWrites();
-        const switcher = make(taskSwitcher);
-        const failures = make(spy, { target: switcher, signalName: "switchFailed" });
-        verify(switcher.switchTo("s"));
+        const switcher = makeReady(taskSwitcher);
+        const failures = make(spy, { target: switcher, signalName: "requestFailed" });
+        switcher.switchTo("s");
         compare(switcher.currentView, "m");
         tryCompare(switcher, "currentView", "s");
         switcher.currentView = "m";
         tryCompare(switcher, "currentView", "m");
-        verify(switcher.switchToView("music", 1));
+        switcher.switchToView("music", 1);
         tryCompare(switcher, "currentView", "s");
         compare(failures.count, 0);
     }
@@ -175,41 +205,58 @@ ServiceTestCase {
         const other = { uuid: "n", appId: "maps", sortIndex: 8 };
         service.setViews([maps, music, other], "m");
         service.storeWrites();
-        const switcher = make(taskSwitcher);
-        verify(switcher.next());
+        const switcher = makeReady(taskSwitcher);
+        switcher.next();
         tryCompare(switcher, "currentView", "n");
-        verify(switcher.next());
+        switcher.next();
         tryCompare(switcher, "currentView", "m");
-        verify(switcher.previous());
+        switcher.previous();
         tryCompare(switcher, "currentView", "n");
     }
 
-    function test_a_refused_switch_is_told_and_changes_nothing() {
+    function test_a_refused_switch_is_signalled_and_changes_nothing() {
         service.setViews([maps, music], "m");
         service.refuseCurrentView("not now");
-        const switcher = make(taskSwitcher);
-        const failures = make(spy, { target: switcher, signalName: "switchFailed" });
-        verify(!switcher.switchTo("s"));
-        compare(failures.count, 1);
-        compare(failures.signalArguments[0][0], "not now");
+        const switcher = makeReady(taskSwitcher);
+        const failures = make(spy, { target: switcher, signalName: "requestFailed" });
+        const refusal = { name: "org.freedesktop.DBus.Error.InvalidArgs", message: "not now" };
+        switcher.switchTo("s");
+        tryCompare(failures, "count", 1);
+        compare(failures.signalArguments[0][0], refusal);
         switcher.currentView = "s";
-        compare(failures.count, 2);
+        tryCompare(failures, "count", 2);
+        compare(failures.signalArguments[1][0], refusal);
         compare(switcher.currentView, "m");
-        verify(!switcher.switchTo(""));
-        compare(failures.signalArguments[2][0], "uuid should not be empty");
     }
 
-    function test_a_view_that_is_not_there_is_refused_with_a_warning() {
+    function test_a_view_that_is_not_there_is_refused_without_a_call() {
         service.setViews([maps], "m");
+        const switcher = makeReady(taskSwitcher);
+        service.takeCalls();
+        const failures = make(spy, { target: switcher, signalName: "requestFailed" });
+        switcher.switchTo("");
+        switcher.switchToView("maps");
+        tryCompare(failures, "count", 2);
+        compare(failures.signalArguments[1][0].name, "org.freedesktop.DBus.Error.InvalidArgs");
+        compare(service.takeCalls(), []);
+    }
+
+    function test_a_hung_service_holds_nothing_up() {
+        service.setViews([maps, music], "m");
+        service.storeWrites();
+        service.freeze();
         const switcher = make(taskSwitcher);
-        verify(!switcher.switchToView("maps"));
-        compare(service.takeLog().length, 2);
+        compare(switcher.status, TaskSwitcher.Loading);
+        verify(!switcher.available);
+        switcher.switchTo("s");
+        service.thaw();
+        tryCompare(switcher, "currentView", "s");
     }
 
     function test_the_service_may_leave_and_come_back() {
         service.setViews([maps, music], "s");
-        const switcher = make(taskSwitcher);
-        const availability = make(spy, { target: switcher, signalName: "availableChanged" });
+        const switcher = makeReady(taskSwitcher);
+        const statuses = make(spy, { target: switcher, signalName: "statusChanged" });
         service.leave();
         tryCompare(switcher, "available", false);
         compare(switcher.views.count, 0);
@@ -223,13 +270,14 @@ ServiceTestCase {
         service.notifyAll();
         tryCompare(switcher, "currentView", "l");
         compare(switcher.views.count, 1);
-        compare(availability.count, 2);
+        // Absent, loading, ready.
+        compare(statuses.count, 3);
     }
 
     function test_a_switcher_made_before_its_service_gets_the_views_when_it_comes() {
         service.leave();
         const switcher = make(taskSwitcher);
-        verify(!switcher.available);
+        tryCompare(switcher, "status", TaskSwitcher.Absent);
         compare(switcher.views.count, 0);
         service.comeBack();
         tryCompare(switcher, "available", true);

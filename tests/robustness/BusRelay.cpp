@@ -19,7 +19,7 @@
 
 namespace {
 
-/// The part of a message's header before the list of its fields, that list's length at the end.
+/// The fixed part of a message's header, which ends with the length of the header fields.
 const int cFixedHeader = 16;
 const char cMemberField = 3;
 
@@ -54,7 +54,7 @@ QByteArray socketPath(const QByteArray& busAddress)
     return busAddress.mid(prefix.size(), end < 0 ? -1 : end - prefix.size());
 }
 
-/// Nothing where the other side is gone.
+/// Empty if the peer has disconnected.
 QByteArray receive(int socket)
 {
     std::array<char, 65536> chunk;
@@ -65,7 +65,7 @@ QByteArray receive(int socket)
     return QByteArray(chunk.data(), size < 0 ? 0 : static_cast<int>(size));
 }
 
-/// False where the other side is gone.
+/// False if the peer has disconnected.
 bool send(int socket, const QByteArray& bytes)
 {
     int sent = 0;
@@ -170,7 +170,7 @@ BusRelay::BusRelay()
 
 BusRelay::~BusRelay()
 {
-    // Wakes the thread wherever it waits.
+    // Wakes the thread from poll().
     ::shutdown(mListener.get(), SHUT_RDWR);
     mThread.join();
     PrivateBus::setAddress(mBusAddress);

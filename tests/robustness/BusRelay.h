@@ -10,8 +10,8 @@
 #include <mutex>
 #include <thread>
 
-/// Stands between one application and the bus, and ends their connection at a message of choice. While it lives, it is
-/// the bus for the processes that this one starts. Does not pass on descriptors.
+/// A proxy between one application and the bus that drops the connection at a chosen message. During its lifetime,
+/// child processes take it for the bus. Does not forward descriptors.
 class BusRelay
 {
 public:
@@ -23,11 +23,11 @@ public:
     /// The members of the messages that the application has sent since the last time.
     QStringList takeMessages();
 
-    /// Ends the connection, for both sides, instead of passing on the application's message with that number, counted
-    /// from now on and from 1.
+    /// Drops the connection of both sides instead of forwarding the application's n-th message from now on, counted
+    /// from 1.
     void endAt(int number);
 
-    /// Whether it has done so.
+    /// Whether endAt() has dropped the connection.
     bool hasEnded();
 
 private:
@@ -53,7 +53,7 @@ private:
     QByteArray mBusAddress;
     Descriptor mListener;
     Descriptor mBus;
-    /// What the application has sent and is not yet passed on.
+    /// Bytes from the application that are not forwarded yet.
     QByteArray mPending;
     bool mIsAuthenticated = false;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "OperationProcess.h"
 #include "Operations.h"
 #include "PrivateBus.h"
@@ -16,14 +16,12 @@ using namespace Warnings;
 namespace {
 
 const QString cEmptyUuid =
-    QStringLiteral("QDBusError(\"org.freedesktop.DBus.Error.InvalidArgs\", \"uuid should not be empty\")");
-const QString cInvalidInterface =
-    QStringLiteral("QDBusError(\"org.freedesktop.DBus.Error.UnknownInterface\", \"Invalid QDBus Interface\")");
-const QString cRefused = QStringLiteral("QDBusError(\"org.example.Error.Refused\", \"not now\")");
-const QString cGone = QStringLiteral("QDBusError(\"org.freedesktop.DBus.Error.NoReply\", "
-                                     "\"Message recipient disconnected from message bus without replying\")");
+    error(QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"), QStringLiteral("uuid should not be empty"));
+const QString cRefused = error(QStringLiteral("org.example.Error.Refused"), QStringLiteral("not now"));
+const QString cGone = error(QStringLiteral("org.freedesktop.DBus.Error.NoReply"),
+                            QStringLiteral("Message recipient disconnected from message bus without replying"));
 
-/// What goes wrong with one call to the service.
+/// The fault injected into one call to the service.
 enum class Fault
 {
     ErrorReply,
@@ -43,12 +41,6 @@ const QList<QPair<Fault, const char*>> cFaults{
     {Fault::ExtraArgument, "answered with an argument more"},
     {Fault::Exit, "not answered, the service ends"},
     {Fault::LateReply, "answered after a second"},
-};
-
-struct Expectation
-{
-    QString result;
-    QStringList log;
 };
 
 Behaviour behaviour(Fault fault, const ServiceCall& call)
@@ -77,76 +69,62 @@ bool leavesTheResult(Fault fault)
     return fault == Fault::ExtraArgument || fault == Fault::LateReply;
 }
 
-Expectation expectationWithoutViews(Fault fault, const ServiceCall& call)
+QStringList logWithoutViews(Fault fault, const ServiceCall& call)
 {
     const bool exit = fault == Fault::Exit;
     const QString problem = fault == Fault::OtherContent ? cUnparsed : cUnreadViews;
     if (call.operation == QLatin1String("getViews")) {
-        return {QString(), {problem}};
+        return {problem};
     }
-    if (call.operation == QLatin1String("getCurrentView")) {
-        return {QString(), {problem, exit ? cAbsent : cNoCurrentView}};
-    }
-    if (call.operation == QLatin1String("isCurrentView")) {
-        return {QStringLiteral("false"), {problem, exit ? cAbsent : cNoCurrentView}};
+    if (call.operation == QLatin1String("getCurrentView") || call.operation == QLatin1String("isCurrentView")) {
+        return {problem, exit ? cAbsent : cNoCurrentView};
     }
     if (call.operation == QLatin1String("pidToTaskSwitcherEntry")) {
-        return {QString(), {problem, cNoPid}};
+        return {problem, cNoPid};
     }
     if (call.operation == QLatin1String("idsToTaskSwitcherEntry")) {
-        return {QString(), {problem, cNoIds}};
+        return {problem, cNoIds};
     }
     if (call.operation == QLatin1String("surfaceToTop")) {
-        return {QString(), exit ? QStringList{problem, cNoPid, cAbsent} : QStringList{problem, cNoPid}};
+        return exit ? QStringList{problem, cNoPid, cAbsent} : QStringList{problem, cNoPid};
     }
     if (call.operation == QLatin1String("switchToView")) {
-        const QString failed = QStringLiteral("switch view failed ");
-        return {QStringLiteral("false"),
-                exit ? QStringList{problem, cNoIds, cAbsent, failed + cInvalidInterface}
-                     : QStringList{problem, cNoIds, failed + cEmptyUuid}};
+        return exit ? QStringList{problem, cNoIds, cAbsent, cSwitchFailed + cInvalidInterface}
+                    : QStringList{problem, cNoIds, cSwitchFailed + cEmptyUuid};
     }
     // A step.
     if (call.number == 2) {
-        return {QStringLiteral("false"), {problem, exit ? cAbsent : cNoCurrentView, cNoStep}};
+        return {problem, exit ? cAbsent : cNoCurrentView, cNoStep};
     }
-    // Just after the service has gone, the proxy still knows it, and the second read tries.
-    return {QStringLiteral("false"),
-            exit ? QStringList{problem, cUnreadViews, cAbsent, cNoStep} : QStringList{problem, cNoStep}};
+    // Until the event loop turns, the proxy stays valid, so the second read is tried.
+    return exit ? QStringList{problem, cUnreadViews, cAbsent, cNoStep} : QStringList{problem, cNoStep};
 }
 
-Expectation expectationWithoutCurrentView(Fault fault, const ServiceCall& call)
+QStringList logWithoutCurrentView(Fault fault, const ServiceCall& call)
 {
     const QString problem = fault == Fault::OtherContent ? cUnparsed : cUnreadCurrentView;
-    if (call.operation == QLatin1String("getCurrentView")) {
-        return {QString(), {problem}};
-    }
-    if (call.operation == QLatin1String("isCurrentView")) {
-        return {QStringLiteral("false"), {problem}};
-    }
-    return {QStringLiteral("false"), {problem, cNoStep}};
+    const bool isStep = call.operation.startsWith(QLatin1String("iterateViews"));
+    return isStep ? QStringList{problem, cNoStep} : QStringList{problem};
 }
 
-Expectation expectationWithoutProperty(Fault fault, const ServiceCall& call)
+QStringList logWithoutProperty(Fault fault, const ServiceCall& call)
 {
-    const bool isText = call.property == QLatin1String("orientation");
-    const QString unread = QStringLiteral("Unable to read property:  \"%1\"").arg(call.property);
-    const QString unconverted = QStringLiteral("Unable to convert property  \"%1\" to %2!")
-                                    .arg(call.property, isText ? QStringLiteral("QString") : QStringLiteral("bool"));
-    const bool isRead = fault == Fault::OtherContent;
-    if (call.operation == QLatin1String("getProperty")) {
-        return {QString(), isRead ? QStringList() : QStringList{unread}};
+    QStringList log;
+    if (fault != Fault::OtherContent) {
+        log.append(unread(call.property));
     }
-    const bool hasResult = !Operations::isConstruction(call.operation);
-    return {isText || !hasResult ? QString() : QStringLiteral("false"),
-            isRead ? QStringList{unconverted} : QStringList{unread, unconverted}};
+    if (call.operation != QLatin1String("getProperty")) {
+        log.append(unconverted(call.property));
+    }
+    return log;
 }
 
-Expectation expectationOfRefusedView(Fault fault, const ServiceCall& call)
+Outcome expectationOfRefusedView(Fault fault, const ServiceCall& call)
 {
-    // What comes with a reply to Set is not looked at.
+    // The arguments of a reply to Set are ignored.
     const bool isRefused = fault == Fault::ErrorReply || fault == Fault::Exit;
     if (!isRefused || call.operation == QLatin1String("surfaceToTop")) {
-        return {Scenario::result(call.operation), {}};
+        return {Operations::result(call.operation), {}};
     }
     if (call.operation == QLatin1String("setCurrentView")) {
         return {fault == Fault::Exit ? QStringLiteral("org.freedesktop.DBus.Error.NoReply: Message recipient "
@@ -154,22 +132,20 @@ Expectation expectationOfRefusedView(Fault fault, const ServiceCall& call)
                                      : QStringLiteral("org.example.Error.Refused: not now"),
                 {}};
     }
-    const QString failed = call.operation == QLatin1String("switchToView") ? QStringLiteral("switch view failed ")
-                                                                           : QStringLiteral("iterateViews failed: ");
+    const QString failed = call.operation == QLatin1String("switchToView") ? cSwitchFailed : cStepFailed;
     return {QStringLiteral("false"), {failed + (fault == Fault::Exit ? cGone : cRefused)}};
 }
 
-/// QtDBus's words for a reply of another signature, as they are logged.
+/// QtDBus's error message for a reply with an unexpected signature, as logged.
 QString unexpected(const QString& signature)
 {
     return QStringLiteral("Unexpected reply signature: got \\\"%1, expected \\\"s\\\" (QString)").arg(signature);
 }
 
-Expectation expectationWithoutScreenShot(Fault fault)
+Outcome expectationWithoutScreenShot(Fault fault)
 {
     const auto unusable = [](const QString& message) {
-        return Expectation{QStringLiteral("nothing"),
-                           {QStringLiteral("Reply of  \"ScreenShot\" is invalid! \"%1\"").arg(message)}};
+        return Outcome{QStringLiteral("nothing"), {invalidScreenShot(message)}};
     };
     switch (fault) {
     case Fault::ErrorReply:
@@ -185,62 +161,55 @@ Expectation expectationWithoutScreenShot(Fault fault)
     }
 }
 
-Expectation expectation(Fault fault, const ServiceCall& call)
+Outcome expectation(Fault fault, const ServiceCall& call)
 {
     if (leavesTheResult(fault)) {
-        return {Scenario::result(call.operation), {}};
+        return {Operations::result(call.operation), {}};
     }
     if (call.member == QLatin1String("Get")) {
-        if (call.property == QLatin1String("views")) {
-            return expectationWithoutViews(fault, call);
-        }
-        return call.property == QLatin1String("currentView") ? expectationWithoutCurrentView(fault, call)
-                                                             : expectationWithoutProperty(fault, call);
+        return {Operations::failure(call.operation),
+                call.property == QLatin1String("views")             ? logWithoutViews(fault, call)
+                    : call.property == QLatin1String("currentView") ? logWithoutCurrentView(fault, call)
+                                                                    : logWithoutProperty(fault, call)};
     }
     if (call.property == QLatin1String("currentView")) {
         return expectationOfRefusedView(fault, call);
     }
-    // Nobody looks at the other answers.
-    return call.member == QLatin1String("ScreenShot") ? expectationWithoutScreenShot(fault) : Expectation();
+    // All other replies are ignored.
+    return call.member == QLatin1String("ScreenShot") ? expectationWithoutScreenShot(fault) : Outcome();
 }
 
-/// What an operation answers where Get and Set, or the methods of its own interface, are said to have no reply.
-Expectation expectationWithoutReply(const QString& operation)
+/// What an operation returns and logs if Get and Set, or the methods of its own interface, are said to have no reply.
+Outcome expectationWithoutReply(const QString& operation)
 {
-    static const QMap<QString, Expectation> cExpectations{
-        {QStringLiteral("getViews"), {QString(), {cUnreadViews}}},
-        {QStringLiteral("getCurrentView"), {QString(), {cUnreadViews, cUnreadCurrentView}}},
-        {QStringLiteral("pidToTaskSwitcherEntry"), {QString(), {cUnreadViews, cNoPid}}},
-        {QStringLiteral("idsToTaskSwitcherEntry"), {QString(), {cUnreadViews, cNoIds}}},
-        {QStringLiteral("switchToView"),
-         {QStringLiteral("false"), {cUnreadViews, cNoIds, QStringLiteral("switch view failed ") + cEmptyUuid}}},
-        {QStringLiteral("iterateViews forward"),
-         {QStringLiteral("false"), {cUnreadViews, cUnreadViews, cUnreadCurrentView, cNoStep}}},
-        {QStringLiteral("iterateViews backward"),
-         {QStringLiteral("false"), {cUnreadViews, cUnreadViews, cUnreadCurrentView, cNoStep}}},
-        {QStringLiteral("surfaceToTop"), {QString(), {cUnreadViews, cNoPid}}},
-        {QStringLiteral("isCurrentView"), {QStringLiteral("false"), {cUnreadViews, cUnreadCurrentView}}},
-        {QStringLiteral("captureScreenShot"),
-         {QStringLiteral("nothing"),
-          {QStringLiteral("Reply of  \"ScreenShot\" is invalid! \"%1\"")
-               .arg(unexpected(QStringLiteral("<empty signature>\\\"")))}}},
+    static const QMap<QString, QStringList> cLogs{
+        {QStringLiteral("getViews"), {cUnreadViews}},
+        {QStringLiteral("getCurrentView"), {cUnreadViews, cUnreadCurrentView}},
+        {QStringLiteral("pidToTaskSwitcherEntry"), {cUnreadViews, cNoPid}},
+        {QStringLiteral("idsToTaskSwitcherEntry"), {cUnreadViews, cNoIds}},
+        {QStringLiteral("switchToView"), {cUnreadViews, cNoIds, cSwitchFailed + cEmptyUuid}},
+        {QStringLiteral("iterateViews forward"), {cUnreadViews, cUnreadViews, cUnreadCurrentView, cNoStep}},
+        {QStringLiteral("iterateViews backward"), {cUnreadViews, cUnreadViews, cUnreadCurrentView, cNoStep}},
+        {QStringLiteral("surfaceToTop"), {cUnreadViews, cNoPid}},
+        {QStringLiteral("isCurrentView"), {cUnreadViews, cUnreadCurrentView}},
+        {QStringLiteral("captureScreenShot"), {invalidScreenShot(unexpected(QStringLiteral("<empty signature>\\\"")))}},
     };
-    const auto known = cExpectations.constFind(operation);
-    if (known != cExpectations.constEnd()) {
-        return *known;
+    const auto log = cLogs.constFind(operation);
+    if (log != cLogs.constEnd()) {
+        return {Operations::failure(operation), *log};
     }
     for (const ServiceCall& call : ServiceCall::all()) {
         if (call.operation == operation && call.member == QLatin1String("Get")) {
-            return expectationWithoutProperty(Fault::EmptyReply, call);
+            return {Operations::failure(operation), logWithoutProperty(Fault::EmptyReply, call)};
         }
     }
-    return {Scenario::result(operation), {}};
+    return {Operations::result(operation), {}};
 }
 
 } // namespace
 
 /// Every operation with every fault of every call that it makes.
-class FaultMatrixTest : public ConnectorTest
+class FaultMatrixTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -263,7 +232,7 @@ private:
 
 void FaultMatrixTest::initTestCase()
 {
-    ConnectorTest::initTestCase();
+    ConnectorFixture::initTestCase();
     mOperations = std::make_unique<Operations>();
     mOperations->prepare();
 }
@@ -294,16 +263,16 @@ void FaultMatrixTest::everyCallMayFailInEveryWay()
 
     call.script(mService, behaviour(fault, call));
 
-    const Expectation expected = expectation(fault, call);
+    const Outcome expected = expectation(fault, call);
     QCOMPARE(mOperations->perform(call.operation), expected.result);
     QCOMPARE(mLog->takeTexts(), expected.log);
 
-    // Nothing of it stays.
+    // The fault leaves no state.
     if (fault == Fault::Exit) {
         startService();
         Scenario::set(mService);
     }
-    QCOMPARE(mOperations->perform(call.operation), Scenario::result(call.operation));
+    QCOMPARE(mOperations->perform(call.operation), Operations::result(call.operation));
     QCOMPARE(mLog->takeTexts(), QStringList());
     ++mCellCount;
 }
@@ -349,7 +318,7 @@ void FaultMatrixTest::everyOperationWorksWithoutAnIntrospectionThatSucceeds()
     QCOMPARE(process.prepare().log, QStringList());
     for (const QString& operation : Operations::names()) {
         const Outcome outcome = process.perform(operation);
-        QCOMPARE(outcome.result, Scenario::result(operation));
+        QCOMPARE(outcome.result, Operations::result(operation));
         QCOMPARE(outcome.log, QStringList());
         ++mCellCount;
     }
@@ -378,7 +347,7 @@ void FaultMatrixTest::everyOperationSurvivesMethodsThatAreSaidToHaveNoReply()
     process.prepare();
     for (const QString& operation : Operations::names()) {
         const Outcome outcome = process.perform(operation);
-        const Expectation expected = expectationWithoutReply(operation);
+        const Outcome expected = expectationWithoutReply(operation);
         QVERIFY2(outcome.result == expected.result && outcome.log == expected.log,
                  qPrintable(operation
                             + QStringLiteral(" answered \"%1\" and logged \"%2\"")

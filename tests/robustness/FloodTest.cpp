@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
@@ -19,7 +19,7 @@ namespace {
 
 const int cFlood = 50000;
 const int cFloodDuringCall = 5000;
-/// What a notification may cost while it waits for the event loop; a reply that is kept for each would not fit.
+/// The memory limit per queued notification, below the size of a reply.
 const qint64 cKibibytesPerNotification = 2;
 
 const QString cTaskSwitcherPath = QStringLiteral("/taskswitcher");
@@ -33,7 +33,7 @@ ServiceSignal change(const QString& path, const char* changed, int count = 1)
     return signal;
 }
 
-// Qt's event dispatcher for GLib leaves what was queued before an inner event loop begins until something wakes it.
+// Qt's GLib event dispatcher does not handle events queued before an inner event loop until it is woken.
 void runInnerLoop(QEventLoop& loop)
 {
     QAbstractEventDispatcher::instance()->wakeUp();
@@ -42,8 +42,8 @@ void runInnerLoop(QEventLoop& loop)
 
 } // namespace
 
-/// More notifications than an application can handle at once, and what it may do while it handles them.
-class FloodTest : public ConnectorTest
+/// Floods of notifications, and what slots may do while handling them.
+class FloodTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private:
 
 void FloodTest::init()
 {
-    ConnectorTest::init();
+    ConnectorFixture::init();
     Scenario::set(mService);
 }
 
@@ -76,13 +76,13 @@ void FloodTest::notificationsBehindABlockingCallAreHandledInOrder()
     TelvaroScreenDBusConnector screen;
     SignalRecorder recorder(taskSwitcher, screen);
 
-    // Measured before the first of them can be here.
+    // Measured before the first notification can arrive.
     const qint64 residentBefore = ProcessMemory::resident();
     ProcessMemory::resetPeak();
     QElapsedTimer timer;
     timer.start();
 
-    // One more of the one kind before each of the other; the last of them come during the call.
+    // Notifications of one kind alternate with the other; the last arrive during the call.
     QStringList expected;
     Behaviour answer = Behaviour::reply({ValueText::variant(Scenario::views())});
     for (int run = 1; expected.size() < cFlood; ++run) {
@@ -124,7 +124,7 @@ void FloodTest::notificationsOfADeletedConnectorAreDropped()
     SignalRecorder recorder(*taskSwitcher, *screen);
     mService.emitSignal(change(cTaskSwitcherPath, "{'views': <1>}", 100));
     mService.emitSignal(change(cScreenPath, "{'fullScreen': <1>, 'orientation': <1>}", 100));
-    // Brings the notifications into this process without handling them.
+    // Receives the notifications without delivering them.
     taskSwitcher->getViews();
     taskSwitcher.reset();
     screen.reset();
@@ -160,7 +160,7 @@ void FloodTest::screenMayBeDeletedInItsSlots_data()
 void FloodTest::screenMayBeDeletedInItsSlots()
 {
     QFETCH(int, survived);
-    // Told as active only after the connector has read the opposite.
+    // Becomes active only after the connector has read the opposite.
     mService.setProperty(cScreenPath, QStringLiteral("de.Telvaro.screen"), QStringLiteral("screenSaverActive"),
                          QStringLiteral("false"));
     auto* const screen = new TelvaroScreenDBusConnector;
@@ -187,7 +187,7 @@ void FloodTest::slotsMayCallEveryOperation()
     int calls = 0;
     const auto callEverything = [&] {
         for (const QString& operation : Operations::names()) {
-            QCOMPARE(operations.perform(operation), Scenario::result(operation));
+            QCOMPARE(operations.perform(operation), Operations::result(operation));
             ++calls;
         }
     };

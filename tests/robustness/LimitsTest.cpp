@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "DBusConnectionParameter.h"
 #include "OperationProcess.h"
 #include "PrivateBus.h"
@@ -28,7 +28,7 @@ namespace {
 
 const char cCase[] = "--case";
 
-/// A connector as an application may derive its own.
+/// A connector that an application might derive.
 class OwnConnector : public TelvaroDBusConnectorBase
 {
 public:
@@ -136,9 +136,9 @@ int runCase(int argc, char** argv)
 
 } // namespace
 
-/// What an application must not do, since neither Qt nor libdbus survives it: the manual tells it to the users. A test
-/// that fails here is good news, and the manual's page is to be changed.
-class LimitsTest : public ConnectorTest
+/// The documented limits: what crashes Qt or libdbus, or costs the connection. If a test here fails, Qt has improved,
+/// and the manual's page must be updated.
+class LimitsTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -172,7 +172,7 @@ void LimitsTest::invalidNamesAndValuesEndTheApplication()
     application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
     QVERIFY(application.waitForFinished(ChildProcess::cDeadline));
     QCOMPARE(application.exitStatus(), QProcess::CrashExit);
-    // For a process that a signal has ended, the signal.
+    // The exit code of a crashed process is its signal.
     QCOMPARE(application.exitCode(), SIGABRT);
     QCOMPARE(application.readAllStandardOutput(), QByteArray());
 }
@@ -211,7 +211,7 @@ void LimitsTest::refusedMessageCostsTheConnection()
     QFETCH(QString, name);
     ChildProcess application;
     application.run(QStringLiteral(TELVARO_OWN_PATH), {QString::fromLatin1(cCase), name});
-    // Such a text takes its time, with a sanitizer most of all.
+    // Large texts are slow, above all under a sanitizer.
     QVERIFY(application.waitForOutputLine(5 * ChildProcess::cDeadline));
     QCOMPARE(application.readOutputLine(), QByteArray("disconnected"));
     QCOMPARE(application.readOutputLine(), QByteArray("returned"));

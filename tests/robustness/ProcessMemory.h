@@ -7,11 +7,11 @@
 /// The memory of this process, in KiB.
 namespace ProcessMemory {
 
-/// Whether the numbers tell what the library needs: not where a sanitizer or valgrind keeps freed memory, nor where the
-/// process is an emulator, which keeps the code that it has translated.
+/// Whether the numbers reflect the library's needs: not if a sanitizer or valgrind retains freed memory, nor in an
+/// emulator, which retains translated code.
 bool isMeaningful();
 
-/// What is resident, with all that the allocator can do without given back.
+/// The resident size after the allocator has returned its free memory.
 qint64 resident();
 
 /// The most that has been resident since the last resetPeak().

@@ -23,21 +23,21 @@ namespace {
 const int cRestarts = 200;
 const int cViewSignals = 3;
 
-// Each service has another one than the one before.
+// Differs between consecutive services.
 QString orientation(int start)
 {
     return start % 2 != 0 ? QStringLiteral("270") : QStringLiteral("90");
 }
 
-/// Kills the service and starts it again, over and over, in a thread of its own. The service is killed while its
-/// client is at some operation or other, and not before the client has found the last one to work.
+/// Kills the service and starts it again, over and over, in a thread of its own. The service is killed during a random
+/// operation of its client, once every operation has succeeded on it.
 class ServiceRestarter
 {
 public:
     ServiceRestarter();
     ~ServiceRestarter();
 
-    /// How many services have got their name so far.
+    /// The number of services that have acquired the name so far.
     int startCount();
     bool isDone();
     QString problem();
@@ -141,7 +141,7 @@ void ServiceRestarter::restart(ScriptedServiceProcess& service, int start)
                        cViewSignals);
     service.emitSignal(
         ServiceSignal::propertiesChanged(screen, screenInterface, QStringLiteral("{'orientation': <1>}")));
-    // The signal's slot asks this service back.
+    // The signal's slot calls back into this service.
     waitUntil([this, start] {
         return mAcknowledged == -start;
     });
@@ -194,11 +194,11 @@ bool RestartTest::performAll(ServiceRestarter& restarter, int start)
         const QString result = mOperations.perform(operation);
         const QStringList texts = log.takeTexts();
         const bool isOrientation = operation == QLatin1String("getOrientation");
-        const QString right = isOrientation ? orientation(start) : Scenario::result(operation);
+        const QString right = isOrientation ? orientation(start) : Operations::result(operation);
         const bool isRight = result == right && texts.isEmpty();
-        // Between two services an answer may come from either.
+        // During a restart either service may have replied.
         const bool isOfOtherService = isOrientation && result == orientation(start + 1) && texts.isEmpty();
-        const bool isFailure = Scenario::isFailure(operation, result) && Scenario::isFailureLog(texts);
+        const bool isFailure = Operations::isFailure(operation, result) && Operations::isFailureLog(texts);
         if (!isRight && !isOfOtherService && !isFailure) {
             mProblem = QStringLiteral("%1 answered \"%2\": %3").arg(operation, result, texts.join(QLatin1Char('\n')));
         }

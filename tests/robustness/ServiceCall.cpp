@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ServiceCall.h"
 
+#include "Operations.h"
 #include "Scenario.h"
 #include "ValueText.h"
 
@@ -9,17 +10,24 @@
 
 namespace {
 
-ServiceCall get(const QString& operation, const QString& path, const QString& property, int number = 1)
+const QString cIntrospect = QStringLiteral("Introspect");
+
+QList<ServiceCall> calls(bool ofIntrospection)
 {
-    return {operation, path, QString(), QStringLiteral("Get"), property, number};
+    QList<ServiceCall> calls;
+    for (const QString& operation : Operations::names()) {
+        QMap<QString, int> numbers;
+        for (const Message& message : Operations::messages(operation)) {
+            if (!message.path.isEmpty() && (message.member == cIntrospect) == ofIntrospection) {
+                const int number = ++numbers[message.member + message.property];
+                calls.append({operation, message.path, message.interface, message.member, message.property, number});
+            }
+        }
+    }
+    return calls;
 }
 
-ServiceCall set(const QString& operation, const QString& path, const QString& property)
-{
-    return {operation, path, QString(), QStringLiteral("Set"), property, 1};
-}
-
-// A value of the property as the service of Scenario has it, in GVariant's text format.
+// The property's value in Scenario, in GVariant's text format.
 QString propertyValue(const QString& property)
 {
     static const QMap<QString, QString> cValues{
@@ -37,54 +45,12 @@ QString propertyValue(const QString& property)
 
 QList<ServiceCall> ServiceCall::all()
 {
-    const QString switcher = QStringLiteral("/taskswitcher");
-    const QString screen = QStringLiteral("/screen");
-    const QString overlay = QStringLiteral("/globaloverlay");
-    const QString overlayInterface = QStringLiteral("de.Telvaro.globaloverlay");
-    const QString views = QStringLiteral("views");
-    const QString current = QStringLiteral("currentView");
-    const QString active = QStringLiteral("screenSaverActive");
-    const QString enabled = QStringLiteral("screenSaverEnabled");
-    const QString timeout = QStringLiteral("screenSaverTimeoutSeconds");
-    const QString orientation = QStringLiteral("orientation");
-    const QString fullScreen = QStringLiteral("fullScreen");
-    QList<ServiceCall> calls{
-        get(QStringLiteral("getViews"), switcher, views),
-        get(QStringLiteral("getCurrentView"), switcher, views),
-        get(QStringLiteral("getCurrentView"), switcher, current),
-        set(QStringLiteral("setCurrentView"), switcher, current),
-        get(QStringLiteral("pidToTaskSwitcherEntry"), switcher, views),
-        get(QStringLiteral("idsToTaskSwitcherEntry"), switcher, views),
-        get(QStringLiteral("switchToView"), switcher, views),
-        set(QStringLiteral("switchToView"), switcher, current),
-        get(QStringLiteral("surfaceToTop"), switcher, views),
-        set(QStringLiteral("surfaceToTop"), switcher, current),
-        get(QStringLiteral("isCurrentView"), switcher, views),
-        get(QStringLiteral("isCurrentView"), switcher, current),
-        get(QStringLiteral("new TelvaroScreenDBusConnector"), screen, active),
-        get(QStringLiteral("getProperty"), screen, timeout),
-        set(QStringLiteral("setProperty"), screen, orientation),
-        set(QStringLiteral("enableScreenSaver"), screen, enabled),
-        set(QStringLiteral("disableScreenSaver"), screen, enabled),
-        set(QStringLiteral("setScreenSaverTimeout"), screen, timeout),
-        get(QStringLiteral("isScreenSaverActive"), screen, active),
-        get(QStringLiteral("getOrientation"), screen, orientation),
-        set(QStringLiteral("setOrientation"), screen, orientation),
-        set(QStringLiteral("setFullScreen"), screen, fullScreen),
-        get(QStringLiteral("getFullScreen"), screen, fullScreen),
-        {QStringLiteral("showGlobalOverlay"), overlay, overlayInterface, QStringLiteral("Show"), QString(), 1},
-        {QStringLiteral("hideGlobalOverlay"), overlay, overlayInterface, QStringLiteral("Hide"), QString(), 1},
-        {QStringLiteral("notify"), QStringLiteral("/org/freedesktop/Notifications"),
-         QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"), QString(), 1},
-        {QStringLiteral("captureScreenShot"), QStringLiteral("/screenshot"), QStringLiteral("de.Telvaro.screenshot"),
-         QStringLiteral("ScreenShot"), QString(), 1},
-    };
-    for (const QString& direction : {QStringLiteral("forward"), QStringLiteral("backward")}) {
-        const QString iterate = QStringLiteral("iterateViews ") + direction;
-        calls.append({get(iterate, switcher, views, 1), get(iterate, switcher, views, 2),
-                      get(iterate, switcher, current), set(iterate, switcher, current)});
-    }
-    return calls;
+    return calls(false);
+}
+
+QList<ServiceCall> ServiceCall::introspections()
+{
+    return calls(true);
 }
 
 QStringList ServiceCall::rightAnswer() const

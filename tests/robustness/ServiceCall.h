@@ -8,7 +8,7 @@
 #include <QString>
 #include <QStringList>
 
-/// One call to the service that an operation makes: with several of its kind, the one with that number.
+/// A call to the service that an operation makes; `number` counts the operation's calls of one kind.
 struct ServiceCall
 {
     QString operation;
@@ -18,12 +18,13 @@ struct ServiceCall
     QString property;
     int number;
 
-    /// All calls of all operations of Operations, the proxies' introspection left out.
+    /// The calls of all operations except the introspection by new proxies.
     static QList<ServiceCall> all();
+    static QList<ServiceCall> introspections();
 
-    /// The arguments of the answer that the service of Scenario gives.
+    /// The arguments of the reply from the service of Scenario.
     QStringList rightAnswer() const;
 
-    /// Has the service do that with this call, and answer those before and after it.
+    /// Scripts the behaviour for this call, and the right reply for those before and after it.
     void script(ScriptedServiceProcess& service, const Behaviour& behaviour) const;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
@@ -21,9 +21,9 @@ namespace {
 
 const int cMebibyte = 1024 * 1024;
 const int cLongestSent = 64 * cMebibyte;
-/// An array may hold 64 MiB, of which the length of its text takes four bytes and the end one.
+/// An array is limited to 64 MiB, including four bytes for the string's length and one for its terminator.
 const int cLongestAction = 64 * cMebibyte - 5;
-/// Above 63 MiB libdbus stops reading until the message is gone, and Qt does not always notice the end of that.
+/// Above 63 MiB libdbus stops reading until the message is freed, and Qt sometimes misses that.
 const int cLongestReceived = 32 * cMebibyte;
 /// Variants in each other in an attribute, where D-Bus allows 64 containers: the array, the structure, the dictionary,
 /// its entry and the reply's variant are five of them.
@@ -33,13 +33,13 @@ struct Text
 {
     const char* name;
     QString value;
-    /// How the service gets it, as GVariant prints it.
+    /// The text as the service receives it, printed by GVariant.
     QString sent;
-    /// How it comes back where the service sends it in that form; a null string where it does not survive.
+    /// The text as read back from the service; null if it cannot be transferred.
     QString received;
 };
 
-// Long texts are told apart by their digests.
+// Long texts are compared by their digests.
 QString digest(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
@@ -82,8 +82,8 @@ QList<Text> texts(int longest)
 
 } // namespace
 
-/// Texts of every kind and size through every operation that takes or gives one, and collections of many.
-class StringTest : public ConnectorTest
+/// Texts of every kind and size through every operation with texts, and large collections.
+class StringTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -196,7 +196,7 @@ void StringTest::everyTextIsReceived()
     QFETCH(QString, value);
     QFETCH(QString, sent);
     QFETCH(QString, received);
-    // What the service can send is what it would have got.
+    // The service sends the form that it would have received.
     const QString inService =
         value.size() < cMebibyte ? sent : QStringLiteral("'%1' * %2").arg(value.front()).arg(value.size());
     Operations operations;
@@ -275,19 +275,19 @@ void StringTest::directoriesOfAnyNameAreSent()
         if (exists || text.value.isEmpty()) {
             QCOMPARE(result, std::optional<QString>(QStringLiteral("/shots/1.png")));
             QCOMPARE(mLog->takeTexts(), QStringList());
-            // The text is printed in quotes of either kind.
+            // GVariant prints single or double quotes.
             const QString folder = parent.path() + (text.value.isEmpty() ? QString() : QStringLiteral("/"));
             QCOMPARE(takeCall(), QString(text.sent).insert(1, folder));
             ++found;
         } else {
             QVERIFY(!result);
-            // After what Qt says of a NUL in a path.
+            // Qt may have warned of a NUL in the path.
             QVERIFY(mLog->takeTexts().last().startsWith(
                 QLatin1String("Unable to capture screenshot, store directory does not exists \"")));
             QCOMPARE(mService.takeCalls().size(), 0);
         }
     }
-    // Nothing, right to left, quotes and control characters, and a plane beyond the first at least.
+    // At least the empty, right-to-left, quoted and non-BMP texts.
     QVERIFY(found >= 4);
 }
 
@@ -352,7 +352,7 @@ void StringTest::attributesMayBeNestedAsDeepAsTheBusAllows()
         }
         const QList<TaskSwitcherEntry> views = taskSwitcher.getViews();
         if (views.isEmpty()) {
-            // The bus has thrown out the service.
+            // The bus has disconnected the service.
             QCOMPARE(mLog->takeTexts(), QStringList{QStringLiteral("Unable to read views!")});
             mService.kill();
             break;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorTest.h"
+#include "ConnectorFixture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "Scenario.h"
@@ -21,7 +21,7 @@ namespace {
 
 const char cFirstUse[] = "--first-use";
 
-/// What a thread gets on the first use of everything that is made once.
+/// The results of a thread's first use of all lazily initialised objects.
 struct FirstUse
 {
     static FirstUse make();
@@ -52,7 +52,7 @@ FirstUse FirstUse::make()
         TelvaroDeviceDistinction::isCompositorDevice()};
 }
 
-/// Prints how many threads have got the same.
+/// Prints the number of threads with identical results.
 int useFirst()
 {
     const std::size_t threadCount = 200;
@@ -92,7 +92,7 @@ int useFirst()
 } // namespace
 
 /// Connectors in many threads at once, each in the thread that owns it.
-class ThreadTest : public ConnectorTest
+class ThreadTest : public ConnectorFixture
 {
     Q_OBJECT
 
@@ -118,7 +118,8 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
     const int threadCount = 8;
     const int roundCount = 500;
     Scenario::set(mService);
-    // A thread takes a connector of another kind in every round. Starting processes is not what this is about.
+    // A thread takes a connector of another kind in every round. Process lookups are left out, since they only cost
+    // time.
     const QList<QStringList> rounds{
         {QStringLiteral("getViews"), QStringLiteral("getCurrentView"), QStringLiteral("setCurrentView"),
          QStringLiteral("iterateViews forward")},
@@ -136,7 +137,7 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
             for (int round = 0; round < roundCount; ++round) {
                 Operations operations;
                 for (const QString& operation : rounds.at((index + round) % rounds.size())) {
-                    const bool isRight = operations.perform(operation) == Scenario::result(operation);
+                    const bool isRight = operations.perform(operation) == Operations::result(operation);
                     ++(isRight ? rightCount : wrongCount);
                 }
             }
@@ -145,7 +146,7 @@ void ThreadTest::connectorsMayBeUsedInManyThreads()
     }
     while (running > 0) {
         QCoreApplication::processEvents();
-        // Else its record of all calls would grow.
+        // Keeps the service's record of calls small.
         mService.takeCalls();
     }
     for (std::thread& thread : threads) {

@@ -14,7 +14,7 @@ BusMonitorProcess::BusMonitorProcess()
 
 QList<RecordedCall> BusMonitorProcess::takeCalls()
 {
-    // Sent on the observed connection, the marker comes after everything that was sent before it.
+    // Messages of a connection are ordered, so the marker follows all earlier calls.
     const QString marker = QStringLiteral("Marker%1").arg(++mMarker);
     const QDBusConnection connection = PrivateBus::connection();
     connection.send(

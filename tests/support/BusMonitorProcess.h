@@ -7,13 +7,13 @@
 
 #include <QList>
 
-/// Sees every message on the bus, those to the bus daemon included.
+/// A bus monitor process, which sees calls to the bus daemon, too.
 class BusMonitorProcess : public SteeredProcess
 {
 public:
     BusMonitorProcess();
 
-    /// All calls of this process's shared connection since the last time.
+    /// Takes all calls of this process's shared connection since the last time.
     QList<RecordedCall> takeCalls();
 
 private:

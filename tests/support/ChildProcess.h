@@ -4,35 +4,35 @@
 
 #include <QProcess>
 
-/// A program of a test's own that never outlives the test program, however that ends.
+/// A child process that dies with the test program.
 class ChildProcess : public QProcess
 {
     Q_OBJECT
 
 public:
-    /// How long anything that a test waits for may take; far more than it needs on a busy machine.
+    /// The deadline for every wait, generous for a busy machine.
     static constexpr int cDeadline = 20000;
 
     explicit ChildProcess(QObject* parent = nullptr);
     ~ChildProcess() override;
 
-    /// Path of one of the programs of the test service. They are native programs also where the tests themselves run
-    /// under emulation: the environment variable TELVARO_SERVICE_PROGRAMS names their directory then.
+    /// The path of a service program, which is native even if the tests run under emulation: the environment variable
+    /// TELVARO_SERVICE_PROGRAMS then names its directory.
     static QString serviceProgram(const QString& name);
 
-    /// Starts the program; throws std::runtime_error where it cannot be.
+    /// Starts the program; throws std::runtime_error on a failure.
     void run(const QString& program, const QStringList& arguments = {});
 
-    /// Waits for a line of standard output; false where none comes.
+    /// Waits for a line of standard output; returns false on a timeout.
     bool waitForOutputLine(int milliseconds = cDeadline);
 
-    /// The next line of standard output, without the line break. Throws std::runtime_error where none comes.
+    /// Returns the next line of standard output without its line break. Throws std::runtime_error on a timeout.
     QByteArray readOutputLine();
 
-    /// Ends the program at once and waits until it is gone.
+    /// Kills the program and waits for its end.
     void end();
 
-    /// Stops the program from doing anything; returns once it has stopped.
+    /// Sends SIGSTOP; returns once the program has stopped.
     void freeze();
     void thaw();
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 
-// Linked into the test programs that run under qemu's user emulation. Qt asks the kernel for process descriptors and
-// then starts processes by them; the emulation passes the question on but refuses the start. So the answer is "no".
+// Linked into the test programs that run under qemu's user emulation. Qt probes the kernel for process descriptors and
+// then uses them to start processes; the emulation forwards the probe but rejects the use, so the probe must fail.
 
 #include <cerrno>
 #include <cstdarg>

@@ -15,7 +15,7 @@ QString attribute(const QXmlStreamReader& reader, const char* name)
     return reader.attributes().value(QLatin1String(name)).toString();
 }
 
-// Of a string as GVariant prints it.
+// The content of a string as GVariant prints it.
 QString unquoted(const QString& text)
 {
     return text.mid(1, text.size() - 2);

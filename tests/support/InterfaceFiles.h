@@ -8,14 +8,14 @@
 #include <QString>
 #include <QStringList>
 
-/// The wire as the interface files describe it.
+/// The interface files in dbus/.
 class InterfaceFiles
 {
 public:
     /// Throws std::runtime_error on a file that cannot be read.
     InterfaceFiles();
 
-    /// What is wrong with a call to the service, by the files; empty where nothing is.
+    /// Describes how a call to the service violates the files; empty if it does not.
     QString problem(const RecordedCall& call) const;
 
     /// "<interface>.<method>" of all methods and "<interface>:<property>" of all properties.

@@ -7,7 +7,7 @@
 #include <QStringList>
 #include <QtGlobal>
 
-/// One message of Qt's logging, with the place that it comes from.
+/// A message of Qt's logging with its context.
 struct LogMessage
 {
     QtMsgType type;
@@ -18,7 +18,7 @@ struct LogMessage
     QString text;
 };
 
-/// Keeps every message that is logged while it lives, from any thread, away from the terminal. One at a time.
+/// A Qt message handler that records the messages of all threads during its lifetime. One instance at a time.
 class LogCapture
 {
 public:
@@ -27,17 +27,17 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    /// The messages since the last time, which are read with it.
+    /// Takes the messages since the last time.
     QList<LogMessage> take();
 
-    /// As above, of each its text only.
+    /// As above, only the texts.
     QStringList takeTexts();
 
-    /// As above, of each all that can be foretold, "warning default File.cpp Class::operation(arguments) text": the
-    /// line is left out where it is positive, blanks within the function's signature and its result type are dropped.
+    /// As above, with the predictable part of the context, "warning default File.cpp Class::operation(arguments) text":
+    /// without the line number if it is positive, and without the result type and blanks in the signature.
     QStringList takeDescriptions();
 
-    /// A text as it stands in a message to which it was streamed: in double quotes, escaped.
+    /// A text as QDebug prints it, in double quotes and escaped.
     static QString quoted(const QString& text);
 
 private:

@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: The Telvaro authors
 
 # Makes this machine the compositor device for a library that looks for its manifest in the build folder; a manifest
-# anywhere else is the machine's own and is only looked at.
+# anywhere else belongs to the machine and is only checked.
 string(FIND "${MANIFEST}" "${BUILD_DIRECTORY}/" position)
 if(position EQUAL 0)
     configure_file("${COMPOSITOR_DEVICE}" "${MANIFEST}" COPYONLY)

@@ -4,19 +4,15 @@
 
 #include <QCoreApplication>
 #include <QDBusMessage>
-#include <QFile>
-
-#include <stdexcept>
 
 PrivateBus::PrivateBus()
 {
-    const QString configuration = mDirectory.filePath(QStringLiteral("bus.conf"));
-    writeConfiguration(configuration);
     mDaemon.setProcessChannelMode(QProcess::SeparateChannels);
     mDaemon.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
     mDaemon.run(QStringLiteral("dbus-daemon"),
                 {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                 QStringLiteral("--config-file=") + configuration});
+                 QStringLiteral("--config-file=" TELVARO_BUS_CONFIGURATION),
+                 QStringLiteral("--address=unix:dir=") + mDirectory.path()});
     setAddress(mDaemon.readOutputLine());
 }
 
@@ -38,7 +34,7 @@ QDBusConnection PrivateBus::connection()
 
 void PrivateBus::synchronise()
 {
-    // What the bus has sent before an answer is queued for its receivers in this process before the answer is here.
+    // Messages are ordered: everything that the bus has sent before this reply is queued in this process.
     const QDBusMessage query =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
@@ -53,9 +49,9 @@ void PrivateBus::deliver()
     QCoreApplication::processEvents();
 }
 
-// From the first turn of the event loop on Qt's own thread notes the names of this process, without the lock under
-// which a call to a service reads them. When the bus itself, for which they are not read, has answered twice, the first
-// of them is noted.
+// From the first turn of the event loop on, Qt's thread stores the names of this process without the lock under which
+// calls to a service read them. Two replies from the bus itself, for which the names are not read, ensure that the
+// first name has been stored.
 bool PrivateBus::waitForNames()
 {
     synchronise();
@@ -83,36 +79,4 @@ void PrivateBus::freeze()
 void PrivateBus::thaw()
 {
     mDaemon.thaw();
-}
-
-// The limits are those of an ordinary session bus.
-void PrivateBus::writeConfiguration(const QString& path) const
-{
-    QFile file(path);
-    const QString configuration = QStringLiteral(R"(<!DOCTYPE busconfig PUBLIC
- "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN" "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:dir=%1</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-  <limit name="max_incoming_bytes">1000000000</limit>
-  <limit name="max_outgoing_bytes">1000000000</limit>
-  <limit name="max_message_size">1000000000</limit>
-  <limit name="max_completed_connections">100000</limit>
-  <limit name="max_incomplete_connections">10000</limit>
-  <limit name="max_connections_per_user">100000</limit>
-  <limit name="max_names_per_connection">50000</limit>
-  <limit name="max_match_rules_per_connection">50000</limit>
-  <limit name="max_replies_per_connection">50000</limit>
-</busconfig>
-)")
-                                      .arg(mDirectory.path());
-    if (!file.open(QIODevice::WriteOnly) || file.write(configuration.toUtf8()) < 0) {
-        throw std::runtime_error("cannot write " + path.toStdString());
-    }
 }

@@ -7,41 +7,40 @@
 #include <QDBusConnection>
 #include <QTemporaryDir>
 
-/// A bus daemon of this process's own, with no services to start, on which anybody may do anything. Both the session
-/// and the system bus address of this process and its children name it, so that nothing here ever reaches a bus of the
-/// machine. To be made before Qt touches a bus.
+/// A private bus daemon without activatable services or access restrictions. The session and system bus addresses of
+/// this process and its children point to it, so that no test ever reaches a bus of the machine. Must be constructed
+/// before Qt connects to a bus.
 class PrivateBus
 {
 public:
     PrivateBus();
 
     static QString address();
-    /// Has this process, and those that it starts, take the bus at the address for the session's and the system's.
+    /// Sets the session and system bus addresses of this process and its children.
     static void setAddress(const QByteArray& address);
 
     /// This process's shared connection to the bus, the one that the library uses.
     static QDBusConnection connection();
 
-    /// Returns once the bus has handled all that this process has sent, and this process has all that the bus had for
-    /// it by then, waiting in its event loop.
+    /// Makes a round trip: the bus has handled all messages of this process, and its messages are queued in the event
+    /// loop.
     static void synchronise();
 
-    /// As above, and delivers it.
+    /// As above, and delivers the queued messages.
     static void deliver();
 
     /// The daemon's process.
     qint64 processId() const;
 
-    /// Ends the daemon, as a crash of it would, and waits until it is gone.
+    /// Kills the daemon and waits for its end.
     void kill();
 
-    /// Stops the daemon from doing anything.
+    /// Stops the daemon with SIGSTOP.
     void freeze();
     void thaw();
 
 private:
     static bool waitForNames();
-    void writeConfiguration(const QString& path) const;
 
     QTemporaryDir mDirectory;
     ChildProcess mDaemon;

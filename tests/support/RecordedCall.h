@@ -8,7 +8,7 @@
 
 class QJsonArray;
 
-/// A method call as it was seen on the bus; arguments are texts in GVariant's text format, with type annotations.
+/// A method call recorded on the bus; arguments are in GVariant's text format, with type annotations.
 struct RecordedCall
 {
     QString sender;

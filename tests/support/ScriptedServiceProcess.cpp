@@ -223,7 +223,7 @@ void ScriptedServiceProcess::setLate(const QList<int>& delays)
 
 void ScriptedServiceProcess::emitSignal(const ServiceSignal& signal, int count)
 {
-    // Subscriptions of this process that are on their way come first.
+    // Pending subscriptions of this process must be handled first.
     PrivateBus::synchronise();
     QJsonObject emission = signal.toJson();
     emission.insert(QStringLiteral("command"), QStringLiteral("emit"));

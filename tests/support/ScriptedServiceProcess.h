@@ -14,7 +14,7 @@ struct ServiceSignal
     QString interface;
     QString member;
     QStringList arguments;
-    /// Everybody, where empty.
+    /// A broadcast if empty.
     QString destination = {};
     int count = 1;
 
@@ -24,23 +24,23 @@ struct ServiceSignal
     QJsonObject toJson() const;
 };
 
-/// What the service does with one call.
+/// The service's behaviour for one call.
 class Behaviour
 {
 public:
     static Behaviour reply(const QStringList& arguments = {});
     static Behaviour error(const QString& name, const QString& message);
     static Behaviour silence();
-    /// What the service does where nothing is scripted.
+    /// What the service does unless a reply is scripted.
     static Behaviour plain();
-    /// Ends the service's process before it answers.
+    /// Ends the service's process instead of replying.
     static Behaviour exit();
-    /// Ends another process instead of answering.
+    /// Kills the process instead of replying.
     static Behaviour killing(qint64 processId);
 
-    /// The same, that many milliseconds later.
+    /// The same behaviour after a delay.
     Behaviour after(int milliseconds) const;
-    /// The same, and a signal just before.
+    /// The same behaviour, preceded by a signal.
     Behaviour withSignal(const ServiceSignal& signal) const;
 
     QJsonObject toJson() const;
@@ -51,8 +51,8 @@ private:
     QJsonObject mDescription;
 };
 
-/// The compositor service of the tests, in a process of its own. Once started it has the objects of the interface
-/// files and answers like a plain service: the screen is on, "0" degrees, not full; there are no views; every method
+/// The compositor service of the tests, in a process of its own. Once started, it has the objects of the interface
+/// files and the state of a plain service: the screen is on, "0" degrees, not full; there are no views; every method
 /// succeeds. Tests change what they need.
 class ScriptedServiceProcess : public SteeredProcess
 {
@@ -62,7 +62,7 @@ public:
     /// Starts the process, without its bus name.
     void start() override;
 
-    /// Back to the answers of a plain service; forgets the calls.
+    /// Resets the state to that of a plain service and drops the recorded calls.
     void reset();
 
     void own(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
@@ -83,19 +83,18 @@ public:
     void setViews(const QString& value);
     void setCurrentView(const QString& uuid);
 
-    /// A stateful service stores what is written to a property and signals it.
+    /// A stateful service stores written properties and emits PropertiesChanged.
     void setStateful(bool enabled);
 
-    /// A late service sends the answers to Get and Set, if they are not scripted, that many milliseconds after it has
-    /// made them; it goes through the list of delays over and over.
+    /// Delays the service's replies to Get and Set, unless they are scripted, by these milliseconds in turn.
     void setLate(const QList<int>& delays);
 
-    /// Returns once the bus has handed the signals on.
+    /// Returns once the bus has forwarded the signals.
     void emitSignal(const ServiceSignal& signal, int count = 1);
 
-    /// All calls since the last time.
+    /// Takes all calls since the last time.
     QList<RecordedCall> takeCalls();
-    /// As above, of each its description only.
+    /// As above, only the descriptions.
     QStringList takeDescriptions();
 
     QString uniqueName();

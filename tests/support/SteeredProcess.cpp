@@ -41,7 +41,7 @@ bool SteeredProcess::isRunning()
     if (mProcess.state() == QProcess::NotRunning) {
         return false;
     }
-    // One that is just ending still counts as a process, but does not answer.
+    // A process that is ending still has a state, but does not reply.
     send({{QStringLiteral("command"), QStringLiteral("ping")}});
     if (!mProcess.waitForOutputLine()) {
         return false;

@@ -6,7 +6,7 @@
 
 #include <QJsonObject>
 
-/// A program that takes commands and gives answers as JSON objects, one per line.
+/// A child process with commands and replies as JSON objects, one per line.
 class SteeredProcess
 {
 public:
@@ -15,33 +15,34 @@ public:
     SteeredProcess(const SteeredProcess&) = delete;
     SteeredProcess& operator=(const SteeredProcess&) = delete;
 
-    /// Starts the program, after kill() or the end of the program also anew, and waits until it is ready.
+    /// Starts or restarts the program and waits until it is ready.
     virtual void start();
 
-    /// Ends it without a chance to say goodbye, and waits until it is gone.
+    /// Kills the program and waits for its end.
     void kill();
 
-    /// Stops it from doing anything; returns once it has stopped.
+    /// Sends SIGSTOP; returns once the program has stopped.
     void freeze();
     void thaw();
 
-    /// Whether it is there and takes commands.
+    /// Whether the program runs and replies.
     bool isRunning();
 
-    /// Sends a command and waits for its answer. Throws std::runtime_error on an answer that is an error.
+    /// Sends a command and waits for its reply. Throws std::runtime_error on an error reply.
     QJsonObject command(const QJsonObject& command);
 
 protected:
-    /// The two halves of command(), for what a test does between them.
+    /// The two halves of command().
     void send(const QJsonObject& command);
     QJsonObject readAnswer();
-    /// Whether there is an answer, after a wait of at most that long.
+    /// Waits for a reply; returns false on a timeout.
     bool waitForAnswer(int milliseconds = ChildProcess::cDeadline);
 
     qint64 processId() const;
 
+    ChildProcess mProcess;
+
 private:
     QString mProgram;
     QStringList mArguments;
-    ChildProcess mProcess;
 };

@@ -4,6 +4,6 @@
 
 void prepareTestEnvironment()
 {
-    // Programs' output is decoded alike on every machine.
+    // Output is decoded with the same locale on every machine.
     qputenv("LC_ALL", "C.UTF-8");
 }

@@ -7,7 +7,7 @@
 #include <QCoreApplication>
 #include <QTest>
 
-/// What every test program sets before Qt looks at it.
+/// Sets the environment of a test program; to be called before Qt reads it.
 void prepareTestEnvironment();
 
 template <typename Test> int runOnPrivateBus(int argc, char** argv)
@@ -19,7 +19,7 @@ template <typename Test> int runOnPrivateBus(int argc, char** argv)
     return QTest::qExec(&test, argc, argv);
 }
 
-/// The main function of a test program whose test functions find a bus of their own.
+/// Defines the main function of a test program with a private bus.
 #define TELVARO_TEST_MAIN(Test)                                                                                        \
     int main(int argc, char** argv)                                                                                    \
     {                                                                                                                  \

@@ -15,9 +15,9 @@ QString string(const QString& value);
 QString strings(const QStringList& values);
 QString variant(const QString& value);
 
-/// A structure (ssssssuua{sv}); attributes of the type QString only.
+/// A structure (ssssssuua{sv}) with attributes of type QString only.
 QString view(const TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry& entry);
-/// An array of such structures, the empty one included.
+/// An array of such structures, typed even if empty.
 QString views(const QList<TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry>& entries);
 
 } // namespace ValueText

@@ -19,7 +19,7 @@
 
 namespace {
 
-// Of the last warning.
+// The file of the last warning.
 const char* file = nullptr;
 
 void keepFile(QtMsgType, const QMessageLogContext& context, const QString&)
@@ -29,7 +29,7 @@ void keepFile(QtMsgType, const QMessageLogContext& context, const QString&)
 
 } // namespace
 
-// Runs without a bus: the library is there, its classes can be made and their warnings say where they come from.
+// Runs without a bus: the library loads, its classes can be constructed and their warnings carry their context.
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);

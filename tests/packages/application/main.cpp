@@ -14,6 +14,6 @@ int main(int argc, char** argv)
     std::printf("device %d, interface %d, views %d\n", TelvaroDeviceDistinction::isCompositorDevice(),
                 connector.isInterfaceValid(), connector.getViews().size());
     std::fflush(stdout);
-    // With an argument it stays, to be looked at, until its input ends.
+    // With an argument the process stays until its standard input ends.
     return argc > 1 && std::getchar() != EOF ? 1 : 0;
 }

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "CommandLine.h"
+
+#include "Printable.h"
+
+#include <QTextStream>
+
+#include <algorithm>
+
+namespace {
+
+const QString cHelp = QStringLiteral("help");
+const QString cVersion = QStringLiteral("version");
+
+/// Returns the option as the help shows it: "-h, --help" or "--size WIDTHxHEIGHT".
+QString syntaxOf(const QCommandLineOption& option)
+{
+    QStringList names;
+    const QStringList optionNames = option.names();
+    for (const QString& name : optionNames) {
+        names.append((name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name);
+    }
+    const QString syntax = names.join(QStringLiteral(", "));
+    return option.valueName().isEmpty() ? syntax : syntax + QLatin1Char(' ') + option.valueName();
+}
+
+} // namespace
+
+CommandLine::CommandLine(Kind kind, const Text& text, const QList<QCommandLineOption>& options)
+    : mKind(kind)
+    , mText(text)
+    , mOptions(options)
+{
+    mOptions.append({{QStringLiteral("h"), cHelp}, QStringLiteral("Prints this help and exits.")});
+    if (kind == Kind::Program) {
+        mOptions.append({{QStringLiteral("v"), cVersion}, QStringLiteral("Prints the version and exits.")});
+        mParser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    }
+    mParser.addOptions(mOptions);
+}
+
+std::optional<ExitStatus> CommandLine::parse(const QStringList& arguments)
+{
+    if (!mParser.parse(QStringList(mText.command) + arguments)) {
+        return refuse(mText.command, mParser.errorText());
+    }
+    if (mParser.isSet(cHelp)) {
+        QTextStream(stdout) << helpText();
+        return Done;
+    }
+    if (mKind == Kind::Program && mParser.isSet(cVersion)) {
+        QTextStream(stdout) << mText.command << ' ' << TELVARO_VERSION << '\n';
+        return Done;
+    }
+    return {};
+}
+
+ExitStatus CommandLine::refuse(const QString& command, const QString& message)
+{
+    const QString program = command.section(QLatin1Char(' '), 0, 0);
+    QTextStream(stderr) << program << ": " << printable(message) << '\n'
+                        << program << ": see '" << command << " --help'\n";
+    return Usage;
+}
+
+QString CommandLine::helpText() const
+{
+    int width = 0;
+    for (const QCommandLineOption& option : mOptions) {
+        width = std::max(width, syntaxOf(option).size());
+    }
+    QString text =
+        QStringLiteral("Usage: %1 %2\n\n%3\n\nOptions:\n").arg(mText.command, mText.synopsis, mText.description);
+    const QString nextLine = QLatin1Char('\n') + QString(width + 4, QLatin1Char(' '));
+    for (const QCommandLineOption& option : mOptions) {
+        text +=
+            QStringLiteral("  %1  %2\n")
+                .arg(syntaxOf(option).leftJustified(width), option.description().replace(QLatin1Char('\n'), nextLine));
+    }
+    return mText.notes.isEmpty() ? text : text + QLatin1Char('\n') + mText.notes + QLatin1Char('\n');
+}
