@@ -2,58 +2,23 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "UnixSignals.h"
 
 #include <TelvaroDBusDefinitions.h>
 #include <TelvaroScreen.h>
 #include <TelvaroTaskSwitcher.h>
 
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QObject>
-#include <QSocketNotifier>
 #include <QString>
 
 #include <array>
-#include <csignal>
-
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace {
-
-/// A descriptor that becomes readable when the user or the system asks the program to end, instead of ending it.
-class InterruptDescriptor
-{
-public:
-    InterruptDescriptor()
-    {
-        sigset_t interrupts;
-        sigemptyset(&interrupts);
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            sigaddset(&interrupts, signal);
-        }
-        // Before Qt's D-Bus thread starts, which inherits the mask.
-        ::pthread_sigmask(SIG_BLOCK, &interrupts, nullptr);
-        mDescriptor = ::signalfd(-1, &interrupts, SFD_CLOEXEC);
-    }
-
-    ~InterruptDescriptor()
-    {
-        ::close(mDescriptor);
-    }
-
-    Q_DISABLE_COPY(InterruptDescriptor)
-
-    int get() const
-    {
-        return mDescriptor;
-    }
-
-private:
-    int mDescriptor;
-};
 
 void report(bool asJson, const char* signal, const QJsonValue& value)
 {
@@ -72,6 +37,8 @@ void report(bool asJson, const char* signal, const QJsonValue& value)
 /// Prints what changes in the service, by the names of the connectors' signals, whenever its state is known.
 class Watch : public QObject
 {
+    Q_OBJECT
+
 public:
     explicit Watch(bool asJson)
         : mAsJson(asJson)
@@ -80,6 +47,10 @@ public:
         for (const TelvaroLiveObject* const object : objects) {
             connect(object, &TelvaroLiveObject::statusChanged, this, &Watch::onStatusChanged);
         }
+        // To the live objects the end of the bus is that of the service, which may be absent already.
+        bus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                      QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                      SLOT(onDisconnected()));
         connect(&mTaskSwitcher, &TelvaroTaskSwitcher::viewsChanged, this, [this] {
             reportChange(mTaskSwitcher, "viewsChanged", QJsonValue::Undefined);
         });
@@ -97,10 +68,15 @@ public:
         });
     }
 
-    /// A live object that has nobody to ask is absent from the start.
-    static bool hasBus()
+    static QDBusConnection bus()
     {
-        return TelvaroLiveObject().getStatus() != TelvaroLiveObject::Absent;
+        return QDBusConnection::TELVARO_BUS();
+    }
+
+private Q_SLOTS:
+    void onDisconnected()
+    {
+        QCoreApplication::exit(Failed);
     }
 
 private:
@@ -119,9 +95,7 @@ private:
         if (mService.getStatus() == TelvaroLiveObject::Loading || isThere != isKnown) {
             return;
         }
-        if (!isThere && !hasBus()) {
-            QCoreApplication::exit(Failed);
-        } else if (!mIsAnnounced) {
+        if (!mIsAnnounced) {
             mIsAnnounced = true;
             printError(QStringLiteral("watching %1").arg(TelvaroDBusDefinitions::getServiceName()));
         } else if (isKnown != mIsServiceKnown) {
@@ -151,13 +125,19 @@ ExitStatus watch(const QCommandLineParser& parser, const QStringList& arguments)
     if (!isOnCompositorDevice()) {
         return Failed;
     }
-    const InterruptDescriptor interrupt;
-    QSocketNotifier interruptNotifier(interrupt.get(), QSocketNotifier::Read);
-    QObject::connect(&interruptNotifier, &QSocketNotifier::activated, QCoreApplication::instance(),
+    // Before Qt's D-Bus thread starts.
+    UnixSignals::block();
+    const UnixSignals unixSignals;
+    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
                      &QCoreApplication::quit);
 
+    // Qt aborts where a closed connection is subscribed to.
+    if (!Watch::bus().isConnected()) {
+        printError(QStringLiteral("there is no bus"));
+        return Failed;
+    }
     const Watch watch(isJsonWanted(parser));
-    if (!Watch::hasBus() || QCoreApplication::exec() != Done) {
+    if (QCoreApplication::exec() != Done) {
         printError(QStringLiteral("there is no bus"));
         return Failed;
     }
@@ -175,3 +155,5 @@ QList<Command> watchCommands()
          jsonOption, watch},
     };
 }
+
+#include "WatchCommand.moc"
