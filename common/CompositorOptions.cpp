@@ -6,6 +6,11 @@ QList<QCommandLineOption> CompositorOptions::declarations()
 {
     return {
         {cSize, QStringLiteral("Size of the output in pixels; by default 1024x600."), QStringLiteral("WIDTHxHEIGHT")},
+        {cTurnWindow,
+         QStringLiteral("Turns the window with the screen's orientation, so that its\ncontents stand upright.")},
+        {cTouch, QStringLiteral("Makes the mouse a finger, with Ctrl held a pair of fingers.")},
+        {cKeyboardLayout, QStringLiteral("Keyboard layout of the applications, as \"de\" or\n\"de(nodeadkeys)\"."),
+         QStringLiteral("LAYOUT")},
         {cScreenSaverTimeout,
          QStringLiteral("Seconds without input until the screen saver starts,\n0 for never; by default 300."),
          QStringLiteral("SECONDS")},

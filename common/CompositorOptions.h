@@ -10,6 +10,9 @@
 namespace CompositorOptions {
 
 const QString cSize = QStringLiteral("size");
+const QString cKeyboardLayout = QStringLiteral("keyboard-layout");
+const QString cTouch = QStringLiteral("touch");
+const QString cTurnWindow = QStringLiteral("turn-window");
 const QString cScreenSaverTimeout = QStringLiteral("screensaver-timeout");
 const QString cScript = QStringLiteral("script");
 

@@ -9,6 +9,8 @@
 
 #include <QDir>
 #include <QStandardPaths>
+#include <QWaylandKeymap>
+#include <QWaylandSeat>
 
 namespace {
 
@@ -37,6 +39,7 @@ Compositor::Compositor(Options options)
     , mNotificationsObject(mNotificationCenter, mCallGate)
     , mScriptPlayer(mOptions.script, mViews, mScreenSaver, mCallGate, mBusService)
 {
+    mOutput.setWindowTurning(mOptions.isWindowTurning);
     mScene.addLayer(&mBackground);
     mScene.addLayer(&mWindowStack);
     mScene.addLayer(&mStatusBar);
@@ -71,10 +74,20 @@ MaybeError Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    mSeatInput = std::make_unique<SeatInput>(
-        mServer.defaultSeat(), mServer.guard(), mServer.drag(), mWindowStack,
-        SeatInput::Layers{{&mMenu, &mNotificationCards, &mStatusBar}, mMenu, mCommands}, mScreenSaver, mWindow);
-    mWindow.setInput(mSeatInput.get());
+    const QVector<InputLayer*> inputLayers{&mMenu, &mNotificationCards, &mStatusBar};
+    QWaylandSeat* const seat = mServer.defaultSeat();
+    mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
+                                             SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
+    if (!mOptions.keyboardLayout.name.isEmpty()) {
+        seat->keymap()->setLayout(mOptions.keyboardLayout.name);
+        seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
+    }
+    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mOptions.keyboardLayout);
+    mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
+    mWindow.setInput(mSeatInput.get(), mTouchInput.get());
+    if (mOptions.isMouseFinger) {
+        mWindow.useMouseAsFinger();
+    }
     if (mOptions.isFullScreenWindow) {
         mWindow.showFullScreen();
     } else {

@@ -18,9 +18,11 @@
 #include "shell/NotificationCards.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
+#include "shell/ScanCodeCompleter.h"
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/StatusBar.h"
+#include "shell/TouchInput.h"
 #include "shell/WindowStack.h"
 #include "state/NotificationCenter.h"
 #include "state/Output.h"
@@ -76,6 +78,8 @@ private:
 
     WaylandServer mServer;
     std::unique_ptr<SeatInput> mSeatInput;
+    std::unique_ptr<TouchInput> mTouchInput;
+    std::unique_ptr<ScanCodeCompleter> mScanCodeCompleter;
 
     CallGate mCallGate;
     TaskSwitcherObject mTaskSwitcherObject;

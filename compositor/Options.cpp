@@ -82,10 +82,17 @@ Result<Options> Options::read(const QCommandLineParser& parser)
 {
     Options options;
     options.isFullScreenWindow = parser.isSet(cFullScreenWindow);
+    options.isWindowTurning = parser.isSet(CompositorOptions::cTurnWindow);
+    options.isMouseFinger = parser.isSet(CompositorOptions::cTouch);
+    if (options.isFullScreenWindow && options.isWindowTurning) {
+        return Error{
+            QStringLiteral("--%1 and --%2 exclude each other").arg(cFullScreenWindow, CompositorOptions::cTurnWindow)};
+    }
     for (const MaybeError& error :
          {assign(parser, CompositorOptions::cSize, readSize, &options.size),
           assign(parser, cSocket, readSocketName, &options.socketName),
           assign(parser, CompositorOptions::cScreenSaverTimeout, readSeconds, &options.screenSaverTimeoutSeconds),
+          assign(parser, CompositorOptions::cKeyboardLayout, Keymap::readLayout, &options.keyboardLayout),
           assign(parser, CompositorOptions::cScript, ScriptFile::read, &options.script)}) {
         if (error) {
             return *error;

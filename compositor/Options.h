@@ -4,6 +4,7 @@
 
 #include "Result.h"
 #include "script/Script.h"
+#include "shell/Keymap.h"
 
 #include <QByteArray>
 #include <QCommandLineOption>
@@ -20,6 +21,9 @@ struct Options
     QByteArray socketName;
     int screenSaverTimeoutSeconds = 300;
     bool isFullScreenWindow = false;
+    bool isWindowTurning = false;
+    bool isMouseFinger = false;
+    Keymap::Layout keyboardLayout;
     /// Empty where no script is given.
     Script::Plan script;
 

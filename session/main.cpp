@@ -29,7 +29,10 @@ QStringList compositorArguments(const QCommandLineParser& parser)
     const QList<QCommandLineOption> options = CompositorOptions::declarations();
     for (const QCommandLineOption& option : options) {
         if (parser.isSet(option)) {
-            arguments << QStringLiteral("--%1").arg(option.names().constFirst()) << parser.value(option);
+            arguments.append(QStringLiteral("--%1").arg(option.names().constFirst()));
+            if (!option.valueName().isEmpty()) {
+                arguments.append(parser.value(option));
+            }
         }
     }
     return arguments;

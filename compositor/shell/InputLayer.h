@@ -4,7 +4,8 @@
 
 #include "shell/SceneLayer.h"
 
-class QPoint;
+#include <QPointF>
+#include <QVector>
 
 /// A layer that receives presses, of the pointer or of a finger, before the clients do.
 class InputLayer : public SceneLayer
@@ -15,4 +16,7 @@ public:
     virtual void press(const QPoint& position) = 0;
     /// Ends a press; triggers what was pressed if `position` is still on it.
     virtual void release(const QPoint& position) = 0;
+
+    /// Returns the first of `layers` that contains `position`; null when none does.
+    static InputLayer* at(const QVector<InputLayer*>& layers, const QPointF& position);
 };

@@ -10,6 +10,7 @@
 class Output;
 class Scene;
 class SeatInput;
+class TouchInput;
 
 /// The window on the desktop that stands for the device's display. Paints the damage of the scene, at most sixty times
 /// a second and not at all while nothing changes, and passes input on.
@@ -20,9 +21,15 @@ class OutputWindow : public QWindow
 public:
     OutputWindow(Output& output, Scene& scene);
 
-    void setInput(SeatInput* input)
+    void setInput(SeatInput* input, TouchInput* touchInput)
     {
         mInput = input;
+        mTouchInput = touchInput;
+    }
+    /// Makes the left button of the mouse a finger, and with Ctrl held a pair of fingers, opposite each other.
+    void useMouseAsFinger()
+    {
+        mMouseIsFinger = true;
     }
 
 Q_SIGNALS:
@@ -39,15 +46,22 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void touchEvent(QTouchEvent* event) override;
     bool event(QEvent* event) override;
 
 private:
     void scheduleFrame();
     void paintFrame();
+    /// Returns whether the event was a finger's.
+    bool touchByMouse(const QMouseEvent* event, Qt::TouchPointState state);
 
     Output& mOutput;
     Scene& mScene;
     SeatInput* mInput = nullptr;
+    TouchInput* mTouchInput = nullptr;
+    bool mMouseIsFinger = false;
+    /// While the mouse is a finger that is down.
+    int mMouseFingers = 0;
     QBackingStore mBackingStore;
     QTimer mFrameTimer;
     QElapsedTimer mSinceFrame;

@@ -3,7 +3,6 @@
 #include "shell/Scene.h"
 
 #include "shell/SceneLayer.h"
-#include "state/Output.h"
 #include "state/ScreenSaver.h"
 
 #include <QPainter>
@@ -37,13 +36,13 @@ QRegion Scene::update()
     return mOutput.toWindow().map(damage);
 }
 
-void Scene::paint(QPainter* painter) const
+void Scene::paint(QPainter* painter, const QSize& size, const QTransform& transform) const
 {
     if (mScreenSaver.isActive()) {
-        painter->fillRect(QRect(QPoint(), mOutput.physicalSize()), Qt::black);
+        painter->fillRect(QRect(QPoint(), size), Qt::black);
         return;
     }
-    painter->setTransform(mOutput.toWindow(), true);
+    painter->setTransform(transform, true);
     for (const SceneLayer* layer : mLayers) {
         painter->save();
         layer->paint(painter);
@@ -56,6 +55,6 @@ QImage Scene::toImage()
     updateLayers();
     QImage image(mOutput.physicalSize(), QImage::Format_RGB32);
     QPainter painter(&image);
-    paint(&painter);
+    paint(&painter, mOutput.physicalSize(), mOutput.toDisplay());
     return image;
 }

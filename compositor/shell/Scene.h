@@ -2,12 +2,13 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "state/Output.h"
+
 #include <QImage>
 #include <QObject>
 #include <QRegion>
 #include <QVector>
 
-class Output;
 class QPainter;
 class SceneLayer;
 class ScreenSaver;
@@ -37,7 +38,11 @@ public:
     /// Updates the layers and returns what has changed since the last call, in the window's coordinates.
     QRegion update();
     /// Paints on a device of the window's size.
-    void paint(QPainter* painter) const;
+    void paint(QPainter* painter) const
+    {
+        paint(painter, mOutput.windowSize(), mOutput.toWindow());
+    }
+    /// Returns what the display of the device shows.
     QImage toImage();
 
 Q_SIGNALS:
@@ -45,6 +50,7 @@ Q_SIGNALS:
 
 private:
     void updateLayers();
+    void paint(QPainter* painter, const QSize& size, const QTransform& transform) const;
 
     const Output& mOutput;
     const ScreenSaver& mScreenSaver;

@@ -50,14 +50,6 @@ void SeatInput::noteRelease()
     }
 }
 
-InputLayer* SeatInput::layerAt(const QPointF& position) const
-{
-    const auto found = std::find_if(mLayers.pointer.cbegin(), mLayers.pointer.cend(), [&position](InputLayer* layer) {
-        return layer->contains(position.toPoint());
-    });
-    return found == mLayers.pointer.cend() ? nullptr : *found;
-}
-
 bool SeatInput::wakesScreen()
 {
     const bool wasAsleep = mScreenSaver.isActive();
@@ -82,7 +74,7 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
         return;
     }
     if (!mPressedButtons) {
-        mPressedLayer = layerAt(position);
+        mPressedLayer = InputLayer::at(mLayers.pointer, position);
         if (mPressedLayer != nullptr) {
             mStack.dismissPopups();
             mPressedLayer->press(position.toPoint());
@@ -168,7 +160,7 @@ void SeatInput::key(QKeyEvent* event)
         || mSeat->keyboardFocus() == nullptr) {
         return;
     }
-    if (window->admitEvent()) {
+    if (code != 0 && window->admitEvent()) {
         mPressedKeys.insert(code);
         mSeat->sendFullKeyEvent(event);
     }
@@ -198,7 +190,7 @@ bool SeatInput::takesKey(QKeyEvent* event)
 void SeatInput::releaseKeys()
 {
     mLayers.menu.close();
-    for (const quint32 code : std::exchange(mPressedKeys, QSet<quint32>())) {
+    for (const quint32 code : std::exchange(mPressedKeys, {})) {
         if (mSeat->keyboardFocus() != nullptr) {
             mSeat->sendKeyReleaseEvent(code);
         }
@@ -234,7 +226,8 @@ void SeatInput::updatePointerFocus()
         }
         mPressedButtons = Qt::NoButton;
     }
-    setPointerFocus(layerAt(mPosition) == nullptr ? mStack.surfaceAt(mPosition) : WindowStack::Hit());
+    setPointerFocus(InputLayer::at(mLayers.pointer, mPosition) == nullptr ? mStack.surfaceAt(mPosition)
+                                                                          : WindowStack::Hit());
 }
 
 void SeatInput::setPointerFocus(const WindowStack::Hit& target)

@@ -57,8 +57,6 @@ private:
     void noteRelease();
     /// Returns whether the key is for the menu or for a command.
     bool takesKey(QKeyEvent* event);
-    /// Null when a press at `position` is for the clients.
-    InputLayer* layerAt(const QPointF& position) const;
     void updateKeyboardFocus();
     void updatePointerFocus();
     void setPointerFocus(const WindowStack::Hit& target);

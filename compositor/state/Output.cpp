@@ -67,7 +67,7 @@ QRect Output::workArea() const
     return rect().adjusted(0, statusBarRect().height(), 0, 0);
 }
 
-QTransform Output::toWindow() const
+QTransform Output::toDisplay() const
 {
     QTransform transform;
     switch (mRotation) {

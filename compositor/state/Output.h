@@ -24,6 +24,20 @@ public:
     }
     void setPhysicalSize(const QSize& size);
 
+    /// Turns the window instead of its contents, so that these stand upright on the desktop.
+    void setWindowTurning(bool isTurning)
+    {
+        mTurnsWindow = isTurning;
+    }
+    QSize windowSize() const
+    {
+        return mTurnsWindow ? size() : mPhysicalSize;
+    }
+    void setWindowSize(const QSize& size)
+    {
+        setPhysicalSize(mTurnsWindow && mRotation % 180 != 0 ? size.transposed() : size);
+    }
+
     /// Clockwise, in degrees.
     int rotation() const
     {
@@ -51,7 +65,12 @@ public:
     QRect statusBarRect() const;
     QRect workArea() const;
 
-    QTransform toWindow() const;
+    /// From the contents to the display of the device.
+    QTransform toDisplay() const;
+    QTransform toWindow() const
+    {
+        return mTurnsWindow ? QTransform() : toDisplay();
+    }
     QPointF fromWindow(const QPointF& position) const
     {
         return toWindow().inverted().map(position);
@@ -66,4 +85,5 @@ private:
     QSize mPhysicalSize;
     int mRotation = 0;
     bool mFullScreen = false;
+    bool mTurnsWindow = false;
 };

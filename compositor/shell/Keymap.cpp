@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "shell/Keymap.h"
+
+#include <QChar>
+#include <QRegularExpression>
+
+#include <memory>
+#include <xkbcommon/xkbcommon-keysyms.h>
+#include <xkbcommon/xkbcommon.h>
+
+namespace {
+
+using XkbKeymap = std::unique_ptr<xkb_keymap, decltype(&xkb_keymap_unref)>;
+
+/// Null when there is no such layout.
+XkbKeymap compile(const Keymap::Layout& layout)
+{
+    const std::unique_ptr<xkb_context, decltype(&xkb_context_unref)> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS),
+                                                                             xkb_context_unref);
+    // The caller reports a layout that does not exist.
+    xkb_context_set_log_level(context.get(), XKB_LOG_LEVEL_CRITICAL);
+    const QByteArray name = layout.name.toUtf8();
+    const QByteArray variant = layout.variant.toUtf8();
+    xkb_rule_names names{};
+    names.layout = name.constData();
+    names.variant = layout.name.isEmpty() ? nullptr : variant.constData();
+    return {xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS), xkb_keymap_unref};
+}
+
+/// The keys that produce no character of their own.
+xkb_keysym_t keysymOfKey(int key)
+{
+    static const QHash<int, xkb_keysym_t> keysyms{
+        {Qt::Key_Escape, XKB_KEY_Escape},
+        {Qt::Key_Tab, XKB_KEY_Tab},
+        {Qt::Key_Backtab, XKB_KEY_Tab},
+        {Qt::Key_Backspace, XKB_KEY_BackSpace},
+        {Qt::Key_Return, XKB_KEY_Return},
+        {Qt::Key_Enter, XKB_KEY_KP_Enter},
+        {Qt::Key_Insert, XKB_KEY_Insert},
+        {Qt::Key_Delete, XKB_KEY_Delete},
+        {Qt::Key_Pause, XKB_KEY_Pause},
+        {Qt::Key_Print, XKB_KEY_Print},
+        {Qt::Key_Home, XKB_KEY_Home},
+        {Qt::Key_End, XKB_KEY_End},
+        {Qt::Key_Left, XKB_KEY_Left},
+        {Qt::Key_Up, XKB_KEY_Up},
+        {Qt::Key_Right, XKB_KEY_Right},
+        {Qt::Key_Down, XKB_KEY_Down},
+        {Qt::Key_PageUp, XKB_KEY_Page_Up},
+        {Qt::Key_PageDown, XKB_KEY_Page_Down},
+        {Qt::Key_Shift, XKB_KEY_Shift_L},
+        {Qt::Key_Control, XKB_KEY_Control_L},
+        {Qt::Key_Alt, XKB_KEY_Alt_L},
+        {Qt::Key_AltGr, XKB_KEY_ISO_Level3_Shift},
+        {Qt::Key_Meta, XKB_KEY_Super_L},
+        {Qt::Key_Super_L, XKB_KEY_Super_L},
+        {Qt::Key_CapsLock, XKB_KEY_Caps_Lock},
+        {Qt::Key_NumLock, XKB_KEY_Num_Lock},
+        {Qt::Key_ScrollLock, XKB_KEY_Scroll_Lock},
+        {Qt::Key_Menu, XKB_KEY_Menu},
+    };
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F35) {
+        return XKB_KEY_F1 + static_cast<xkb_keysym_t>(key - Qt::Key_F1);
+    }
+    return keysyms.value(key, XKB_KEY_NoSymbol);
+}
+
+} // namespace
+
+Result<Keymap::Layout> Keymap::readLayout(const QString& text)
+{
+    static const QRegularExpression pattern(QStringLiteral("^(\\w+)(?:\\(([\\w-]+)\\))?$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    const Layout layout{match.captured(1), match.captured(2)};
+    if (!match.hasMatch() || compile(layout) == nullptr) {
+        return Error{
+            QStringLiteral("\"%1\" is not a keyboard layout: LAYOUT or LAYOUT(VARIANT) of XKB is expected").arg(text)};
+    }
+    return layout;
+}
+
+Keymap::Keymap(const Layout& layout)
+{
+    const XkbKeymap keymap = compile(layout);
+    if (keymap == nullptr) {
+        return;
+    }
+    const xkb_keycode_t last = xkb_keymap_max_keycode(keymap.get());
+    for (xkb_level_index_t level = 0; level < 4; ++level) {
+        for (xkb_keycode_t code = xkb_keymap_min_keycode(keymap.get()); code <= last; ++code) {
+            const xkb_keysym_t* symbols = nullptr;
+            const int count = xkb_keymap_key_get_syms_by_level(keymap.get(), code, 0, level, &symbols);
+            // The key that needs the fewest modifiers comes first.
+            if (count == 1 && !mCodes.contains(symbols[0])) {
+                mCodes.insert(symbols[0], code);
+            }
+        }
+    }
+}
+
+quint32 Keymap::scanCodeOf(int key, const QString& text) const
+{
+    xkb_keysym_t symbol = keysymOfKey(key);
+    if (symbol == XKB_KEY_NoSymbol) {
+        const QVector<uint> characters = text.toUcs4();
+        // With Ctrl held the text is a control character; the key itself is the upper case letter then.
+        const bool isPrintable = !characters.isEmpty() && characters.constFirst() > 0x20;
+        symbol = xkb_utf32_to_keysym(isPrintable ? characters.constFirst() : QChar::toLower(static_cast<uint>(key)));
+    }
+    return mCodes.value(symbol);
+}
