@@ -43,6 +43,11 @@ private:
     /// Clicks on a row of the menu.
     void clickRow(int row);
     void click(int x, int y);
+    /// The part of the picture below the status bar, whose clock goes on.
+    static QImage workArea(const QImage& picture)
+    {
+        return picture.copy(picture.rect().adjusted(0, 34, 0, 0));
+    }
 
     std::unique_ptr<VirtualDesktop> mDesktop;
     QTemporaryDir mHome;
@@ -92,11 +97,11 @@ void CompositorMenuTest::theStatusBarOpensTheMenuInWhichAClickSwitches()
 
 void CompositorMenuTest::aClickBesideTheMenuOnlyClosesIt()
 {
-    const QImage before = screenShot();
+    const QImage before = workArea(screenShot());
     click(300, 10);
-    TRY_VERIFY(screenShot() != before);
+    TRY_VERIFY(workArea(screenShot()) != before);
     click(900, 300);
-    TRY_COMPARE(screenShot(), before);
+    TRY_COMPARE(workArea(screenShot()), before);
     QCOMPARE(CompositorBus::currentView(), QStringLiteral("three"));
 }
 
@@ -244,15 +249,15 @@ void CompositorMenuTest::aKeyTakesAScreenshot()
 {
     QDir pictures(mHome.filePath(QStringLiteral("Pictures")));
     NotificationClient notifications;
-    const QImage expected = screenShot();
+    const QImage expected = workArea(screenShot());
     mDesktop->key(QStringLiteral("ctrl+alt+p"));
     TRY_COMPARE(pictures.entryList(QDir::Files).size(), 1);
     const QString file = pictures.filePath(pictures.entryList(QDir::Files).constFirst());
     QImage image;
     TRY_VERIFY(image.load(file));
-    QCOMPARE(image.convertToFormat(QImage::Format_RGB32), expected);
+    QCOMPARE(workArea(image.convertToFormat(QImage::Format_RGB32)), expected);
     // A card says so, below which the picture has nothing.
-    TRY_VERIFY(screenShot() != expected);
+    TRY_VERIFY(workArea(screenShot()) != expected);
 }
 
 void CompositorMenuTest::theViewHearsNothingOfTheCompositorsKeys()
@@ -286,6 +291,7 @@ void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
     CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
                        QStringLiteral("90"));
     // The picture is the device's, whose contents are turned.
+<<<<<<< HEAD
     TRY_COMPARE(screenShot().size(), QSize(1024, 600));
     // The menu is where it is in a window that is 600 pixels wide and upright.
     const auto switchByMenu = [this] {
@@ -294,6 +300,13 @@ void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
         return CompositorBus::currentView();
     };
     TRY_COMPARE(switchByMenu(), QStringLiteral("two"));
+=======
+    QCOMPARE(screenShot().size(), QSize(1024, 600));
+    // The menu is where it is in a window that is 600 pixels wide and upright.
+    click(300, 10);
+    clickRow(1);
+    TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
+>>>>>>> shell
 }
 
 void CompositorMenuTest::aCardHasAButtonThatClosesIt()
