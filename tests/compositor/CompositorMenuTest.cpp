@@ -291,7 +291,6 @@ void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
     CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
                        QStringLiteral("90"));
     // The picture is the device's, whose contents are turned.
-<<<<<<< HEAD
     TRY_COMPARE(screenShot().size(), QSize(1024, 600));
     // The menu is where it is in a window that is 600 pixels wide and upright.
     const auto switchByMenu = [this] {
@@ -300,13 +299,6 @@ void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
         return CompositorBus::currentView();
     };
     TRY_COMPARE(switchByMenu(), QStringLiteral("two"));
-=======
-    QCOMPARE(screenShot().size(), QSize(1024, 600));
-    // The menu is where it is in a window that is 600 pixels wide and upright.
-    click(300, 10);
-    clickRow(1);
-    TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
->>>>>>> shell
 }
 
 void CompositorMenuTest::aCardHasAButtonThatClosesIt()
