@@ -122,6 +122,8 @@ void Application::carryOutCommand(const std::function<void()>& step)
     } else {
         await(command == "await-title\n" ? Awaited::Title : Awaited::Switch);
         std::cout << "ready" << std::endl;
+        // The reader of that line may have taken the processor meanwhile.
+        mHandlerStart = now();
     }
 }
 

@@ -34,7 +34,9 @@ OutputWindow::OutputWindow(Output& output, Scene& scene)
     connect(&mFrameTimer, &QTimer::timeout, this, &OutputWindow::paintFrame);
     connect(&scene, &Scene::frameRequested, this, &OutputWindow::scheduleFrame);
     connect(&output, &Output::geometryChanged, this, [this] {
-        resize(mOutput.windowSize());
+        if (size() != mOutput.windowSize()) {
+            resize(mOutput.windowSize());
+        }
     });
     mSinceFrame.start();
 }

@@ -20,10 +20,10 @@ namespace {
 /// Outside of everything that could be triggered.
 constexpr QPoint cNowhere{-1, -1};
 
-bool hasTouch(const ClientSurface* surface)
+bool hasTouch(const ClientSurface& surface)
 {
-    return surface->surface() != nullptr
-        && !ClientResources::of(surface->surface()->waylandClient(), wl_touch_interface).empty();
+    return surface.surface() != nullptr
+        && !ClientResources::of(surface.surface()->waylandClient(), wl_touch_interface).empty();
 }
 
 } // namespace
@@ -67,52 +67,46 @@ void TouchInput::press(const Point& point)
     if (wasAsleep) {
         return;
     }
-    if (InputLayer* const layer = InputLayer::at(mLayers, point.position)) {
-        if (mFingers.isEmpty()) {
-            mFingers.insert(point.id, layer);
-            mStack.dismissPopups();
-            layer->press(point.position.toPoint());
-        }
+    InputLayer* const layer = InputLayer::at(mLayers, point.position);
+    const WindowStack::Hit hit = mStack.surfaceAt(point.position);
+    if (layer == nullptr && hit.surface != nullptr && hasTouch(*hit.surface)) {
+        mClients.down(point.id, hit.window, hit.surface, point.position, hit.position);
         return;
     }
-    const WindowStack::Hit hit = mStack.surfaceAt(point.position);
-    if (hit.surface == nullptr) {
+    if (mFinger) {
+        return;
+    }
+    if (layer != nullptr || hit.surface == nullptr) {
         mStack.dismissPopups();
-    } else if (hasTouch(hit.surface)) {
-        mClients.down(point.id, hit.window, hit.surface, point.position, hit.position);
-    } else if (mFingers.isEmpty()) {
-        mFingers.insert(point.id, nullptr);
+    }
+    if (layer != nullptr) {
+        mFinger = point.id;
+        mPressedLayer = layer;
+        layer->press(point.position.toPoint());
+    } else if (hit.surface != nullptr) {
+        mFinger = point.id;
         mPointer.pointerPress(point.position, Qt::LeftButton);
     }
 }
 
 void TouchInput::move(const Point& point)
 {
-    if (mClients.isDown(point.id)) {
+    if (point.id == mFinger && mPressedLayer == nullptr) {
+        mPointer.pointerMotion(point.position);
+    } else if (point.id == mFinger || mClients.isDown(point.id)) {
         mScreenSaver.noteInput();
         mClients.move(point.id, point.position);
-        return;
-    }
-    const auto finger = mFingers.constFind(point.id);
-    if (finger == mFingers.cend()) {
-        return;
-    }
-    mScreenSaver.noteInput();
-    if (*finger == nullptr) {
-        mPointer.pointerMotion(point.position);
     }
 }
 
 void TouchInput::release(const Point& point)
 {
-    mClients.up(point.id);
-    const auto finger = mFingers.constFind(point.id);
-    if (finger == mFingers.cend()) {
+    if (point.id != mFinger) {
+        mClients.up(point.id);
         return;
     }
-    InputLayer* const layer = *finger;
-    mFingers.remove(point.id);
-    if (layer != nullptr) {
+    mFinger.reset();
+    if (InputLayer* const layer = std::exchange(mPressedLayer, nullptr)) {
         layer->release(point.position.toPoint());
     } else {
         mPointer.pointerRelease(point.position, Qt::LeftButton);
@@ -123,12 +117,7 @@ void TouchInput::release(const Point& point)
 void TouchInput::cancel()
 {
     mClients.cancel();
-    for (InputLayer* layer : std::exchange(mFingers, {})) {
-        if (layer != nullptr) {
-            layer->release(cNowhere);
-        } else {
-            mPointer.pointerRelease(cNowhere, Qt::LeftButton);
-            mPointer.pointerLeft();
-        }
+    if (mFinger) {
+        release({*mFinger, cNowhere, Qt::TouchPointReleased});
     }
 }

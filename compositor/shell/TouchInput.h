@@ -2,10 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <QMap>
 #include <QObject>
 #include <QPointF>
 #include <QVector>
+
+#include <optional>
 
 class ClientTouch;
 class InputLayer;
@@ -13,8 +14,8 @@ class ScreenSaver;
 class SeatInput;
 class WindowStack;
 
-/// Routes fingers as SeatInput routes the pointer. Each finger has a grab of its own: the surface or layer on which it
-/// is put down keeps it until it is lifted. The first finger is the pointer of a client without wl_touch.
+/// Routes fingers as SeatInput routes the pointer: to the compositor's own layers, or to the clients, where ClientTouch
+/// follows them. The first finger is the pointer of a client without wl_touch.
 class TouchInput : public QObject
 {
     Q_OBJECT
@@ -47,6 +48,7 @@ private:
     WindowStack& mStack;
     const QVector<InputLayer*> mLayers;
     ScreenSaver& mScreenSaver;
-    /// The fingers that no client has, with the layer that has them; null for the one that is the pointer.
-    QMap<int, InputLayer*> mFingers;
+    /// The one finger that ClientTouch does not follow: on a layer, or without one as the pointer.
+    std::optional<int> mFinger;
+    InputLayer* mPressedLayer = nullptr;
 };

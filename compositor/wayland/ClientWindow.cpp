@@ -60,8 +60,14 @@ ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xd
     };
     connect(toplevel, &QWaylandXdgToplevel::setMaximized, this, handleStateRequest);
     connect(toplevel, &QWaylandXdgToplevel::unsetMaximized, this, handleStateRequest);
-    connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, handleStateRequest);
-    connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, handleStateRequest);
+    connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, [this, handleStateRequest] {
+        mWantsFullScreen = true;
+        handleStateRequest();
+    });
+    connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, [this, handleStateRequest] {
+        mWantsFullScreen = false;
+        handleStateRequest();
+    });
     connect(liveness, &ClientLiveness::respondingChanged, this, [this] {
         mViews.setResponding(mUuid, isResponding());
     });
@@ -105,9 +111,12 @@ void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActiva
     const bool isDialog = parentToplevel() != nullptr;
     QVector<QWaylandXdgToplevel::State> states;
     if (!isDialog) {
-        states.append(isFullScreen ? QWaylandXdgToplevel::FullscreenState : QWaylandXdgToplevel::MaximizedState);
+        // xdg-shell permits a fullscreen state with less than the size of the output.
+        states.append(isFullScreen || mWantsFullScreen ? QWaylandXdgToplevel::FullscreenState
+                                                       : QWaylandXdgToplevel::MaximizedState);
     }
-    if (isActivated) {
+    // A window that is about to be mapped will be the current one: saying so at once spares it another configure event.
+    if (isActivated || !isMapped()) {
         states.append(QWaylandXdgToplevel::ActivatedState);
     }
     // A dialog chooses its own size.
@@ -120,7 +129,7 @@ void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActiva
 
 void ClientWindow::sendConfigure()
 {
-    if (mConfigureIsDue && mToplevel != nullptr && admitEvent()) {
+    if (mConfigureIsDue && mIsCommitted && mToplevel != nullptr && admitEvent()) {
         mConfigureIsDue = false;
         mToplevel->sendConfigure(mSize, mStates);
     }
@@ -148,6 +157,7 @@ void ClientWindow::handleCommit()
         mViews.setSize(mUuid, windowGeometry().size());
     } else {
         // The initial commit, without a buffer: the client waits for a configure event.
+        mIsCommitted = true;
         mConfigureIsDue = true;
         sendConfigure();
     }

@@ -85,5 +85,7 @@ private:
     QString mProcessName;
     QSize mSize;
     QVector<QWaylandXdgToplevel::State> mStates;
+    bool mWantsFullScreen = false;
+    bool mIsCommitted = false;
     bool mConfigureIsDue = false;
 };

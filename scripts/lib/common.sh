@@ -10,7 +10,7 @@ log_directory=$project_directory/build/logs
 build_packages=(
     cmake g++ make ninja-build pkg-config
     qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
-    qtbase5-private-dev qtwayland5-private-dev libwayland-dev wayland-protocols
+    qtbase5-private-dev qtwayland5-private-dev libwayland-dev libxkbcommon-dev wayland-protocols
 )
 session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston

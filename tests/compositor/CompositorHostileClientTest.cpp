@@ -275,9 +275,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 other = client.createXdgSurface(surface);
         client.createToplevel(one);
         client.createToplevel(other);
-        client.commit(surface);
-        client.attach(surface, client.createBuffer(QSize(10, 10)));
-        client.commit(surface);
+        client.show(surface, client.createBuffer(QSize(10, 10)));
     });
     row("two windows of one xdg surface", 2, [](WireClient& client) {
         client.createToplevel(client.createWindow().xdgSurface);
@@ -350,14 +348,9 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("one picture on a thousand surfaces", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Many");
         const quint32 buffer = client.createBuffer(QSize(1000, 1000));
-        const quint32 subcompositor = client.bind("wl_subcompositor");
         for (int i = 0; i < 1000; ++i) {
             const quint32 surface = client.createSurface();
-            const quint32 subsurface = client.newId();
-            client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                            .number(subsurface)
-                            .number(surface)
-                            .number(window.surface));
+            client.createSubsurface(surface, window.surface);
             client.attach(surface, buffer);
             client.damage(surface, QRect(0, 0, 1000, 1000));
             client.commit(surface);
@@ -366,26 +359,14 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
 
     row("a subsurface of itself", cAnyEnd, [](WireClient& client) {
         const quint32 surface = client.createSurface();
-        client.send(WireMessage(client.bind("wl_subcompositor"), WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(client.newId())
-                        .number(surface)
-                        .number(surface));
+        client.createSubsurface(surface, surface);
         client.commit(surface);
     });
     row("a subsurface twice", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 surface = client.createSurface();
-        const quint32 subcompositor = client.bind("wl_subcompositor");
-        const quint32 one = client.newId();
-        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(one)
-                        .number(surface)
-                        .number(window.surface));
-        const quint32 other = client.newId();
-        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(other)
-                        .number(surface)
-                        .number(window.surface));
+        const quint32 one = client.createSubsurface(surface, window.surface);
+        const quint32 other = client.createSubsurface(surface, window.surface);
         client.send(WireMessage(one, WL_SUBSURFACE_SET_POSITION).number(1U).number(1U));
         client.send(WireMessage(other, WL_SUBSURFACE_SET_POSITION).number(1U).number(1U));
         client.send(WireMessage(surface, WL_SURFACE_DESTROY));
@@ -394,22 +375,14 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("a subsurface that is a window", cAnyEnd, [](WireClient& client) {
         const WireClient::Window one = client.openWindow("One");
         const WireClient::Window other = client.openWindow("Other");
-        client.send(WireMessage(client.bind("wl_subcompositor"), WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(client.newId())
-                        .number(one.surface)
-                        .number(other.surface));
+        client.createSubsurface(one.surface, other.surface);
         client.commit(one.surface);
         client.commit(other.surface);
     });
     row("a subsurface whose surface is gone", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 surface = client.createSurface();
-        const quint32 subcompositor = client.bind("wl_subcompositor");
-        const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(subsurface)
-                        .number(surface)
-                        .number(window.surface));
+        const quint32 subsurface = client.createSubsurface(surface, window.surface);
         client.send(WireMessage(surface, WL_SURFACE_DESTROY));
         for (int i = 0; i < 20; ++i) {
             client.createSurface();
@@ -423,12 +396,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("a subsurface whose parent is gone", cAnyEnd, [](WireClient& client) {
         const quint32 parent = client.createSurface();
         const quint32 surface = client.createSurface();
-        const quint32 subcompositor = client.bind("wl_subcompositor");
-        const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(subsurface)
-                        .number(surface)
-                        .number(parent));
+        const quint32 subsurface = client.createSubsurface(surface, parent);
         client.send(WireMessage(parent, WL_SURFACE_DESTROY));
         client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_POSITION).number(cLowest).number(cHuge));
         client.attach(surface, client.createBuffer(QSize(10, 10)));
@@ -439,14 +407,9 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
     row("a subsurface far away", cNoError, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
         quint32 parent = window.surface;
-        const quint32 subcompositor = client.bind("wl_subcompositor");
         for (int i = 0; i < 10; ++i) {
             const quint32 surface = client.createSurface();
-            const quint32 subsurface = client.newId();
-            client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                            .number(subsurface)
-                            .number(surface)
-                            .number(parent));
+            const quint32 subsurface = client.createSubsurface(surface, parent);
             client.send(WireMessage(subsurface, WL_SUBSURFACE_SET_POSITION).number(cHuge).number(cLowest));
             client.attach(surface, client.createBuffer(QSize(10, 10)));
             client.damage(surface, QRect(0, 0, 10, 10));
@@ -459,12 +422,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 surface = client.createSurface();
         const quint32 stranger = client.createSurface();
-        const quint32 subcompositor = client.bind("wl_subcompositor");
-        const quint32 subsurface = client.newId();
-        client.send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                        .number(subsurface)
-                        .number(surface)
-                        .number(window.surface));
+        const quint32 subsurface = client.createSubsurface(surface, window.surface);
         client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_ABOVE).number(stranger));
         client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_BELOW).number(surface));
         client.commit(window.surface);
@@ -509,25 +467,19 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 xdgSurface = client.createXdgSurface(surface);
         client.createPopup(xdgSurface, xdgSurface, client.createPositioner(QSize(20, 20)));
-        client.commit(surface);
-        client.attach(surface, client.createBuffer(QSize(20, 20)));
-        client.commit(surface);
+        client.show(surface, client.createBuffer(QSize(20, 20)));
     });
     row("a popup of a window that is not mapped", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.createWindow();
         const quint32 surface = client.createSurface();
         client.createPopup(client.createXdgSurface(surface), window.xdgSurface, client.createPositioner(QSize(20, 20)));
-        client.commit(surface);
-        client.attach(surface, client.createBuffer(QSize(20, 20)));
-        client.commit(surface);
+        client.show(surface, client.createBuffer(QSize(20, 20)));
     });
     row("a popup of a surface without a role", cAnyEnd, [](WireClient& client) {
         const quint32 parent = client.createXdgSurface(client.createSurface());
         const quint32 surface = client.createSurface();
         client.createPopup(client.createXdgSurface(surface), parent, client.createPositioner(QSize(20, 20)));
-        client.commit(surface);
-        client.attach(surface, client.createBuffer(QSize(20, 20)));
-        client.commit(surface);
+        client.show(surface, client.createBuffer(QSize(20, 20)));
     });
     row("a popup whose surface is gone", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
@@ -552,9 +504,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         const quint32 surface = client.createSurface();
         const quint32 xdgSurface = client.createXdgSurface(surface);
         const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(QSize(20, 20)));
-        client.commit(surface);
-        client.attach(surface, client.createBuffer(QSize(20, 20)));
-        client.commit(surface);
+        client.show(surface, client.createBuffer(QSize(20, 20)));
         client.send(WireMessage(popup, XDG_POPUP_DESTROY));
         client.send(WireMessage(xdgSurface, XDG_SURFACE_ACK_CONFIGURE).number(1U));
         client.commit(surface);
@@ -569,9 +519,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
             surfaces.append(surface);
             const quint32 xdgSurface = client.createXdgSurface(surface);
             client.createPopup(xdgSurface, parent, client.createPositioner(QSize(20, 20)));
-            client.commit(surface);
-            client.attach(surface, client.createBuffer(QSize(20, 20)));
-            client.commit(surface);
+            client.show(surface, client.createBuffer(QSize(20, 20)));
             parent = xdgSurface;
         }
         client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_DESTROY));
@@ -595,9 +543,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
                 client.send(WireMessage(positioner, XDG_POSITIONER_SET_CONSTRAINT_ADJUSTMENT).number(adjustment));
                 client.send(WireMessage(positioner, XDG_POSITIONER_SET_OFFSET).number(edge).number(edge));
                 client.createPopup(client.createXdgSurface(surface), window.xdgSurface, positioner);
-                client.commit(surface);
-                client.attach(surface, client.createBuffer(QSize(20, 20)));
-                client.commit(surface);
+                client.show(surface, client.createBuffer(QSize(20, 20)));
             }
         }
     });
@@ -608,9 +554,7 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
             const quint32 surface = client.createSurface();
             const quint32 xdgSurface = client.createXdgSurface(surface);
             client.createPopup(xdgSurface, parent, client.createPositioner(QSize(20, 20)));
-            client.commit(surface);
-            client.attach(surface, buffer);
-            client.commit(surface);
+            client.show(surface, buffer);
             parent = xdgSurface;
             client.synchronise();
         }
@@ -697,7 +641,6 @@ void CompositorHostileClientTest::whatAClientEndsLeavesNothingBehind()
 {
     const auto client = connectClient();
     const WireClient::Window window = client->openWindow("Busy");
-    const quint32 subcompositor = client->bind("wl_subcompositor");
     const quint32 buffer = client->createBuffer(QSize(20, 20));
     const auto openAndClose = [&](int count) {
         for (int i = 0; i < count; ++i) {
@@ -706,15 +649,9 @@ void CompositorHostileClientTest::whatAClientEndsLeavesNothingBehind()
             const quint32 positioner = client->createPositioner(QSize(20, 20));
             const quint32 popup = client->createPopup(xdgSurface, window.xdgSurface, positioner);
             client->send(WireMessage(positioner, XDG_POSITIONER_DESTROY));
-            client->commit(surface);
-            client->attach(surface, buffer);
-            client->commit(surface);
+            client->show(surface, buffer);
             const quint32 part = client->createSurface();
-            const quint32 subsurface = client->newId();
-            client->send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
-                             .number(subsurface)
-                             .number(part)
-                             .number(window.surface));
+            const quint32 subsurface = client->createSubsurface(part, window.surface);
             client->attach(part, buffer);
             client->commit(part);
             client->send(WireMessage(subsurface, WL_SUBSURFACE_DESTROY));
@@ -749,9 +686,7 @@ void CompositorHostileClientTest::aPopupIsEndedOnce()
     const quint32 surface = client->createSurface();
     const quint32 xdgSurface = client->createXdgSurface(surface);
     const quint32 popup = client->createPopup(xdgSurface, window.xdgSurface, client->createPositioner(QSize(40, 40)));
-    client->commit(surface);
-    client->attach(surface, client->createBuffer(QSize(40, 40)));
-    client->commit(surface);
+    client->show(surface, client->createBuffer(QSize(40, 40)));
     QVERIFY(client->synchronise());
     TRY_COMPARE(CompositorBus::views().size(), 2);
     QCOMPARE(client->events(popup, popupDone).size(), 0);

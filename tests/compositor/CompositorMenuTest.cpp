@@ -30,6 +30,7 @@ private Q_SLOTS:
     void aKeyBlanksTheScreenUntilTheNextOne();
     void aKeyTakesAScreenshot();
     void theViewHearsNothingOfTheCompositorsKeys();
+    void theWindowTurnsInsteadOfItsContents();
     void aCardHasAButtonThatClosesIt();
     void aCardHidesWhatIsBelowIt();
     void aCardShowsAProgress();
@@ -272,6 +273,27 @@ void CompositorMenuTest::theViewHearsNothingOfTheCompositorsKeys()
         }
     }
     QCOMPARE(keys, QList<QByteArray>({"keypress 1 z", "keyrelease 1 z"}));
+}
+
+void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
+{
+    mCompositor->end();
+    mCompositor = std::make_unique<CompositorProcess>();
+    mCompositor->environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    mCompositor->environment().insert(QStringLiteral("DISPLAY"), mDesktop->display());
+    mCompositor->start(
+        {QStringLiteral("--turn-window"), QStringLiteral("--script"), mHome.filePath(QStringLiteral("script.json"))});
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
+                       QStringLiteral("90"));
+    // The picture is the device's, whose contents are turned.
+    TRY_COMPARE(screenShot().size(), QSize(1024, 600));
+    // The menu is where it is in a window that is 600 pixels wide and upright.
+    const auto switchByMenu = [this] {
+        click(300, 10);
+        clickRow(1);
+        return CompositorBus::currentView();
+    };
+    TRY_COMPARE(switchByMenu(), QStringLiteral("two"));
 }
 
 void CompositorMenuTest::aCardHasAButtonThatClosesIt()

@@ -9,7 +9,9 @@
 #include <functional>
 #include <limits>
 #include <unistd.h>
+#include <viewporter-client-protocol.h>
 #include <wayland-client-protocol.h>
+#include <xdg-shell-client-protocol.h>
 
 namespace {
 
@@ -24,7 +26,7 @@ constexpr quint16 cPointerFrame = 5;
 constexpr quint16 cPointerAxisSource = 6;
 constexpr quint16 cPointerAxisDiscrete = 8;
 constexpr quint16 cShellPing = 0;
-constexpr quint16 cShellPong = 3;
+constexpr quint16 cToplevelConfigure = 0;
 constexpr int cWheelUp = 4;
 constexpr int cWheelDown = 5;
 
@@ -74,7 +76,17 @@ quint32 createPointer(WireClient& client, quint32 seat)
     return pointer;
 }
 
-/// The opcodes of the events that an object has got, from a position on.
+/// The states in an xdg_toplevel.configure.
+QVector<quint32> statesOf(const WireClient::Event& configure)
+{
+    QVector<quint32> states;
+    for (quint32 i = 0; i < configure.number(2) / sizeof(quint32); ++i) {
+        states.append(configure.number(3 + static_cast<int>(i)));
+    }
+    return states;
+}
+
+/// The opcodes of the events that an object has got.
 QVector<quint16> opcodesOf(const WireClient& client, quint32 object)
 {
     QVector<quint16> opcodes;
@@ -107,6 +119,8 @@ private Q_SLOTS:
     void anOldPointerGetsNoFrames();
     void theWheelTellsItsSourceAndSteps();
     void thePingGoesToTheShellOfTheWindow();
+    void aWindowHasItsSizeAndStatesBeforeItIsMapped();
+    void fullScreenIsGranted();
     void aClientThatBreaksTheProtocolHarmsOnlyItself_data();
     void aClientThatBreaksTheProtocolHarmsOnlyItself();
 
@@ -279,10 +293,11 @@ void openTransformed(WireClient& client, qint32 transform, const QSize& viewport
     if (!viewport.isEmpty()) {
         const quint32 viewporter = client.bind("wp_viewporter");
         const quint32 object = client.newId();
-        client.send(WireMessage(viewporter, 1).number(object).number(window.surface));
+        client.send(WireMessage(viewporter, WP_VIEWPORTER_GET_VIEWPORT).number(object).number(window.surface));
         // The left half of the upright content, in the viewport's size.
-        client.send(WireMessage(object, 1).number(0).number(0).number(30 * 256).number(120 * 256));
-        client.send(WireMessage(object, 2).number(viewport.width()).number(viewport.height()));
+        client.send(WireMessage(object, WP_VIEWPORT_SET_SOURCE).number(0).number(0).number(30 * 256).number(120 * 256));
+        client.send(
+            WireMessage(object, WP_VIEWPORT_SET_DESTINATION).number(viewport.width()).number(viewport.height()));
     }
     client.send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_TRANSFORM).number(transform));
     client.attach(window.surface, buffer);
@@ -413,7 +428,7 @@ void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
     const quint32 unused = registry.bind(*client, "xdg_wm_base", 1);
     const quint32 surface = client->createSurface();
     const quint32 xdgSurface = client->newId();
-    client->send(WireMessage(used, 2).number(xdgSurface).number(surface));
+    client->send(WireMessage(used, XDG_WM_BASE_GET_XDG_SURFACE).number(xdgSurface).number(surface));
     client->createToplevel(xdgSurface);
     client->commit(surface);
     client->attach(surface, client->createBuffer(QSize(300, 200)));
@@ -422,13 +437,55 @@ void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
         return client->synchronise() && !client->events(used, cShellPing).isEmpty();
     };
     TRY_VERIFY(isPinged());
-    client->send(WireMessage(used, cShellPong).number(client->events(used, cShellPing).first().number(0)));
+    client->send(WireMessage(used, XDG_WM_BASE_PONG).number(client->events(used, cShellPing).first().number(0)));
     QVERIFY2(client->synchronise(), client->errorText());
     QCOMPARE(client->events(unused, cShellPing).size(), 0);
 
     // With its shell gone the client is not pinged, and ends by its own fault.
-    client->send(WireMessage(used, 0));
+    client->send(WireMessage(used, XDG_WM_BASE_DESTROY));
     QVERIFY(!client->synchronise());
+}
+
+void CompositorProtocolsTest::aWindowHasItsSizeAndStatesBeforeItIsMapped()
+{
+    const auto client = connectClient();
+    const WireClient::Window window = client->createWindow();
+    client->commit(window.surface);
+    QVERIFY2(client->synchronise(), client->errorText());
+    // The first one is Qt's own, which leaves everything to the client.
+    const auto configures = client->events(window.toplevel, cToplevelConfigure);
+    QCOMPARE(configures.size(), 2);
+    QCOMPARE(QSize(static_cast<int>(configures.at(1).number(0)), static_cast<int>(configures.at(1).number(1))),
+             QSize(1024, 566));
+    QCOMPARE(statesOf(configures.at(1)),
+             QVector<quint32>({XDG_TOPLEVEL_STATE_MAXIMIZED, XDG_TOPLEVEL_STATE_ACTIVATED}));
+
+    client->attach(window.surface, client->createBuffer(QSize(1024, 566)));
+    client->commit(window.surface);
+    QVERIFY2(client->synchronise(), client->errorText());
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    screenShot();
+    QVERIFY(client->synchronise());
+    QCOMPARE(client->events(window.toplevel, cToplevelConfigure).size(), 2);
+}
+
+void CompositorProtocolsTest::fullScreenIsGranted()
+{
+    const auto client = connectClient();
+    const WireClient::Window window = client->openWindow("Window");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    const auto states = [&] {
+        client->synchronise();
+        return statesOf(client->events(window.toplevel, cToplevelConfigure).last());
+    };
+    QVERIFY(states().contains(XDG_TOPLEVEL_STATE_MAXIMIZED));
+    client->send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_FULLSCREEN).number(0U));
+    TRY_COMPARE(states(), QVector<quint32>({XDG_TOPLEVEL_STATE_FULLSCREEN, XDG_TOPLEVEL_STATE_ACTIVATED}));
+    client->send(WireMessage(window.toplevel, XDG_TOPLEVEL_UNSET_FULLSCREEN));
+    TRY_COMPARE(states(), QVector<quint32>({XDG_TOPLEVEL_STATE_MAXIMIZED, XDG_TOPLEVEL_STATE_ACTIVATED}));
+    // The service's property is about all views, and stays.
+    QCOMPARE(CompositorBus::get(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("fullScreen")),
+             QVariant(false));
 }
 
 void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
@@ -490,9 +547,13 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
         const quint32 surface = client.openWindow("Viewed").surface;
         const quint32 viewporter = client.bind("wp_viewporter");
         const quint32 viewport = client.newId();
-        client.send(WireMessage(viewporter, 1).number(viewport).number(surface));
-        client.send(WireMessage(viewport, 1).number(1000 * 256).number(0).number(8000000 * 256).number(7 * 256));
-        client.send(WireMessage(viewport, 2).number(cHuge).number(1));
+        client.send(WireMessage(viewporter, WP_VIEWPORTER_GET_VIEWPORT).number(viewport).number(surface));
+        client.send(WireMessage(viewport, WP_VIEWPORT_SET_SOURCE)
+                        .number(1000 * 256)
+                        .number(0)
+                        .number(8000000 * 256)
+                        .number(7 * 256));
+        client.send(WireMessage(viewport, WP_VIEWPORT_SET_DESTINATION).number(cHuge).number(1));
         client.send(WireMessage(surface, WL_SURFACE_SET_BUFFER_TRANSFORM).number(1));
         client.commit(surface);
     });
@@ -512,13 +573,13 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
         const quint32 output = client.bind("wl_output", 3);
         const quint32 toplevel = client.openWindow("Outputless").toplevel;
         client.send(WireMessage(output, WL_OUTPUT_RELEASE));
-        client.send(WireMessage(toplevel, 11).number(0U));
+        client.send(WireMessage(toplevel, XDG_TOPLEVEL_SET_FULLSCREEN).number(0U));
     });
     row("full screen on an output after its release", cAnyError, [](WireClient& client) {
         const quint32 output = client.bind("wl_output", 3);
         const quint32 toplevel = client.openWindow("Outputless").toplevel;
         client.send(WireMessage(output, WL_OUTPUT_RELEASE));
-        client.send(WireMessage(toplevel, 11).number(output));
+        client.send(WireMessage(toplevel, XDG_TOPLEVEL_SET_FULLSCREEN).number(output));
     });
     row("a thousand seats and outputs", cNoError, [](WireClient& client) {
         for (int i = 0; i < 1000; ++i) {
@@ -532,7 +593,7 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
     row("a shell that goes before its windows", cAnyError, [](WireClient& client) {
         const quint32 shell = client.bind("xdg_wm_base", 2);
         client.openWindow("Shell-less");
-        client.send(WireMessage(shell, 0));
+        client.send(WireMessage(shell, XDG_WM_BASE_DESTROY));
         client.openWindow("Other");
     });
     row("a version that is not there", cAnyError, [](WireClient& client) {

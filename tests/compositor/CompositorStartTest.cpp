@@ -75,9 +75,9 @@ void CompositorStartTest::printsHelpThatNamesEveryOption()
     CompositorProcess compositor;
     QCOMPARE(compositor.runToEnd({QStringLiteral("--help")}), 0);
     const QByteArray help = compositor.output();
-    for (const char* const option :
-         {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT", "--screensaver-timeout SECONDS",
-          "--fullscreen-window", "--script FILE", "WAYLAND_DISPLAY"}) {
+    for (const char* const option : {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT",
+                                     "--screensaver-timeout SECONDS", "--fullscreen-window", "--turn-window", "--touch",
+                                     "--keyboard-layout LAYOUT", "--script FILE", "WAYLAND_DISPLAY"}) {
         QVERIFY2(help.contains(option), option);
     }
     QCOMPARE(compositor.errors(), QByteArray());
@@ -116,6 +116,8 @@ void CompositorStartTest::refusesUnknownArguments_data()
     row({socket, QStringLiteral("../outside")}, "\"../outside\" is not a socket name: a plain file name is expected");
     row({socket, QString()}, "\"\" is not a socket name");
     row({timeout, QStringLiteral("-1")}, "\"-1\" is not a number of seconds from 0");
+    row({QStringLiteral("--turn-window"), QStringLiteral("--fullscreen-window")},
+        "--fullscreen-window and --turn-window exclude each other");
     row({timeout, QStringLiteral("soon")}, "\"soon\" is not a number of seconds from 0");
 }
 

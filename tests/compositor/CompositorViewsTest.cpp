@@ -444,8 +444,8 @@ void CompositorViewsTest::viewsFillTheWorkAreaAndTheCurrentOneIsActive()
     client->send("open a One");
     client->waitFor("configure 1 1024x566 maximized activated");
     client->send("open a Two");
-    client->waitFor("configure 1 1024x566 maximized");
     client->waitFor("configure 2 1024x566 maximized activated");
+    client->waitFor("configure 1 1024x566 maximized");
 }
 
 void CompositorViewsTest::programsThatNobodyHereWroteAreViews()

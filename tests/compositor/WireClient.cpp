@@ -199,6 +199,11 @@ quint32 WireClient::bind(const QByteArray& interface, quint32 version)
     return id;
 }
 
+quint32 WireClient::global(const QByteArray& interface, quint32 version)
+{
+    return mBound.contains(interface) ? mBound.value(interface) : bind(interface, version);
+}
+
 bool WireClient::synchronise()
 {
     const quint32 callback = newId();
@@ -238,8 +243,7 @@ QVector<WireClient::Event> WireClient::events(quint32 object) const
 
 quint32 WireClient::createSurface()
 {
-    const quint32 compositor =
-        mBound.contains("wl_compositor") ? mBound.value("wl_compositor") : bind("wl_compositor", 3);
+    const quint32 compositor = global("wl_compositor", 3);
     const quint32 id = newId();
     send(WireMessage(compositor, WL_COMPOSITOR_CREATE_SURFACE).number(id));
     return id;
@@ -264,9 +268,24 @@ void WireClient::commit(quint32 surface)
     send(WireMessage(surface, WL_SURFACE_COMMIT));
 }
 
+void WireClient::show(quint32 surface, quint32 buffer)
+{
+    commit(surface);
+    attach(surface, buffer);
+    commit(surface);
+}
+
+quint32 WireClient::createSubsurface(quint32 surface, quint32 parent)
+{
+    const quint32 subcompositor = global("wl_subcompositor");
+    const quint32 id = newId();
+    send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE).number(id).number(surface).number(parent));
+    return id;
+}
+
 quint32 WireClient::createXdgSurface(quint32 surface)
 {
-    const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
+    const quint32 shell = global("xdg_wm_base");
     const quint32 id = newId();
     send(WireMessage(shell, XDG_WM_BASE_GET_XDG_SURFACE).number(id).number(surface));
     return id;
@@ -281,7 +300,7 @@ quint32 WireClient::createToplevel(quint32 xdgSurface)
 
 quint32 WireClient::createPositioner(const QSize& size)
 {
-    const quint32 shell = mBound.contains("xdg_wm_base") ? mBound.value("xdg_wm_base") : bind("xdg_wm_base");
+    const quint32 shell = global("xdg_wm_base");
     const quint32 id = newId();
     send(WireMessage(shell, XDG_WM_BASE_CREATE_POSITIONER).number(id));
     send(WireMessage(id, XDG_POSITIONER_SET_SIZE).number(size.width()).number(size.height()));
@@ -305,7 +324,7 @@ quint32 WireClient::createPool(qint64 size, qint32 claimedSize)
     if (mMemory < 0 || ftruncate(mMemory, size) != 0) {
         throw std::runtime_error("no memory");
     }
-    const quint32 shared = mBound.contains("wl_shm") ? mBound.value("wl_shm") : bind("wl_shm");
+    const quint32 shared = global("wl_shm");
     const quint32 id = newId();
     send(WireMessage(shared, WL_SHM_CREATE_POOL).number(id).descriptor(mMemory).number(claimedSize));
     return id;

@@ -62,6 +62,9 @@ public:
     void attach(quint32 surface, quint32 buffer);
     void damage(quint32 surface, const QRect& rect);
     void commit(quint32 surface);
+    /// Commits without a buffer, as a role requires first, and then with it.
+    void show(quint32 surface, quint32 buffer);
+    quint32 createSubsurface(quint32 surface, quint32 parent);
     quint32 createXdgSurface(quint32 surface);
     quint32 createToplevel(quint32 xdgSurface);
     /// With the size and anchor rectangle that it must have.
@@ -92,6 +95,8 @@ public:
 private:
     bool receive();
     void handle(const Event& event);
+    /// The object bound first, or a new one.
+    quint32 global(const QByteArray& interface, quint32 version = 1);
 
     int mSocket;
     quint32 mNextId = 2;

@@ -2,10 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "DBusConnection.h"
 #include "DBusConnectionParameter.h"
+#include "PropertyReply.h"
 
 #include "ConnectorFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
+
+#include <QDBusMessage>
+#include <QDBusVariant>
 
 #include <type_traits>
 
@@ -18,6 +22,7 @@ private Q_SLOTS:
     void aServiceIsRegisteredWhileItOwnsItsName();
     void namesThatNobodyCanOwnAreNotRegistered_data();
     void namesThatNobodyCanOwnAreNotRegistered();
+    void anErrorWithAVariantIsNoPropertysValue();
     void theParameterKeepsItsNamesInOrder();
     void theParameterReturnsItsOwnStrings();
     void theParameterHasAVirtualDestructorAndNothingElseVirtual();
@@ -55,6 +60,13 @@ void DBusConnectionTest::namesThatNobodyCanOwnAreNotRegistered()
 {
     QFETCH(const QString, name);
     QVERIFY(!DBusConnection::isServiceRegistered(name));
+}
+
+void DBusConnectionTest::anErrorWithAVariantIsNoPropertysValue()
+{
+    QDBusMessage error = QDBusMessage::createError(QDBusError::Failed, QStringLiteral("no"));
+    error.setArguments({QVariant::fromValue(QDBusVariant(1))});
+    QVERIFY(!PropertyReply::getValue(error));
 }
 
 void DBusConnectionTest::theParameterKeepsItsNamesInOrder()

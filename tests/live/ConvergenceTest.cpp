@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "LiveFixture.h"
 #include "LiveRequests.h"
-#include "LiveTest.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -52,7 +52,7 @@ QString text(const QVariant& value)
 ///
 /// TELVARO_LIVE_ROUNDS, TELVARO_LIVE_SEED: how many rounds, in each tenth of which the service restarts; and which
 /// ones.
-class ConvergenceTest : public LiveTest
+class ConvergenceTest : public LiveFixture
 {
     Q_OBJECT
 
@@ -108,7 +108,7 @@ private:
 
 void ConvergenceTest::initTestCase()
 {
-    LiveTest::initTestCase();
+    LiveFixture::initTestCase();
     mReplacement.start();
     mForger.start();
 }
@@ -351,6 +351,7 @@ void ConvergenceTest::restart()
     PrivateBus::deliver();
     const QDBusPendingReply<> reply = mObjects->taskSwitcher.next();
     const int kind = below(4);
+    // The other service, with an older state, gets the name in between where it has had it before.
     if (kind == 0) {
         mActive->kill();
         mActive->start();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "LiveTest.h"
+#include "LiveFixture.h"
 #include "TestMain.h"
 
 #include <TelvaroRequests.h>
@@ -12,7 +12,7 @@
 #include <QSignalSpy>
 
 /// The whole of the live layer with a service that behaves.
-class LiveLayerTest : public LiveTest
+class LiveLayerTest : public LiveFixture
 {
     Q_OBJECT
 

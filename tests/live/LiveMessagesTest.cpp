@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BusMonitorProcess.h"
+#include "LiveFixture.h"
 #include "LiveRequests.h"
-#include "LiveTest.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 
@@ -17,7 +17,7 @@ const QString cOwnerQuestion =
 } // namespace
 
 /// Every message that the layer sends, as it is counted on the bus.
-class LiveMessagesTest : public LiveTest
+class LiveMessagesTest : public LiveFixture
 {
     Q_OBJECT
 
@@ -49,13 +49,13 @@ private:
 
 void LiveMessagesTest::initTestCase()
 {
-    LiveTest::initTestCase();
+    LiveFixture::initTestCase();
     mMonitor.start();
 }
 
 void LiveMessagesTest::init()
 {
-    LiveTest::init();
+    LiveFixture::init();
     mObjects.reset();
     setViews(makeViews(3), QStringLiteral("a"));
     takeSent();

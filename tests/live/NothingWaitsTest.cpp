@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "EventLoopProbe.h"
+#include "LiveFixture.h"
 #include "LiveRequests.h"
-#include "LiveTest.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 
@@ -49,7 +49,7 @@ qint64 holdOfAnIdleLoop()
 Q_DECLARE_METATYPE(Trouble)
 
 /// No operation, construction and destruction included, holds the event loop, whatever the service and the bus do.
-class NothingWaitsTest : public LiveTest
+class NothingWaitsTest : public LiveFixture
 {
     Q_OBJECT
 

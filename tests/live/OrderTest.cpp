@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "LiveFixture.h"
 #include "LiveRequests.h"
-#include "LiveTest.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -64,7 +64,7 @@ const QList<Property>& properties()
 } // namespace
 
 /// Answers and notifications in any order.
-class OrderTest : public LiveTest
+class OrderTest : public LiveFixture
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "LiveTest.h"
+#include "LiveFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
 
@@ -12,7 +12,7 @@
 #include <memory>
 
 /// The rows of the views, and the signals about them.
-class RowsTest : public LiveTest
+class RowsTest : public LiveFixture
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private:
 
 void RowsTest::init()
 {
-    LiveTest::init();
+    LiveFixture::init();
     setViews(makeViews(5), QStringLiteral("b"));
     mService.setStateful(true);
     mSwitcher = std::make_unique<TelvaroTaskSwitcher>();
@@ -85,7 +85,7 @@ void RowsTest::cleanup()
 {
     mTester.reset();
     mSwitcher.reset();
-    LiveTest::cleanup();
+    LiveFixture::cleanup();
 }
 
 void RowsTest::show(const QList<TaskSwitcherEntry>& views)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "LiveTest.h"
+#include "LiveFixture.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 
@@ -21,7 +21,7 @@ const Behaviour cRefusal = Behaviour::error(QStringLiteral("org.example.Error.Re
 } // namespace
 
 /// Steps from view to view, quick and slow.
-class StepsTest : public LiveTest
+class StepsTest : public LiveFixture
 {
     Q_OBJECT
 

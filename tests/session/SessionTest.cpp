@@ -108,6 +108,7 @@ private Q_SLOTS:
     void aScriptThatIsWrongIsWrongUsage();
     void aStepThatCannotBeTakenEndsTheSession();
     void theSizeIsTheOutputs();
+    void theCompositorsOtherOptionsArePassedOn();
     void nothingIsLeftBehind();
     void aTerminatedSessionEndsItsCommand();
     void aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrupted();
@@ -252,6 +253,19 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
     QVERIFY2(result.errors.contains(QLatin1String("step 1: there is no view \"one\"")), qPrintable(result.errors));
     QVERIFY2(result.errors.endsWith(QLatin1String("telvaro-compositor has ended with exit status 1\n")),
              qPrintable(result.errors));
+}
+
+void SessionTest::theCompositorsOtherOptionsArePassedOn()
+{
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--touch"), QStringLiteral("--turn-window"),
+                              QStringLiteral("--keyboard-layout")};
+    const Result done = session(options + QStringList{QStringLiteral("de(nodeadkeys)"), QStringLiteral("true")});
+    QCOMPARE(done.errors, QString());
+    QCOMPARE(done.status, 0);
+    const Result refused = session(options + QStringList{QStringLiteral("nowhere"), QStringLiteral("true")});
+    QVERIFY2(refused.errors.startsWith(QLatin1String("telvaro-compositor: \"nowhere\" is not a keyboard layout")),
+             qPrintable(refused.errors));
+    QCOMPARE(refused.status, 2);
 }
 
 void SessionTest::theSizeIsTheOutputs()

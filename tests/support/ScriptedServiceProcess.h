@@ -66,7 +66,8 @@ public:
     void reset();
 
     void own(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
-    /// As above, and takes the name from one that has taken it in the same way, with no gap between the two.
+    /// As above, and takes the name from one that has taken it in the same way, with no gap between the two. That one
+    /// gets it back when this one ends.
     void takeOver(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
     void release(const QString& name = QStringLiteral(TELVARO_SERVICE_NAME));
 

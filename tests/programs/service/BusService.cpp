@@ -31,7 +31,7 @@ void BusService::requestName(const QString& name, bool replaceable)
 {
     const guint32 allowReplacementAndReplace = 1 | 2;
     const guint32 doNotQueue = 4;
-    const guint32 flags = doNotQueue | (replaceable ? allowReplacementAndReplace : 0);
+    const guint32 flags = replaceable ? allowReplacementAndReplace : doNotQueue;
     const guint32 primaryOwner = 1;
     expectResult(callBusDaemon("RequestName", g_variant_new("(su)", name.toUtf8().constData(), flags)), primaryOwner);
 }

@@ -19,7 +19,7 @@ protected:
     virtual void receive(GDBusMessage* call) = 0;
 
     /// Throws std::runtime_error if the name has an owner or the bus rejects it. A replaceable owner takes the name from
-    /// another replaceable one, without a moment in which nobody has it.
+    /// another replaceable one, without a moment in which nobody has it; the other waits to get it back.
     void requestName(const QString& name, bool replaceable = false);
     void releaseName(const QString& name);
 };

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "LiveTest.h"
+#include "LiveFixture.h"
 
 #include "PrivateBus.h"
 
-QList<TaskSwitcherEntry> LiveTest::makeViews(int count)
+QList<TaskSwitcherEntry> LiveFixture::makeViews(int count)
 {
     QList<TaskSwitcherEntry> views;
     for (int index = 0; index < count; ++index) {
@@ -13,7 +13,7 @@ QList<TaskSwitcherEntry> LiveTest::makeViews(int count)
     return views;
 }
 
-QStringList LiveTest::currentRows(const TelvaroViewModel& views)
+QStringList LiveFixture::currentRows(const TelvaroViewModel& views)
 {
     QStringList uuids;
     for (int row = 0; row < views.rowCount(); ++row) {
@@ -24,12 +24,12 @@ QStringList LiveTest::currentRows(const TelvaroViewModel& views)
     return uuids;
 }
 
-QStringList LiveTest::taskSwitcherReads()
+QStringList LiveFixture::taskSwitcherReads()
 {
     return {getViewsCall(), getCurrentViewCall()};
 }
 
-QStringList LiveTest::screenReads()
+QStringList LiveFixture::screenReads()
 {
     QStringList reads;
     for (const char* const name :
@@ -40,7 +40,7 @@ QStringList LiveTest::screenReads()
     return reads;
 }
 
-void LiveTest::emitScreenChanged(const QString& changed, const QStringList& invalidated)
+void LiveFixture::emitScreenChanged(const QString& changed, const QStringList& invalidated)
 {
     mService.emitSignal(ServiceSignal::propertiesChanged(QStringLiteral("/screen"), QStringLiteral("de.Telvaro.screen"),
                                                          changed, invalidated));

@@ -18,7 +18,7 @@
 #define TRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT(actual, expected, ChildProcess::cDeadline)
 
 /// A test of the live layer on a bus with the scripted service on it.
-class LiveTest : public TaskSwitcherFixture
+class LiveFixture : public TaskSwitcherFixture
 {
     Q_OBJECT
 
