@@ -54,6 +54,9 @@ Compositor::Compositor(Options options)
     QObject::connect(&mCommands, &DeskCommands::screenShotRequested, &mWindow, [this] {
         takeScreenShot();
     });
+    mScreenSaver.setInhibitor([this] {
+        return mWindowStack.inhibitsIdle();
+    });
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
 }
 

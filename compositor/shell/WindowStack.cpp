@@ -221,6 +221,14 @@ void WindowStack::sendFrameCallbacks()
     }
 }
 
+bool WindowStack::inhibitsIdle() const
+{
+    const QVector<ClientWindow*> windows = visibleWindows();
+    return std::any_of(windows.cbegin(), windows.cend(), [](const ClientWindow* window) {
+        return window->surface() != nullptr && window->surface()->inhibitsIdle();
+    });
+}
+
 void WindowStack::paint(QPainter* painter) const
 {
     painter->setClipRect(mOutput.workArea(), Qt::IntersectClip);

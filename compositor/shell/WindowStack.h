@@ -49,6 +49,8 @@ public:
     void close(const QString& uuid);
     /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();
+    /// Whether a visible surface has a zwp_idle_inhibitor_v1.
+    bool inhibitsIdle() const;
 
     QRegion update() override;
     void paint(QPainter* painter) const override;

@@ -73,7 +73,11 @@ void ScreenSaver::restart()
 
 void ScreenSaver::startOrWait()
 {
-    const qint64 remaining = qint64(mTimeoutSeconds) * 1000 - mIdle.elapsed();
+    qint64 remaining = qint64(mTimeoutSeconds) * 1000 - mIdle.elapsed();
+    if (remaining <= 0 && mIsInhibited && mIsInhibited()) {
+        mIdle.restart();
+        remaining = qint64(mTimeoutSeconds) * 1000;
+    }
     if (remaining <= 0) {
         setActive(true);
     } else {

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
+
 /// Blanks the screen after a time without input, until there is input again.
 class ScreenSaver : public QObject
 {
@@ -36,6 +38,11 @@ public:
     bool activate();
     /// To be called for every input.
     void noteInput();
+    /// Sets a function that is asked when the timeout has passed; while it returns true, the timeout starts again.
+    void setInhibitor(const std::function<bool()>& isInhibited)
+    {
+        mIsInhibited = isInhibited;
+    }
 
 Q_SIGNALS:
     void activeChanged();
@@ -54,6 +61,7 @@ private:
     int mTimeoutSeconds;
     bool mEnabled = true;
     bool mActive = false;
+    std::function<bool()> mIsInhibited;
     QElapsedTimer mIdle;
     QTimer mTimer;
 };

@@ -73,6 +73,16 @@ void ClientSurface::sendFrameCallbacks()
     }
 }
 
+bool ClientSurface::inhibitsIdle() const
+{
+    const auto childInhibits = [](const Child& child) {
+        return child.surface->inhibitsIdle();
+    };
+    return (surface() != nullptr && surface()->inhibitsIdle())
+        || std::any_of(mChildrenBelow.cbegin(), mChildrenBelow.cend(), childInhibits)
+        || std::any_of(mChildrenAbove.cbegin(), mChildrenAbove.cend(), childInhibits);
+}
+
 ClientSurface* ClientSurface::surfaceAt(const QPointF& position, QPointF* localPosition)
 {
     const auto childAt = [&](const Children& children) -> ClientSurface* {

@@ -38,6 +38,8 @@ public:
     void paint(QPainter* painter, const QPoint& position) const;
     /// Sends wl_surface.frame callbacks: the content has been shown.
     void sendFrameCallbacks();
+    /// Whether a surface of this tree has a zwp_idle_inhibitor_v1.
+    bool inhibitsIdle() const;
     /// Returns the surface of this tree that takes input at `position`, which is mapped to `localPosition`, or null.
     ClientSurface* surfaceAt(const QPointF& position, QPointF* localPosition);
 

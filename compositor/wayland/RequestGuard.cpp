@@ -115,6 +115,7 @@ const RequestGuard::Rule RequestGuard::cRules[] = {
     {"xdg_popup", "destroy", &RequestGuard::destroyObject},
     {"wl_seat", "release", &RequestGuard::destroyObject},
     {"wl_output", "release", &RequestGuard::destroyObject},
+    {"zwp_idle_inhibit_manager_v1", "destroy", &RequestGuard::destroyObject},
 };
 
 RequestGuard::RequestGuard(QWaylandCompositor& compositor, QWaylandXdgShell& shell)

@@ -86,6 +86,7 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     , mShell(this)
     , mGuard(*this, mShell)
     , mViewporter(this)
+    , mIdleInhibitManager(this)
 {
     setUseHardwareIntegrationExtension(false);
     mWaylandOutput.setSizeFollowsWindow(false);

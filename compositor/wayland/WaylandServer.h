@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QWaylandCompositor>
+#include <QWaylandIdleInhibitManagerV1>
 #include <QWaylandOutput>
 #include <QWaylandViewporter>
 
@@ -72,6 +73,7 @@ private:
     RequestGuard mGuard;
     QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
+    QWaylandIdleInhibitManagerV1 mIdleInhibitManager;
     std::unique_ptr<ServerGlobals> mGlobals;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;

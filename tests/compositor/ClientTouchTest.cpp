@@ -1,21 +1,11 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientTouch.h"
-#include "ChildProcess.h"
+#include "ServerDesk.h"
 #include "WireClient.h"
-#include "state/Output.h"
-#include "state/ViewList.h"
-#include "wayland/ClientPopup.h"
-#include "wayland/WaylandServer.h"
 
-#include <QGuiApplication>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QWindow>
 
-#include <chrono>
-#include <functional>
-#include <future>
 #include <wayland-client-protocol.h>
 
 namespace {
@@ -27,45 +17,14 @@ constexpr quint16 cFrame = 3;
 constexpr quint16 cCancel = 4;
 constexpr quint16 cSeatCapabilities = 0;
 
-/// The Wayland server without a shell: the test puts the fingers down.
-struct Desk
-{
-    explicit Desk(const QString& runtimeDirectory)
-        : socket(runtimeDirectory + QStringLiteral("/wayland-touch"))
-    {
-        QObject::connect(&server, &WaylandServer::windowCreated, [this](ClientWindow* created) {
-            windows.append(created);
-            created->configure(QSize(400, 300), false, true);
-        });
-        server.start("wayland-touch");
-    }
-
-    /// Runs a client's work in a thread of its own and serves it.
-    static void serve(const std::function<void()>& work)
-    {
-        auto future = std::async(std::launch::async, work);
-        while (future.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        }
-        future.get();
-    }
-
-    QString socket;
-    Output output{QSize(400, 300)};
-    QWindow window;
-    ViewList views;
-    WaylandServer server{output, window, views};
-    QVector<QPointer<ClientWindow>> windows;
-};
-
 /// A client with a window and a number of wl_touch objects.
 struct TouchClient
 {
-    TouchClient(Desk& serving, int touchCount)
+    TouchClient(ServerDesk& serving, int touchCount)
         : desk(serving)
     {
-        Desk::serve([&] {
-            wire = std::make_unique<WireClient>(desk.socket);
+        ServerDesk::serve([&] {
+            wire = std::make_unique<WireClient>(desk.socketPath());
             seat = wire->bind("wl_seat", 5);
             for (int i = 0; i < touchCount; ++i) {
                 touches.append(wire->newId());
@@ -93,7 +52,7 @@ struct TouchClient
     }
     void synchronise()
     {
-        Desk::serve([this] {
+        ServerDesk::serve([this] {
             wire->synchronise();
         });
     }
@@ -111,7 +70,7 @@ struct TouchClient
         return result;
     }
 
-    Desk& desk;
+    ServerDesk& desk;
     std::unique_ptr<WireClient> wire;
     quint32 seat = 0;
     quint32 surface = 0;
@@ -155,12 +114,12 @@ private:
         return mDesk->server.touch();
     }
 
-    std::unique_ptr<Desk> mDesk;
+    std::unique_ptr<ServerDesk> mDesk;
 };
 
 void ClientTouchTest::initTestCase()
 {
-    mDesk = std::make_unique<Desk>(QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR")));
+    mDesk = std::make_unique<ServerDesk>();
 }
 
 void ClientTouchTest::cleanup()
@@ -298,7 +257,7 @@ void ClientTouchTest::aSurfaceEndsUnderAFinger()
     QVERIFY(client.down(1, QPointF(), QPointF()));
     touch().sendFrame();
     quint32 part = 0;
-    Desk::serve([&] {
+    ServerDesk::serve([&] {
         const quint32 subcompositor = client.wire->bind("wl_subcompositor");
         part = client.wire->createSurface();
         client.wire->send(WireMessage(subcompositor, WL_SUBCOMPOSITOR_GET_SUBSURFACE)
@@ -314,7 +273,7 @@ void ClientTouchTest::aSurfaceEndsUnderAFinger()
     QPointer<ClientSurface> inner = client.window->surface()->surfaceAt(QPointF(20, 20), &local);
     QVERIFY(inner != nullptr && inner != client.window->surface());
     QVERIFY(touch().down(2, client.window, inner, QPointF(20, 20), local));
-    Desk::serve([&] {
+    ServerDesk::serve([&] {
         client.wire->send(WireMessage(part, WL_SURFACE_DESTROY));
         client.wire->synchronise();
     });
@@ -345,7 +304,7 @@ void ClientTouchTest::aTouchObjectIsReleasedUnderAFinger()
 {
     TouchClient client(*mDesk, 2);
     QVERIFY(client.down(1, QPointF(), QPointF()));
-    Desk::serve([&] {
+    ServerDesk::serve([&] {
         client.wire->send(WireMessage(client.touches.first(), WL_TOUCH_RELEASE));
         client.wire->synchronise();
     });
@@ -353,7 +312,7 @@ void ClientTouchTest::aTouchObjectIsReleasedUnderAFinger()
     touch().up(1);
     touch().sendFrame();
     QCOMPARE(client.opcodes(1), QVector<quint16>({cDown, cMotion, cUp, cFrame}));
-    Desk::serve([&] {
+    ServerDesk::serve([&] {
         client.wire->send(WireMessage(client.seat, WL_SEAT_RELEASE));
         client.wire->synchronise();
     });
@@ -386,14 +345,6 @@ void ClientTouchTest::aClientThatDoesNotReadIsSparedFurtherFingers()
     QTRY_VERIFY_WITH_TIMEOUT(isFollowed(), ChildProcess::cDeadline);
 }
 
-int main(int argc, char** argv)
-{
-    const QTemporaryDir runtimeDirectory;
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtimeDirectory.path()));
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
-    ClientTouchTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+SERVER_TEST_MAIN(ClientTouchTest)
 
 #include "ClientTouchTest.moc"
