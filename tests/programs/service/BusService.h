@@ -18,8 +18,8 @@ protected:
     /// Called in the main loop's thread. Exceptions are printed to standard error.
     virtual void receive(GDBusMessage* call) = 0;
 
-    /// Throws std::runtime_error if the name has an owner or the bus rejects it. A replaceable owner takes the name from
-    /// another replaceable one, without a moment in which nobody has it; the other waits to get it back.
+    /// Throws std::runtime_error if the name has an owner or the bus rejects it. A replaceable owner takes the name
+    /// from another replaceable one, without a moment in which nobody has it; the other waits to get it back.
     void requestName(const QString& name, bool replaceable = false);
     void releaseName(const QString& name);
 };
