@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <cstring>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -17,10 +16,11 @@ namespace {
 std::atomic<int> warnings{0};
 
 /// The sources of libTelvaro bear its name, and its messages carry their file in every build; those of Qt and its
-/// plugins do not.
+/// plugins do not. A compiler cache may have put a relative directory before the name.
 bool isLibrarys(const QMessageLogContext& context)
 {
-    return context.file != nullptr && std::strncmp(context.file, "Telvaro", std::strlen("Telvaro")) == 0;
+    const QByteArray path(context.file);
+    return path.mid(path.lastIndexOf('/') + 1).startsWith("Telvaro");
 }
 
 void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
