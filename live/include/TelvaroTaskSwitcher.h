@@ -69,8 +69,8 @@ public:
     QDBusPendingReply<> previous();
 
 Q_SIGNALS:
-    /// Emitted once when the views have changed, be it their number, their order or their data, after the signals of the
-    /// model. That another view is current is no change of the views.
+    /// Emitted once when the views have changed, be it their number, their order or their data, after the signals of
+    /// the model. That another view is current is no change of the views.
     void viewsChanged();
 
     /// Emitted when another view or none has become current, after viewsChanged() and the signals of the model.

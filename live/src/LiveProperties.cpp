@@ -140,13 +140,16 @@ void LiveProperties::onDisconnected()
 void LiveProperties::setOwner(const QString& owner)
 {
     if (!mOwner.isEmpty() && !owner.isEmpty()) {
-        // Listeners hear of the end of the one before they hear of the other.
+        // Listeners hear of the end of the one before they hear of the other; one of them may delete this, or run an
+        // event loop in which the owner changes further.
         const QPointer<LiveProperties> self(this);
+        const quint64 changes = mOwnerChanges + 1;
         setOwner(QString());
-        if (!self) {
+        if (!self || mOwnerChanges != changes) {
             return;
         }
     }
+    ++mOwnerChanges;
     if (mOwnerQuestion != nullptr) {
         mOwnerQuestion->deleteLater();
         mOwnerQuestion->disconnect(this);

@@ -97,6 +97,7 @@ private:
     QString mInterface;
     std::vector<Property> mProperties;
     QString mOwner;
+    quint64 mOwnerChanges = 0;
     QDBusPendingCallWatcher* mOwnerQuestion = nullptr;
     TelvaroLiveObject::Status mAnnouncedStatus = TelvaroLiveObject::Absent;
 };

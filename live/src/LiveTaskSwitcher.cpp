@@ -11,7 +11,6 @@
 #include <TelvaroDBusDefinitions.h>
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 #include <QPointer>
 #include <QVariantMap>
 
@@ -78,8 +77,12 @@ QDBusPendingCall LiveTaskSwitcher::switchTo(const QString& uuid)
     const QDBusPendingCall request = write(Connector::cCurrentViewProperty, uuid);
     mRequestedView = uuid;
     mIsRequestedViewNamed = false;
-    mRequest = new QDBusPendingCallWatcher(request, this);
-    connect(mRequest, &QDBusPendingCallWatcher::finished, this, &LiveTaskSwitcher::onRequestAnswered);
+    mIsRequestAnswered = false;
+    ServiceCall::whenAnswered(request, this, [this, number = ++mRequest](const QDBusPendingCall& answered) {
+        if (number == mRequest) {
+            onRequestAnswered(answered.isError());
+        }
+    });
     return request;
 }
 
@@ -144,7 +147,7 @@ bool LiveTaskSwitcher::store(const QString& name, const QVariant& value, Origin 
         return false;
     }
     mCurrentView = uuid;
-    if (mRequest == nullptr) {
+    if (mIsRequestAnswered) {
         mRequestedView.clear();
     } else if (uuid == mRequestedView) {
         mIsRequestedViewNamed = true;
@@ -157,7 +160,7 @@ void LiveTaskSwitcher::forget()
     mViews.clear();
     mCurrentView.clear();
     mRequestedView.clear();
-    mRequest = nullptr;
+    ++mRequest;
 }
 
 void LiveTaskSwitcher::publish()
@@ -172,14 +175,10 @@ void LiveTaskSwitcher::publish()
     }
 }
 
-void LiveTaskSwitcher::onRequestAnswered(QDBusPendingCallWatcher* request)
+void LiveTaskSwitcher::onRequestAnswered(bool isRefused)
 {
-    request->deleteLater();
-    if (request != mRequest) {
-        return;
-    }
-    mRequest = nullptr;
-    if (request->isError() || mIsRequestedViewNamed) {
+    mIsRequestAnswered = true;
+    if (isRefused || mIsRequestedViewNamed) {
         mRequestedView.clear();
     }
 }

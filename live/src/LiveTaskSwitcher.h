@@ -30,7 +30,7 @@ protected:
     void publish() override;
 
 private:
-    void onRequestAnswered(QDBusPendingCallWatcher* request);
+    void onRequestAnswered(bool isRefused);
 
     LiveViews mRows;
     QList<TelvaroViewModel::View> mViews;
@@ -39,8 +39,9 @@ private:
 
     /// The view that was asked for last, from which a step begins, for as long as it may become the current one.
     QString mRequestedView;
-    /// The request for it, until it is answered.
-    QDBusPendingCallWatcher* mRequest = nullptr;
+    /// The number of the request for it, and whether that has been answered.
+    quint64 mRequest = 0;
+    bool mIsRequestAnswered = true;
     /// Whether the service named the view as the current one before it answered. Earlier requests may be why, so that
     /// the answer is to be awaited all the same.
     bool mIsRequestedViewNamed = false;

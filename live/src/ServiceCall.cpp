@@ -8,7 +8,9 @@
 #include <TelvaroDeviceDistinction.h>
 
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QList>
+#include <QMetaObject>
 #include <QString>
 #include <QVariant>
 
@@ -42,6 +44,29 @@ QDBusPendingCall ServiceCall::ask(const QString& peer, const QString& path, cons
     // libdbus takes it for no limit at all.
     const int unlimited = std::numeric_limits<int>::max();
     return send(peer, path, interface, method, arguments, unlimited);
+}
+
+void ServiceCall::whenAnswered(const QDBusPendingCall& call, QObject* context,
+                               const std::function<void(const QDBusPendingCall&)>& handler)
+{
+    const auto watch = [call, context, handler] {
+        auto* const watcher = new QDBusPendingCallWatcher(call, context);
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context, [watcher, handler] {
+            QObject::disconnect(watcher, &QDBusPendingCallWatcher::finished, nullptr, nullptr);
+            watcher->deleteLater();
+            handler(*watcher);
+        });
+        if (watcher->isFinished()) {
+            // It may be one of those that Qt forgets.
+            QMetaObject::invokeMethod(
+                watcher,
+                [watcher] {
+                    Q_EMIT watcher->finished(watcher);
+                },
+                Qt::QueuedConnection);
+        }
+    };
+    QMetaObject::invokeMethod(context, watch, Qt::QueuedConnection);
 }
 
 QDBusPendingCall ServiceCall::refuse(QDBusError::ErrorType type, const QString& reason)

@@ -5,6 +5,9 @@
 #include <QDBusError>
 #include <QDBusPendingCall>
 
+#include <functional>
+
+class QObject;
 class QString;
 class QVariant;
 template <typename T> class QList;
@@ -21,6 +24,14 @@ public:
     /// hung may still answer.
     static QDBusPendingCall ask(const QString& peer, const QString& path, const QString& interface,
                                 const QString& method, const QList<QVariant>& arguments);
+
+    /// Calls the handler once when the call has been answered or has failed, from the event loop of the context's
+    /// thread, after everything that the peer sent before. Not if the context is destroyed before.
+    ///
+    /// For calls that are returned to the user, who is to make the first watcher: of several, Qt forgets those that are
+    /// made after the answer has come.
+    static void whenAnswered(const QDBusPendingCall& call, QObject* context,
+                             const std::function<void(const QDBusPendingCall&)>& handler);
 
     /// A call that has failed without being sent.
     static QDBusPendingCall refuse(QDBusError::ErrorType type, const QString& reason);

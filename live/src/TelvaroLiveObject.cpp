@@ -3,8 +3,7 @@
 #include "TelvaroLiveObject.h"
 
 #include "LiveProperties.h"
-
-#include <QDBusPendingCallWatcher>
+#include "ServiceCall.h"
 
 TelvaroLiveObject::TelvaroLiveObject(QObject* parent)
     : TelvaroLiveObject(new LiveProperties, parent)
@@ -42,11 +41,9 @@ void TelvaroLiveObject::setTimeout(int milliseconds)
 
 QDBusPendingCall TelvaroLiveObject::report(const QDBusPendingCall& request)
 {
-    auto* const watcher = new QDBusPendingCallWatcher(request, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        if (watcher->isError()) {
-            Q_EMIT requestFailed(watcher->error());
+    ServiceCall::whenAnswered(request, this, [this](const QDBusPendingCall& answered) {
+        if (answered.isError()) {
+            Q_EMIT requestFailed(answered.error());
         }
     });
     return request;

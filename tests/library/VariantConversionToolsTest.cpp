@@ -20,7 +20,7 @@ void addRow(const char* name, const QVariant& value)
     QTest::newRow(name) << value;
 }
 
-// Values that convert to neither a bool nor a string.
+// Values that convert to none of the types.
 void addContainers()
 {
     addRow("invalid", QVariant());
@@ -46,6 +46,10 @@ private Q_SLOTS:
     void readsBools();
     void refusesWhatIsNoBool_data();
     void refusesWhatIsNoBool();
+    void readsInts_data();
+    void readsInts();
+    void refusesWhatIsNoInt_data();
+    void refusesWhatIsNoInt();
     void readsStrings_data();
     void readsStrings();
     void refusesWhatIsNoString_data();
@@ -114,6 +118,48 @@ void VariantConversionToolsTest::refusesWhatIsNoBool()
         QVERIFY(!VariantConversionTools::toBool(value, result));
         QCOMPARE(result, before);
     }
+}
+
+void VariantConversionToolsTest::readsInts_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("byte") << QVariant::fromValue(uchar(65)) << 65;
+    QTest::newRow("int16") << QVariant::fromValue(short(-1)) << -1;
+    QTest::newRow("uint16") << QVariant::fromValue(ushort(65535)) << 65535;
+    QTest::newRow("int32 smallest") << QVariant(std::numeric_limits<int>::min()) << std::numeric_limits<int>::min();
+    QTest::newRow("uint32 2^31 - 1") << QVariant(2147483647u) << 2147483647;
+    QTest::newRow("int64") << QVariant(-1ll) << -1;
+    QTest::newRow("uint64") << QVariant(300ull) << 300;
+}
+
+void VariantConversionToolsTest::readsInts()
+{
+    QFETCH(const QVariant, value);
+    QFETCH(const int, expected);
+    int result = ~expected;
+    QVERIFY(VariantConversionTools::toInt(value, result));
+    QCOMPARE(result, expected);
+}
+
+void VariantConversionToolsTest::refusesWhatIsNoInt_data()
+{
+    QTest::addColumn<QVariant>("value");
+    addContainers();
+    addRow("true", true);
+    addRow("word", QStringLiteral("1"));
+    addRow("fraction", 1.0);
+    addRow("uint32 2^31", 2147483648u);
+    addRow("int64 2^32", 4294967296ll);
+    addRow("uint64 largest", std::numeric_limits<quint64>::max());
+}
+
+void VariantConversionToolsTest::refusesWhatIsNoInt()
+{
+    QFETCH(const QVariant, value);
+    int result = 7;
+    QVERIFY(!VariantConversionTools::toInt(value, result));
+    QCOMPARE(result, 7);
 }
 
 void VariantConversionToolsTest::readsStrings_data()

@@ -8,8 +8,11 @@
 #include <TelvaroTaskSwitcher.h>
 
 #include <QAbstractItemModelTester>
+#include <QDBusPendingCallWatcher>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QSignalSpy>
+#include <QThread>
 
 /// The whole of the live layer with a service that behaves.
 class LiveLayerTest : public LiveFixture
@@ -69,6 +72,24 @@ private Q_SLOTS:
         const QDBusPendingReply<> reply = switcher.switchTo(QStringLiteral("z"));
         QVERIFY(waitFor(reply));
         QCOMPARE(reply.error().name(), QStringLiteral("org.example.Error.Failed"));
+        QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, ChildProcess::cDeadline);
+    }
+
+    // Of several watchers of a call, Qt forgets those that are made after the answer: the library's own come later.
+    void aReplyThatIsFinishedBeforeItIsWatchedIsReportedToAll()
+    {
+        scriptSetCurrentView({Behaviour::error(QStringLiteral("org.example.Error.Failed"), QStringLiteral("no"))});
+        TelvaroTaskSwitcher switcher;
+        const QSignalSpy failures(&switcher, &TelvaroLiveObject::requestFailed);
+        const QDBusPendingReply<> reply = switcher.switchTo(QStringLiteral("z"));
+        const QDeadlineTimer deadline(ChildProcess::cDeadline);
+        while (!reply.isFinished() && !deadline.hasExpired()) {
+            QThread::yieldCurrentThread();
+        }
+        QVERIFY(reply.isFinished());
+        const QDBusPendingCallWatcher watcher(reply);
+        const QSignalSpy finished(&watcher, &QDBusPendingCallWatcher::finished);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, ChildProcess::cDeadline);
         QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, ChildProcess::cDeadline);
     }
 

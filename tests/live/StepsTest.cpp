@@ -6,6 +6,7 @@
 
 #include <TelvaroTaskSwitcher.h>
 
+#include <QCoreApplication>
 #include <QSignalSpy>
 
 #include <algorithm>
@@ -52,8 +53,10 @@ QString StepsTest::step(TelvaroTaskSwitcher& switcher, const std::vector<bool>& 
             return {};
         }
     }
-    // A reply is finished before those who watch it have heard of it.
+    // A reply is finished before those who watch it have heard of it: Qt takes up to three turns of the event loop.
     PrivateBus::deliver();
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
     return switcher.getCurrentView();
 }
 
