@@ -96,7 +96,6 @@ void RequestsTest::failsOnceWith(const QDBusPendingReply<>& reply, const QString
     QVERIFY(waitFor(reply));
     QVERIFY(reply.isError());
     QCOMPARE(reply.error().name(), name);
-    TRY_VERIFY(!mFailures.isEmpty() || !isOfAnObject(request()));
     PrivateBus::deliver();
     QCOMPARE(mFailures, isOfAnObject(request()) ? QStringList{name} : QStringList());
 }
@@ -147,7 +146,7 @@ void RequestsTest::aRequestThatTakesTooLongFailsOnce()
     QElapsedTimer timer;
     timer.start();
     failsOnceWith(request().send(*mObjects), QStringLiteral("org.freedesktop.DBus.Error.NoReply"));
-    QVERIFY(timer.elapsed() >= limit);
+    QVERIFY(timer.elapsed() >= limit / 2);
     QVERIFY(timer.elapsed() < ChildProcess::cDeadline);
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "LiveFixture.h"
-#include "PrivateBus.h"
 #include "TestMain.h"
 
 #include <TelvaroTaskSwitcher.h>
@@ -52,8 +51,6 @@ QString StepsTest::step(TelvaroTaskSwitcher& switcher, const std::vector<bool>& 
             return {};
         }
     }
-    // A reply is finished before those who watch it have heard of it.
-    PrivateBus::deliver();
     return switcher.getCurrentView();
 }
 
