@@ -120,36 +120,39 @@ bool LiveProperties::subscribe()
 void LiveProperties::onOwnerNamed(QDBusPendingCallWatcher* call)
 {
     const QDBusPendingReply<QString> reply = *call;
-    setOwner(reply.isError() ? QString() : reply.value());
+    followOwner(reply.isError() ? QString() : reply.value());
 }
 
 void LiveProperties::onNameOwnerChanged(const QString& /*name*/, const QString& /*oldOwner*/, const QString& newOwner,
                                         const QDBusMessage& message)
 {
     if (message.service() == busName()) {
-        setOwner(newOwner);
+        followOwner(newOwner);
     }
 }
 
 void LiveProperties::onDisconnected()
 {
-    setOwner(QString());
+    followOwner(QString());
+}
+
+void LiveProperties::followOwner(const QString& owner)
+{
+    const int change = ++mOwnerChanges;
+    const QPointer<LiveProperties> self(this);
+    if (!mOwner.isEmpty() && !owner.isEmpty()) {
+        // Listeners hear of the end of the one before they hear of the other.
+        setOwner(QString());
+    }
+    // They may have run an event loop that named yet another one.
+    if (self && change == mOwnerChanges) {
+        setOwner(owner);
+    }
 }
 
 // Start, restart, replacement and end: no value of another owner is ever kept.
 void LiveProperties::setOwner(const QString& owner)
 {
-    if (!mOwner.isEmpty() && !owner.isEmpty()) {
-        // Listeners hear of the end of the one before they hear of the other; one of them may delete this, or run an
-        // event loop in which the owner changes further.
-        const QPointer<LiveProperties> self(this);
-        const quint64 changes = mOwnerChanges + 1;
-        setOwner(QString());
-        if (!self || mOwnerChanges != changes) {
-            return;
-        }
-    }
-    ++mOwnerChanges;
     if (mOwnerQuestion != nullptr) {
         mOwnerQuestion->deleteLater();
         mOwnerQuestion->disconnect(this);

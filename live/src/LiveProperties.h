@@ -87,6 +87,7 @@ private:
 
     bool subscribe();
     void onOwnerNamed(QDBusPendingCallWatcher* call);
+    void followOwner(const QString& owner);
     void setOwner(const QString& owner);
     void read(Property& property);
     void onRead(QDBusPendingCallWatcher* call);
@@ -97,7 +98,7 @@ private:
     QString mInterface;
     std::vector<Property> mProperties;
     QString mOwner;
-    quint64 mOwnerChanges = 0;
+    int mOwnerChanges = 0;
     QDBusPendingCallWatcher* mOwnerQuestion = nullptr;
     TelvaroLiveObject::Status mAnnouncedStatus = TelvaroLiveObject::Absent;
 };

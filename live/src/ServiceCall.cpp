@@ -14,6 +14,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -24,7 +25,8 @@ QDBusPendingCall send(const QString& peer, const QString& path, const QString& i
     QDBusMessage message = QDBusMessage::createMethodCall(peer, path, interface, method);
     message.setArguments(arguments);
     message.setAutoStartService(false);
-    return DBusConnection::getQDBusConnection().asyncCall(message, timeout);
+    // libdbus ends a process that names any other limit below 0.
+    return DBusConnection::getQDBusConnection().asyncCall(message, std::max(timeout, -1));
 }
 
 } // namespace

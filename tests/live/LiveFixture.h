@@ -7,6 +7,7 @@
 #include <TelvaroLiveObject.h>
 #include <TelvaroViewModel.h>
 
+#include <QCoreApplication>
 #include <QDBusPendingReply>
 #include <QList>
 #include <QMetaType>
@@ -38,11 +39,14 @@ protected:
 
     template <typename... Types> static bool waitFor(const QDBusPendingReply<Types...>& reply)
     {
-        return QTest::qWaitFor(
+        const bool isFinished = QTest::qWaitFor(
             [&reply] {
                 return reply.isFinished();
             },
             ChildProcess::cDeadline);
+        // Those who watch it hear of it by an event.
+        QCoreApplication::sendPostedEvents();
+        return isFinished;
     }
 };
 

@@ -48,21 +48,26 @@ const Basic cBasics[] = {
 
 const char* const cContainers[] = {"[%1]", "[[%1]]", "(%1,)", "[(%1,)]", "{'k': %1}", "[{'k': %1}]", "<%1>"};
 
-QStringList containers()
+QStringList containersOf(const char* types)
 {
     QStringList values{QStringLiteral("@as []"), QStringLiteral("@ay []")};
     for (const char* const container : cContainers) {
         for (const Basic& basic : cBasics) {
+            if (std::strchr(types, basic.type) == nullptr) {
+                continue;
+            }
             values.append(QString(QLatin1String(container)).arg(QLatin1String(basic.text)));
         }
     }
     return values;
 }
 
-/// All basic values of other types, and all containers.
-QStringList valuesOtherThan(const char* types)
+const char cAllTypes[] = "bynqiuxtdshvog";
+
+/// All basic values of other types, and containers of the others.
+QStringList valuesOtherThan(const char* types, const char* contents = "suv")
 {
-    QStringList values = containers();
+    QStringList values = containersOf(contents);
     for (const Basic& basic : cBasics) {
         if (std::strchr(types, basic.type) == nullptr) {
             values.append(QLatin1String(basic.text));
@@ -81,13 +86,13 @@ QStringList valuesOtherThanViews()
     const QStringList members{QStringLiteral("'u'"),      QStringLiteral("'a'"),      QStringLiteral("'1'"),
                               QStringLiteral("'2'"),      QStringLiteral("'3'"),      QStringLiteral("'4'"),
                               QStringLiteral("uint32 7"), QStringLiteral("uint32 8"), QStringLiteral("{'k': <'v'>}")};
-    QStringList values = valuesOtherThan("");
+    QStringList values = valuesOtherThan("", cAllTypes);
     const auto append = [&values](const QStringList& view) {
         values.append(QStringLiteral("[(%1)]").arg(view.join(QStringLiteral(", "))));
     };
     for (int index = 0; index < members.size(); ++index) {
         QStringList view = members;
-        for (const QString& value : valuesOtherThan(memberTypes[index])) {
+        for (const QString& value : valuesOtherThan(memberTypes[index], "su")) {
             // A dictionary of variants is what the attributes are.
             if (index < 8 || value != QLatin1String("{'k': <'text'>}")) {
                 view[index] = value;
@@ -136,6 +141,7 @@ private Q_SLOTS:
     void anInvalidatedValueIsKeptWhileItIsLoading();
     void aReplacedOwnerIsLoadedAnew_data();
     void aReplacedOwnerIsLoadedAnew();
+    void theLastOwnerCountsWhateverASlotDoes();
     void presenceHasNothingToLoad();
     void everyPropertyHasToBeKnown();
     void everyWrongTypeFailsAndAGoodValueHeals_data();
@@ -360,14 +366,55 @@ void StatusTest::aReplacedOwnerIsLoadedAnew()
     ScriptedServiceProcess successor;
     successor.start();
     successor.takeOver();
-    waitFor({Status::Loading, Status::Ready});
+    waitFor({Status::Absent, Status::Loading, Status::Ready});
     QVERIFY(value() != goodValue());
     script({cRefusal});
     mService.takeOver();
-    waitFor({Status::Loading, Status::Failed});
+    waitFor({Status::Absent, Status::Loading, Status::Failed});
     QCOMPARE(value(), QVariant(QString()));
     successor.takeOver();
-    waitFor({Status::Loading, Status::Ready});
+    waitFor({Status::Absent, Status::Loading, Status::Ready});
+}
+
+// A slot that hears of the end of one owner runs an event loop, in which the next one is replaced or ends as well.
+void StatusTest::theLastOwnerCountsWhateverASlotDoes()
+{
+    mService.release();
+    mService.takeOver();
+    mService.setCurrentView(QStringLiteral("b"));
+    TelvaroTaskSwitcher switcher;
+    TRY_COMPARE(switcher.getStatus(), Status::Ready);
+    ScriptedServiceProcess successor;
+    successor.start();
+    const auto returnTheName = [&] {
+        successor.kill();
+        PrivateBus::deliver();
+    };
+    const auto takeItAway = [&] {
+        mService.release();
+        returnTheName();
+    };
+    bool isFirst = true;
+    const auto connection = connect(&switcher, &TelvaroLiveObject::statusChanged, this, [&] {
+        if (isFirst) {
+            isFirst = false;
+            returnTheName();
+        }
+    });
+    successor.takeOver();
+    TRY_COMPARE(switcher.getCurrentView(), QStringLiteral("b"));
+    TRY_COMPARE(switcher.getStatus(), Status::Ready);
+    disconnect(connection);
+    connect(&switcher, &TelvaroLiveObject::statusChanged, this, [&] {
+        if (switcher.getStatus() == Status::Absent && successor.isRunning()) {
+            takeItAway();
+        }
+    });
+    successor.start();
+    successor.takeOver();
+    TRY_VERIFY(!successor.isRunning());
+    PrivateBus::deliver();
+    QCOMPARE(switcher.getStatus(), Status::Absent);
 }
 
 void StatusTest::presenceHasNothingToLoad()
@@ -382,8 +429,7 @@ void StatusTest::presenceHasNothingToLoad()
     ScriptedServiceProcess successor;
     successor.start();
     successor.takeOver();
-    PrivateBus::deliver();
-    QVERIFY(mRecorder->getStatuses().isEmpty());
+    waitFor({Status::Absent, Status::Ready});
     mService.release();
     successor.kill();
     waitFor({Status::Absent});
@@ -469,7 +515,7 @@ void StatusTest::everyUnusableReplyFails()
 {
     make();
     waitFor({Status::Ready});
-    QStringList replies = containers().filter(QRegularExpression(QStringLiteral("^[^<]")));
+    QStringList replies = containersOf(cAllTypes).filter(QRegularExpression(QStringLiteral("^[^<]")));
     for (const Basic& basic : cBasics) {
         if (basic.type != 'v') {
             replies.append(QLatin1String(basic.text));
