@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: The Telvaro authors
 """Compares the instructions and allocations of every operation of the connectors, as ratios to QtDBus written by hand,
 and those of changes on the live layer, as ratios to the connectors, with the ratios that are checked in. Fails if one is
-more than 2 % higher, or if an application sends another number of messages."""
+higher by more than its noise, or if an application sends another number of messages."""
 
 import argparse
 import concurrent.futures
@@ -14,7 +14,8 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "benchmarks
 import applications  # noqa: E402
 import harness  # noqa: E402
 
-ROOM = 1.02
+# A switch on the connectors varies by 2 % itself.
+ROOM = {"instructions": 1.02, "allocations": 1.02, "live instructions": 1.05}
 # More views would only take more of callgrind's time.
 OPERATIONS = [operation for operation in harness.OPERATIONS if operation.views <= 100]
 APPLICATION_VIEWS = [10, 100]
@@ -65,7 +66,7 @@ def main():
     expected = json.loads(arguments.ratios.read_text(encoding="utf-8"))
     failures = [
         f"{what} of {name}: {ratios[what][name]:.3f}, expected {expected[what][name]:.3f}"
-        for what in ratios for name in ratios[what] if ratios[what][name] > expected[what][name] * ROOM]
+        for what in ratios for name in ratios[what] if ratios[what][name] > expected[what][name] * ROOM[what]]
     failures += [f"messages of {name}: {messages[name]}, expected {expected['messages'][name]}"
                  for name in messages if messages[name] != expected["messages"][name]]
     if library["names"] != 0:
