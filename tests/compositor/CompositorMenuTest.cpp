@@ -291,14 +291,11 @@ void CompositorMenuTest::theWindowTurnsInsteadOfItsContents()
     CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
                        QStringLiteral("90"));
     // The picture is the device's, whose contents are turned.
-    TRY_COMPARE(screenShot().size(), QSize(1024, 600));
+    QCOMPARE(screenShot().size(), QSize(1024, 600));
     // The menu is where it is in a window that is 600 pixels wide and upright.
-    const auto switchByMenu = [this] {
-        click(300, 10);
-        clickRow(1);
-        return CompositorBus::currentView();
-    };
-    TRY_COMPARE(switchByMenu(), QStringLiteral("two"));
+    click(300, 10);
+    clickRow(1);
+    TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
 }
 
 void CompositorMenuTest::aCardHasAButtonThatClosesIt()
