@@ -133,10 +133,10 @@ class VirtualDevice:
         for name, value in (environment or {}).items():
             command = "export %s=%s; %s" % (name, shlex.quote(value), command)
         if user is not None:
-            command = "runuser -u %s -- bash -c %s" % (user, shlex.quote(command))
+            command = "cd ~%s && runuser -u %s -- bash -c %s" % (user, user, shlex.quote(command))
         number = next(self.numbers)
         self.agent.sendall(b"%d %s\n" % (number, base64.b64encode(command.encode())))
-        deadline = time.monotonic() + timeout
+        deadline = None if timeout is None else time.monotonic() + timeout
         while True:
             replied, status, *output = self._line(deadline, command).split()
             if replied == b"%d" % number:
@@ -144,8 +144,8 @@ class VirtualDevice:
 
     def _line(self, deadline, command):
         while b"\n" not in self.received:
-            left = deadline - time.monotonic()
-            if left <= 0:
+            left = None if deadline is None else deadline - time.monotonic()
+            if left is not None and left <= 0:
                 raise DeviceError("no reply in time to: " + command)
             self.agent.settimeout(left)
             try:
@@ -169,8 +169,12 @@ class VirtualDevice:
         """Waits in the device until the command succeeds."""
         self.expect("until { %s; } > /dev/null 2>&1; do sleep 0.1; done" % command, timeout=timeout, **arguments)
 
+    def run_in_session(self, command, **arguments):
+        """Runs a command as the device's user, who owns the compositor's session."""
+        return self.run(command, environment=SESSION, user="device", **arguments)
+
     def in_session(self, command, **arguments):
-        """Runs a command that must succeed as the device's user, who owns the compositor's session."""
+        """The same for a command that must succeed; returns its output."""
         return self.expect(command, environment=SESSION, user="device", **arguments)
 
     def start(self, name, command):
@@ -206,10 +210,17 @@ class VirtualDevice:
         """Presses keys together, by QEMU's names, and releases them."""
         self.monitor.execute("send-key", keys=[{"type": "qcode", "data": name} for name in names])
 
+    def wait(self):
+        """Waits until the device has been switched off from within, and returns QEMU's exit status."""
+        return self.process.wait()
+
     def stop(self):
         """Ends the device at once, and removes what it has left."""
         if self.process.poll() is None:
-            self.process.terminate()
+            try:
+                self.monitor.execute("quit")
+            except (AttributeError, DeviceError, OSError):
+                self.process.terminate()
             try:
                 self.process.wait(10)
             except subprocess.TimeoutExpired:
