@@ -22,7 +22,8 @@ public:
 public Q_SLOTS:
     uint Notify(const QString& appName, uint replacesId, const QString& appIcon, const QString& summary,
                 const QString& body, const QStringList& actions, const QVariantMap& hints, int expireTimeout);
-    /// Sends an error reply, with an empty text as the specification demands, when there is no such notification.
+    /// Sends an error reply, with an empty text as the Desktop Notifications Specification demands, when there is no
+    /// such notification.
     void CloseNotification(uint id);
     QStringList GetCapabilities() const;
     QString GetServerInformation(QString& vendor, QString& version, QString& specificationVersion) const;
