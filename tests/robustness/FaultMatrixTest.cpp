@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ConnectorFixture.h"
+#include "Fault.h"
 #include "OperationProcess.h"
 #include "Operations.h"
 #include "PrivateBus.h"
@@ -20,49 +21,6 @@ const QString cEmptyUuid =
 const QString cRefused = error(QStringLiteral("org.example.Error.Refused"), QStringLiteral("not now"));
 const QString cGone = error(QStringLiteral("org.freedesktop.DBus.Error.NoReply"),
                             QStringLiteral("Message recipient disconnected from message bus without replying"));
-
-/// The fault injected into one call to the service.
-enum class Fault
-{
-    ErrorReply,
-    EmptyReply,
-    PlainReply,
-    OtherContent,
-    ExtraArgument,
-    Exit,
-    LateReply
-};
-
-const QList<QPair<Fault, const char*>> cFaults{
-    {Fault::ErrorReply, "answered with an error"},
-    {Fault::EmptyReply, "answered with nothing"},
-    {Fault::PlainReply, "answered with another type"},
-    {Fault::OtherContent, "answered with a variant of another content"},
-    {Fault::ExtraArgument, "answered with an argument more"},
-    {Fault::Exit, "not answered, the service ends"},
-    {Fault::LateReply, "answered after a second"},
-};
-
-Behaviour behaviour(Fault fault, const ServiceCall& call)
-{
-    switch (fault) {
-    case Fault::ErrorReply:
-        return Behaviour::error(QStringLiteral("org.example.Error.Refused"), QStringLiteral("not now"));
-    case Fault::EmptyReply:
-        return Behaviour::reply();
-    case Fault::PlainReply:
-        return Behaviour::reply({QStringLiteral("uint32 7")});
-    case Fault::OtherContent:
-        return Behaviour::reply({QStringLiteral("<{1: 2.5}>")});
-    case Fault::ExtraArgument:
-        return Behaviour::reply(call.rightAnswer() + QStringList{QStringLiteral("'more'")});
-    case Fault::Exit:
-        return Behaviour::exit();
-    case Fault::LateReply:
-        return Behaviour::reply(call.rightAnswer()).after(1000);
-    }
-    Q_UNREACHABLE();
-}
 
 bool leavesTheResult(Fault fault)
 {
@@ -244,9 +202,9 @@ void FaultMatrixTest::everyCallMayFailInEveryWay_data()
     const QList<ServiceCall> calls = ServiceCall::all();
     for (int callIndex = 0; callIndex < calls.size(); ++callIndex) {
         const ServiceCall& call = calls.at(callIndex);
-        for (int faultIndex = 0; faultIndex < cFaults.size(); ++faultIndex) {
+        for (int faultIndex = 0; faultIndex < Faults::all().size(); ++faultIndex) {
             QTest::addRow("%s: %s %s (%d) is %s", qPrintable(call.operation), qPrintable(call.member),
-                          qPrintable(call.property), call.number, cFaults.at(faultIndex).second)
+                          qPrintable(call.property), call.number, Faults::all().at(faultIndex).second)
                 << callIndex << faultIndex;
         }
     }
@@ -258,10 +216,10 @@ void FaultMatrixTest::everyCallMayFailInEveryWay()
     QFETCH(int, faultIndex);
     const QList<ServiceCall> calls = ServiceCall::all();
     const ServiceCall& call = calls.at(callIndex);
-    const Fault fault = cFaults.at(faultIndex).first;
+    const Fault fault = Faults::all().at(faultIndex).first;
     Scenario::set(mService);
 
-    call.script(mService, behaviour(fault, call));
+    call.script(mService, Faults::behaviour(fault, call.rightAnswer()));
 
     const Outcome expected = expectation(fault, call);
     QCOMPARE(mOperations->perform(call.operation), expected.result);
