@@ -222,18 +222,20 @@ void CompositorScreenShotTest::isNeverLedAwayByWhatHasItsName()
         QCOMPARE(mkfifo(QFile::encodeName(target.fileName()).constData(), 0600), 0);
     }
 
-    // Links under every name that a screenshot of the next second may get. On a busy machine the screenshot may come
-    // later; then the links are made again.
+    // Links under every name that a screenshot may get within a second. On a slow machine it comes later than that;
+    // then the links are made again, for a second that begins later by half the time that they took.
     QElapsedTimer timer;
     timer.start();
+    qint64 milliseconds = 0;
     bool wasTrapped = false;
     while (!wasTrapped && timer.elapsed() < ChildProcess::cDeadline) {
         const QTemporaryDir trap;
         const QDateTime now = QDateTime::currentDateTime();
         for (int i = 0; i < 1000; ++i) {
-            const QString time = now.addMSecs(i).toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
+            const QString time = now.addMSecs(milliseconds + i).toString(QStringLiteral("yyyyMMdd-HHmmss-zzz"));
             QVERIFY(QFile::link(target.fileName(), trap.filePath(QStringLiteral("screenshot-%1.png").arg(time))));
         }
+        milliseconds = now.msecsTo(QDateTime::currentDateTime()) / 2;
         const QFileInfo created(takeScreenShot(trap.path()).arguments().value(0).toString());
         QVERIFY(created.isFile());
         QVERIFY(!created.isSymLink());
