@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
-#include "ConnectorFixture.h"
+#include "LiveFixture.h"
+#include "LiveRequests.h"
 #include "Operations.h"
 #include "PrivateBus.h"
 #include "ProcessMemory.h"
 #include "Scenario.h"
 #include "TelvaroTaskSwitcherDBusConnector.h"
 #include "TestMain.h"
+#include "ValueText.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDir>
 #include <QElapsedTimer>
+
+#include <functional>
 
 namespace {
 
@@ -51,21 +55,28 @@ Holdings Holdings::now()
 
 } // namespace
 
-/// Repeats all operations. TELVARO_SOAK_OPERATIONS and TELVARO_SOAK_CONSTRUCTIONS set the counts.
-class SoakTest : public ConnectorFixture
+/// Repeats all operations of the connectors and the live objects. TELVARO_SOAK_OPERATIONS and
+/// TELVARO_SOAK_CONSTRUCTIONS set the counts.
+class SoakTest : public LiveFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void nothingGrows();
+    void nothingGrowsWithTheLiveObjects();
     void noMessageWithAnEmptyArrayForViewsIsKept();
     void cleanupTestCase();
 
 private:
+    static int operationCount();
+    static int constructionCount();
     void perform(int operationCount, int constructionCount);
+    void live(int lifeCount);
+    /// Fails the test if the work holds more after it than before. What it needs once has been made before.
+    void expectNoGrowth(const QString& name, const std::function<void()>& work);
 
     Scenario mScenario;
-    QString mFigures;
+    QStringList mFigures;
 };
 
 void SoakTest::perform(int operationCount, int constructionCount)
@@ -97,37 +108,98 @@ void SoakTest::perform(int operationCount, int constructionCount)
     repeat(operations, constructions, constructionCount);
 }
 
-void SoakTest::nothingGrows()
+void SoakTest::live(int lifeCount)
 {
-    const int operationCount = setting("TELVARO_SOAK_OPERATIONS", 4000);
-    const int constructionCount = setting("TELVARO_SOAK_CONSTRUCTIONS", 1000);
-    Scenario::set(mService);
-    Operations standing;
-    standing.prepare();
-    perform(operationCount / 4, constructionCount / 4);
+    const int restartEvery = 10;
+    // Gone as well before the match rules are counted: objects share theirs.
+    LiveObjects standing;
+    for (int done = 0; done < lifeCount; ++done) {
+        LiveObjects objects;
+        const auto areAll = [&objects](Status status) {
+            return QTest::qWaitFor(
+                [&objects, status] {
+                    return objects.areAll(status);
+                },
+                ChildProcess::cDeadline);
+        };
+        QVERIFY(areAll(Status::Ready));
+        QDBusPendingReply<> last;
+        for (const LiveRequest& request : LiveRequest::all()) {
+            last = request.send(objects);
+        }
+        // Rows come and go, and reads are under way as well.
+        emitPropertiesChanged(
+            QStringLiteral("{'views': %1}").arg(ValueText::variant(ValueText::views(makeViews(1 + done % 5)))),
+            {QStringLiteral("currentView")});
+        emitScreenChanged(QStringLiteral("{'orientation': <1>}"), {QStringLiteral("fullScreen")});
+        if (done % restartEvery == 0) {
+            mService.release();
+            QVERIFY(areAll(Status::Absent));
+            mService.own();
+            QVERIFY(areAll(Status::Ready));
+            mService.takeCalls();
+        }
+        // Every other life ends before the replies come.
+        QVERIFY(done % 2 == 0 || waitFor(last));
+    }
+    TRY_VERIFY(standing.areAll(Status::Ready));
+    QVERIFY(Holdings::now().matchRules > 0);
+}
 
+void SoakTest::expectNoGrowth(const QString& name, const std::function<void()>& work)
+{
     QElapsedTimer timer;
     timer.start();
     const Holdings before = Holdings::now();
-    perform(operationCount, constructionCount);
+    work();
     const Holdings after = Holdings::now();
-    mFigures = QStringLiteral("%1 operations and %2 constructions in %3 s: memory %4 KiB, then %5 KiB; %6 descriptors, "
-                              "then %7; %8 match rules, then %9")
-                   .arg(operationCount)
-                   .arg(constructionCount)
-                   .arg(timer.elapsed() / 1000)
-                   .arg(before.kibibytes)
-                   .arg(after.kibibytes)
-                   .arg(before.descriptors)
-                   .arg(after.descriptors)
-                   .arg(before.matchRules)
-                   .arg(after.matchRules);
-    QVERIFY(before.matchRules > 0);
+    mFigures.append(QStringLiteral("%1 in %2 s: memory %3 KiB, then %4 KiB; %5 descriptors, then %6; %7 match rules, "
+                                   "then %8")
+                        .arg(name)
+                        .arg(timer.elapsed() / 1000)
+                        .arg(before.kibibytes)
+                        .arg(after.kibibytes)
+                        .arg(before.descriptors)
+                        .arg(after.descriptors)
+                        .arg(before.matchRules)
+                        .arg(after.matchRules));
     QCOMPARE(after.matchRules, before.matchRules);
     QCOMPARE(after.descriptors, before.descriptors);
     if (ProcessMemory::isMeaningful()) {
-        QVERIFY2(after.kibibytes - before.kibibytes < cAllowedKibibytes, qPrintable(mFigures));
+        QVERIFY2(after.kibibytes - before.kibibytes < cAllowedKibibytes, qPrintable(mFigures.last()));
     }
+}
+
+int SoakTest::operationCount()
+{
+    return setting("TELVARO_SOAK_OPERATIONS", 4000);
+}
+
+int SoakTest::constructionCount()
+{
+    return setting("TELVARO_SOAK_CONSTRUCTIONS", 1000);
+}
+
+void SoakTest::nothingGrows()
+{
+    Scenario::set(mService);
+    Operations standing;
+    standing.prepare();
+    perform(operationCount() / 4, constructionCount() / 4);
+    expectNoGrowth(QStringLiteral("%1 operations and %2 constructions").arg(operationCount()).arg(constructionCount()),
+                   [this] {
+                       perform(operationCount(), constructionCount());
+                   });
+}
+
+void SoakTest::nothingGrowsWithTheLiveObjects()
+{
+    const int lives = constructionCount() / 4;
+    setViews(makeViews(3), QStringLiteral("a"));
+    live(lives / 5);
+    expectNoGrowth(QStringLiteral("%1 lives of the live objects").arg(lives), [this, lives] {
+        live(lives);
+    });
 }
 
 void SoakTest::noMessageWithAnEmptyArrayForViewsIsKept()
@@ -154,7 +226,9 @@ void SoakTest::noMessageWithAnEmptyArrayForViewsIsKept()
 
 void SoakTest::cleanupTestCase()
 {
-    qInfo("%s", qPrintable(mFigures));
+    for (const QString& figures : mFigures) {
+        qInfo("%s", qPrintable(figures));
+    }
 }
 
 TELVARO_TEST_MAIN(SoakTest)
