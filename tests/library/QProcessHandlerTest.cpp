@@ -64,8 +64,8 @@ private Q_SLOTS:
     void theOutputIsTakenExactly();
     void theChannelsStayApart();
     void argumentsAreOneWordEach();
-    void anyOtherExitIsNotZero_data();
-    void anyOtherExitIsNotZero();
+    void anyOtherExitIsItsStatusOrMinusOne_data();
+    void anyOtherExitIsItsStatusOrMinusOne();
     void aProgramThatCannotBeStartedIsNotZero_data();
     void aProgramThatCannotBeStartedIsNotZero();
     void anUnknownProcessIsNotZeroForPidof();
@@ -155,21 +155,23 @@ void QProcessHandlerTest::argumentsAreOneWordEach()
     QCOMPARE(handler.getStandardOutput(), words.join(QLatin1Char('|')) + QLatin1Char('|'));
 }
 
-void QProcessHandlerTest::anyOtherExitIsNotZero_data()
+void QProcessHandlerTest::anyOtherExitIsItsStatusOrMinusOne_data()
 {
     QTest::addColumn<QString>("command");
-    QTest::newRow("status 1") << "exit 1";
-    QTest::newRow("status 255") << "exit 255";
-    QTest::newRow("killed") << "kill -KILL $$";
-    QTest::newRow("terminated") << "kill -TERM $$";
-    QTest::newRow("crashed") << "kill -SEGV $$";
+    QTest::addColumn<int>("status");
+    QTest::newRow("status 1") << "exit 1" << 1;
+    QTest::newRow("status 255") << "exit 255" << 255;
+    QTest::newRow("killed") << "kill -KILL $$" << -1;
+    QTest::newRow("terminated") << "kill -TERM $$" << -1;
+    QTest::newRow("crashed") << "kill -SEGV $$" << -1;
 }
 
-void QProcessHandlerTest::anyOtherExitIsNotZero()
+void QProcessHandlerTest::anyOtherExitIsItsStatusOrMinusOne()
 {
     QFETCH(const QString, command);
+    QFETCH(const int, status);
     QProcessHandler handler;
-    QVERIFY(handler.startProcess(cShell, script(QStringLiteral("echo out; echo error >&2; ") + command)) != 0);
+    QCOMPARE(handler.startProcess(cShell, script(QStringLiteral("echo out; echo error >&2; ") + command)), status);
     QCOMPARE(handler.getStandardOutput(), QStringLiteral("out\n"));
     QCOMPARE(handler.getStandardError(), QStringLiteral("error\n"));
 }
