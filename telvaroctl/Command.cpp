@@ -192,7 +192,7 @@ const QList<Command>& allCommands()
 {
     static const QList<Command> cCommands = statusCommands() + viewCommands() + processCommands() + screenCommands()
         + overlayCommands() + notificationCommands() + screenShotCommands() + waitCommands() + watchCommands()
-        + helpCommands() + completeCommands();
+        + recordCommands() + helpCommands() + completeCommands();
     return cCommands;
 }
 

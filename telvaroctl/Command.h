@@ -82,5 +82,6 @@ QList<Command> notificationCommands();
 QList<Command> screenShotCommands();
 QList<Command> waitCommands();
 QList<Command> watchCommands();
+QList<Command> recordCommands();
 QList<Command> helpCommands();
 QList<Command> completeCommands();
