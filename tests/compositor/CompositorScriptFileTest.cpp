@@ -83,8 +83,8 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong_data()
         R"(step 1, "add-view": "uuid" is missing)");
     add("view with an empty id", R"([{"add-view": {"uuid": "", "appId": "a", "pid": 1}}])",
         R"(step 1, "add-view", "uuid": a text is expected that is not empty)");
-    add("view without a process", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 0}}])",
-        R"(step 1, "add-view", "pid": a whole number from 1 to 4294967295 is expected)");
+    add("view without a process", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": -1}}])",
+        R"(step 1, "add-view", "pid": a whole number from 0 to 4294967295 is expected)");
     add("view with an unknown key", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "name": "n"}}])",
         R"(step 1, "add-view": unknown key "name")");
     add("view with a list as an attribute",
