@@ -90,7 +90,7 @@ Object parseDescription(const QString& xml)
 QList<Object> expectedObjects()
 {
     QList<Object> objects;
-    const QDir files(QStringLiteral(":/dbus"));
+    const QDir files(QStringLiteral(":/interfaces"));
     const QStringList names = files.entryList();
     for (const QString& name : names) {
         QFile file(files.filePath(name));

@@ -32,6 +32,7 @@ template <typename Value> bool isFailure(const Result<Value>& result)
 
 ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments)
 {
+    // Before Qt's D-Bus thread starts.
     UnixSignals::block();
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
@@ -83,7 +84,7 @@ QList<Command> recordCommands()
          "",
          "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
          "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet.",
+         "that is not registered yet. The time limit ends when it listens.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},

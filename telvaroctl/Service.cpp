@@ -3,7 +3,7 @@
 #include "Service.h"
 
 #include "Console.h"
-#include "ManifestAdvice.h"
+#include "Manifest.h"
 #include "TimeLimit.h"
 
 #include <TelvaroDBusDefinitions.h>
@@ -78,7 +78,7 @@ QDBusConnection Service::bus()
 bool Service::connect()
 {
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
-        printError(noDevice());
+        printError(QStringLiteral("this is not a compositor device: %1").arg(Manifest::advice()));
         return false;
     }
     return connectToBus();
@@ -141,11 +141,6 @@ QString Service::reason(const QDBusError& error)
         return noAnswer();
     }
     return error.message().isEmpty() ? error.name() : QStringLiteral("%1: %2").arg(error.name(), error.message());
-}
-
-QString Service::noDevice()
-{
-    return QStringLiteral("this is not a compositor device: %1").arg(manifestAdvice());
 }
 
 QString Service::noAnswer()

@@ -40,8 +40,6 @@ ExitStatus withScreen(const std::function<ExitStatus(TelvaroScreen&)>& function)
 
 /// Returns the error as text for a person.
 QString reason(const QDBusError& error);
-/// Returns why this is not a compositor device.
-QString noDevice();
 /// "the service de.Telvaro does not answer"
 QString noAnswer();
 QString notOnTheBus();

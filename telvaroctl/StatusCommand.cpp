@@ -3,8 +3,8 @@
 #include "Command.h"
 #include "Console.h"
 #include "DeepStatus.h"
-#include "DeviceManifestManager.h"
 #include "Json.h"
+#include "Manifest.h"
 #include "Service.h"
 #include "Table.h"
 #include "TimeLimit.h"
@@ -123,15 +123,14 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     const bool isUsable = isDevice && isEachAnswering;
     const QList<DeepStatus::Item> items = isUsable && isDeep ? DeepStatus::examine() : QList<DeepStatus::Item>();
     bool isFlawless = true;
-    const QString manifest = QStringLiteral(TELVARO_MANIFEST_PATH);
 
     QJsonObject proxies;
     QJsonObject objects;
     QJsonObject deep;
     Table table({QStringLiteral("WHAT"), QStringLiteral("STATE")});
     table.addRow({QStringLiteral("compositor device"), isDevice ? QStringLiteral("yes") : QStringLiteral("no")});
-    table.addRow({QStringLiteral("manifest"), manifest});
-    const QString code = DeviceManifestManager::getProductCode();
+    table.addRow({QStringLiteral("manifest"), Manifest::path()});
+    const QString code = Manifest::productCode();
     table.addRow({QStringLiteral("product code"), code.isEmpty() ? QStringLiteral("unknown") : code});
     table.addRow({QStringLiteral("%1 bus").arg(Service::builtBus()), Service::busAddress()});
     table.addRow({QStringLiteral("service %1").arg(Names::getServiceName()),
@@ -158,7 +157,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     if (asJson) {
         QJsonObject object{
             {QStringLiteral("compositorDevice"), isDevice},
-            {QStringLiteral("manifest"), manifest},
+            {QStringLiteral("manifest"), Manifest::path()},
             {QStringLiteral("productCode"), code},
             {QStringLiteral("bus"), Service::builtBus()},
             {QStringLiteral("busAddress"), Service::busAddress()},
@@ -177,7 +176,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
         printText(table.toText(terminalWidth()));
     }
     if (!isDevice) {
-        printError(Service::noDevice());
+        printError(QStringLiteral("this is not a compositor device: %1").arg(Manifest::advice()));
     }
     return isUsable && isFlawless ? Done : Failed;
 }

@@ -543,9 +543,10 @@ void SessionTest::aMachineWithoutTheManifestIsSaid()
                 {QStringLiteral("--headless"), QStringLiteral("true")});
     const Result result = finish(process);
     QCOMPARE(result.status, 0);
-    QCOMPARE(result.errors,
-             QStringLiteral("telvaro-session: the library does nothing on this machine: device-manifest.json does not "
-                            "hold {\"productCode\": \"481936\"}\n"));
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaro-session: the library does nothing on this machine: its manifest device-manifest.json "
+                       "does not exist; it must hold {\"productCode\": \"481936\"}\n"));
 }
 
 void SessionTest::aCompositorThatDiesEndsTheSession()
