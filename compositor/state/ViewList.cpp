@@ -65,6 +65,11 @@ bool ViewList::setCurrent(const QString& uuid)
 
 void ViewList::add(View view)
 {
+    if (wantsPanel(view.appId) && !view.isDialog) {
+        mPanel = view;
+        Q_EMIT panelChanged();
+        return;
+    }
     view.sortIndex = nextSortIndex(view.appId);
     mViews.append(view);
     mRecent.append(view.uuid);
@@ -74,6 +79,11 @@ void ViewList::add(View view)
 
 void ViewList::remove(const QString& uuid)
 {
+    if (uuid == mPanel.uuid && !uuid.isEmpty()) {
+        mPanel = {};
+        Q_EMIT panelChanged();
+        return;
+    }
     const QString oldCurrent = current();
     const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
         return view.uuid == uuid;
@@ -107,6 +117,10 @@ void ViewList::setTitle(const QString& uuid, const QString& title)
 
 void ViewList::setSize(const QString& uuid, const QSize& size)
 {
+    if (uuid == mPanel.uuid && size != mPanel.size) {
+        mPanel.size = size;
+        Q_EMIT panelChanged();
+    }
     assign(uuid, &View::size, size);
 }
 

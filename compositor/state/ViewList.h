@@ -40,7 +40,23 @@ public:
     /// Returns false when there is no such view.
     bool setCurrent(const QString& uuid);
 
-    /// Adds `view` as the current one, with the next sort index of its application.
+    /// Sets whose window is the panel instead of a view.
+    void setPanelAppId(const QString& appId)
+    {
+        mPanelAppId = appId;
+    }
+    /// Returns whether a new view of the application would be the panel.
+    bool wantsPanel(const QString& appId) const
+    {
+        return !mPanelAppId.isEmpty() && appId == mPanelAppId && mPanel.uuid.isEmpty();
+    }
+    /// The panel, which is none of views(); its uuid is empty while there is none.
+    const View& panel() const
+    {
+        return mPanel;
+    }
+
+    /// Adds `view` as the current one, with the next sort index of its application; or makes it the panel.
     void add(View view);
     /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
@@ -55,6 +71,7 @@ Q_SIGNALS:
     /// Emitted before currentChanged() when both change.
     void viewsChanged();
     void currentChanged();
+    void panelChanged();
 
 private:
     View* find(const QString& uuid);
@@ -64,4 +81,6 @@ private:
     QVector<View> mViews;
     /// The uuids, the most recently current one at the end.
     QStringList mRecent;
+    QString mPanelAppId;
+    View mPanel;
 };
