@@ -32,7 +32,7 @@ void CallLog::noteCall(const BusMessage& message, qint64 time)
     }
     if (!kinds.isEmpty() && message.isReplyExpected()) {
         const Kind& kind = kinds.constFirst();
-        mWaiting.insert({message.sender(), message.serial()}, {kind, mCounts.value(kind), time, false});
+        mWaiting.insert({message.sender(), message.serial()}, {kind, mCounts.value(kind), time});
     }
 }
 
@@ -61,10 +61,10 @@ std::optional<QJsonObject> CallLog::noteReply(const BusMessage& message, qint64 
     return stepFor(call, fault);
 }
 
-void CallLog::noteServiceGone()
+void CallLog::noteServiceGone(qint64 time)
 {
     for (Call& call : mWaiting) {
-        call.isOrphan = true;
+        call.end = call.end.value_or(time);
     }
 }
 
@@ -72,7 +72,7 @@ QVector<QJsonObject> CallLog::finish(qint64 time)
 {
     QVector<Call> unanswered;
     std::copy_if(mWaiting.cbegin(), mWaiting.cend(), std::back_inserter(unanswered), [time](const Call& call) {
-        return !call.isOrphan && time - call.time >= cLateMilliseconds;
+        return call.end.value_or(time) - call.time >= cLateMilliseconds;
     });
     std::sort(unanswered.begin(), unanswered.end(), [](const Call& left, const Call& right) {
         return left.time < right.time;

@@ -26,8 +26,8 @@ public:
     void noteCall(const BusMessage& message, qint64 time);
     /// Returns the step, if a reply or an error makes one.
     std::optional<QJsonObject> noteReply(const BusMessage& message, qint64 time);
-    /// From now on only an error of the bus answers the calls that wait.
-    void noteServiceGone();
+    /// The calls that wait do so no longer, unless the bus answers them with an error.
+    void noteServiceGone(qint64 time);
     /// Returns a step for each call that has waited in vain.
     QVector<QJsonObject> finish(qint64 time);
 
@@ -41,7 +41,8 @@ private:
         /// Which call of its kind this is, from 1.
         int number = 0;
         qint64 time = 0;
-        bool isOrphan = false;
+        /// When the service has gone before it has answered.
+        std::optional<qint64> end = {};
     };
 
     /// Returns the kinds that match a call: none if no fault can match it, and all properties for GetAll.

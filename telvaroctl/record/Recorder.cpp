@@ -165,7 +165,7 @@ void Recorder::noteOwner(const QString& owner)
     }
     mOwner = owner;
     mReads.clear();
-    mCalls.noteServiceGone();
+    mCalls.noteServiceGone(mClock.elapsed());
     if (mTimer.isActive()) {
         endMoment();
     }
