@@ -4,7 +4,6 @@
 
 #include "CommandLine.h"
 #include "Console.h"
-#include "ManifestAdvice.h"
 
 #include <TelvaroDeviceDistinction.h>
 
@@ -67,7 +66,7 @@ ExitStatus wrongArgumentCount(const char* command)
 bool isOnCompositorDevice()
 {
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
-        printError(QStringLiteral("this is not a compositor device: %1").arg(manifestAdvice()));
+        printError(QStringLiteral("this is not a compositor device by its manifest"));
         return false;
     }
     return true;
