@@ -331,8 +331,9 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
 
 void SessionTest::theCompositorsOtherOptionsArePassedOn()
 {
-    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--touch"), QStringLiteral("--turn-window"),
-                              QStringLiteral("--keyboard-layout")};
+    const QStringList options{QStringLiteral("--headless"),    QStringLiteral("--touch"),
+                              QStringLiteral("--turn-window"), QStringLiteral("--panel"),
+                              QStringLiteral("bar:left:80"),   QStringLiteral("--keyboard-layout")};
     const Result done = session(options + QStringList{QStringLiteral("de(nodeadkeys)"), QStringLiteral("true")});
     QCOMPARE(done.errors, QString());
     QCOMPARE(done.status, 0);
