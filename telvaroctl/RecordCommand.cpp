@@ -55,7 +55,6 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
                       std::get<std::unique_ptr<BusStream>>(std::move(stream)),
                       std::get<std::unique_ptr<BusStream>>(std::move(sender)), parser.isSet(cAnonymous));
     QObject::connect(&recorder, &Recorder::started, [] {
-        TimeLimit::lift();
         printError(QStringLiteral("recording %1").arg(TelvaroDBusDefinitions::getServiceName()));
     });
     QObject::connect(&recorder, &Recorder::ended, [] {
@@ -65,6 +64,8 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
         printError(error->text);
         return Failed;
     }
+    // What a service that hangs sends later is recorded.
+    TimeLimit::lift();
     const int status = QCoreApplication::exec();
     const Result<int> count = recorder.finish();
     if (isFailure(count)) {

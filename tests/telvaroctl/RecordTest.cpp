@@ -598,7 +598,7 @@ void RecordTest::withoutABusNothingIsRecorded()
     const Result result = record({fileName});
     PrivateBus::setAddress(ownBus);
     QCOMPARE(result.status, 1);
-    QVERIFY2(result.errors.startsWith(QLatin1String("telvaroctl: there is no bus: ")), qPrintable(result.errors));
+    QVERIFY2(result.errors.startsWith(QLatin1String("telvaroctl: there is no bus at ")), qPrintable(result.errors));
     QVERIFY(!QFile::exists(fileName));
 }
 
