@@ -79,9 +79,9 @@ QList<Command> recordCommands()
 {
     return {
         {"record", "Records what the service does as a script, until interrupted.", "FILE",
-         "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
-         "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet.",
+         "The reference compositor plays FILE as its script; '-' is standard output. Prints\n"
+         "'recording' to standard error once it listens, and waits for a service that is not\n"
+         "registered yet.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},

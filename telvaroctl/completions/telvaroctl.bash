@@ -40,6 +40,10 @@ _telvaroctl()
             top | is-current | pid)
                 candidates=$(ps -A -o comm= | sort -u)
                 ;;
+            record)
+                compopt -o filenames
+                candidates=$(compgen -f -- "$current")
+                ;;
             screenshot)
                 compopt -o filenames
                 candidates=$(compgen -d -- "$current")

@@ -45,6 +45,8 @@ function __telvaroctl_complete
             __telvaroctl_views uuid
         case top is-current pid
             ps -A -o comm= | sort -u
+        case record
+            __fish_complete_path $current
         case screenshot
             __fish_complete_directories $current
         case '*'

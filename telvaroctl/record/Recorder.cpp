@@ -28,8 +28,8 @@ QStringList signalRules()
     return {
         QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'")
             .arg(service, TelvaroDBusDefinitions::getPropertyInterface()),
-        QStringLiteral("type='signal',sender='%1',interface='%1',member='NameOwnerChanged',arg0='%2'")
-            .arg(cBus, service),
+        // dbus-broker does not show this one to a monitor that names its sender.
+        QStringLiteral("type='signal',interface='%1',member='NameOwnerChanged',arg0='%2'").arg(cBus, service),
     };
 }
 

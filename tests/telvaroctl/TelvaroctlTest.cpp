@@ -181,7 +181,7 @@ void TelvaroctlTest::helpNamesEveryCommand()
     QCOMPARE(result.status, 0);
     QCOMPARE(result.errors, QString());
     for (const QString& command : words("status views current switch next previous top is-current pid screensaver "
-                                        "orientation fullscreen overlay notify screenshot watch")) {
+                                        "orientation fullscreen overlay notify screenshot watch record")) {
         QVERIFY2(result.output.contains(QStringLiteral("\n  %1 ").arg(command)), qPrintable(command));
         const Result help = telvaroctl({command, QStringLiteral("--help")});
         QCOMPARE(help.status, 0);
