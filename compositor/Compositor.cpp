@@ -31,13 +31,25 @@ Compositor::Compositor(Options options)
     , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
+    , mKeymap(mOptions.keyboardLayout)
     , mServer(mOutput, mWindow, mViews)
+    , mInputInjector(mOutput, mWindowStack, mWindow)
     , mTaskSwitcherObject(mViews, mCallGate)
     , mScreenObject(mOutput, mScreenSaver, mCallGate)
     , mGlobalOverlayObject(mOverlayPanel, mCallGate)
     , mScreenShotObject(mScene, mCallGate)
     , mNotificationsObject(mNotificationCenter, mCallGate)
-    , mScriptPlayer(mOptions.script, mViews, mScreenSaver, mCallGate, mBusService)
+    , mDeskObject([this](const QByteArray& step, const DeskObject::Done& done) {
+        mScriptPlayer.takeStep(step, done);
+    })
+    , mScriptPlayer(mOptions.script,
+                    {mViews, mScreenSaver, mCallGate, mBusService, mInputInjector, mKeymap,
+                     [this] {
+                         hangUp();
+                     },
+                     [this] {
+                         return mServer.reopen();
+                     }})
 {
     mOutput.setWindowTurning(mOptions.isWindowTurning);
     mScene.addLayer(&mBackground);
@@ -46,14 +58,14 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mNotificationCards);
     mScene.addLayer(&mMenu);
     mScene.addLayer(&mOverlayPanel);
-    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
-    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     QObject::connect(&mStatusBar, &StatusBar::clicked, &mMenu, &Menu::toggle);
     QObject::connect(&mCommands, &DeskCommands::menuRequested, &mMenu, &Menu::toggle);
     QObject::connect(&mCommands, &DeskCommands::switchRequested, &mMenu, &Menu::step);
     QObject::connect(&mCommands, &DeskCommands::screenShotRequested, &mWindow, [this] {
         takeScreenShot();
     });
+    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
+    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     mScreenSaver.setInhibitor([this] {
         return mWindowStack.inhibitsIdle();
     });
@@ -85,9 +97,10 @@ MaybeError Compositor::start()
         seat->keymap()->setLayout(mOptions.keyboardLayout.name);
         seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
     }
-    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mOptions.keyboardLayout);
+    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mKeymap);
     mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
     mWindow.setInput(mSeatInput.get(), mTouchInput.get());
+    mInputInjector.setInput(mSeatInput.get(), mTouchInput.get());
     if (mOptions.isMouseFinger) {
         mWindow.useMouseAsFinger();
     }
@@ -99,16 +112,31 @@ MaybeError Compositor::start()
     return mScriptPlayer.start();
 }
 
+void Compositor::hangUp()
+{
+    mSeatInput->releaseKeys();
+    mTouchInput->cancel();
+    mServer.hangUp();
+    mOverlayPanel.hide();
+    const QVector<Notification> notifications = mNotificationCenter.notifications();
+    for (const Notification& notification : notifications) {
+        mNotificationCenter.close(notification.id, NotificationCenter::CloseReason::Undefined);
+    }
+}
+
 MaybeError Compositor::publishObjects()
 {
-    const std::pair<QString, QObject*> objects[] = {
+    QVector<std::pair<QString, QObject*>> objects{
         {QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject},
         {QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject},
         {QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject},
         {QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject},
         {QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject},
     };
-    for (const auto& [path, object] : objects) {
+    if (mOptions.isRemoteControlled) {
+        objects.append({QStringLiteral(TELVARO_DESK_PATH), &mDeskObject});
+    }
+    for (const auto& [path, object] : qAsConst(objects)) {
         if (const MaybeError error = mBusService.publish(path, object)) {
             return error;
         }

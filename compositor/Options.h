@@ -23,6 +23,7 @@ struct Options
     bool isFullScreenWindow = false;
     bool isWindowTurning = false;
     bool isMouseFinger = false;
+    bool isRemoteControlled = false;
     Keymap::Layout keyboardLayout;
     /// Empty where no script is given.
     Script::Plan script;

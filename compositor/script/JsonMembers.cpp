@@ -11,6 +11,14 @@ JsonMembers::JsonMembers(const JsonReader& object)
     }
 }
 
+bool JsonMembers::has(const QString& key)
+{
+    if (!mKnown.contains(key)) {
+        mKnown.append(key);
+    }
+    return mMembers.contains(key);
+}
+
 JsonReader JsonMembers::take(const QString& key)
 {
     if (!has(key)) {
@@ -19,11 +27,11 @@ JsonReader JsonMembers::take(const QString& key)
     return mObject.part(JsonReader::quoted(key), mMembers.take(key));
 }
 
-QString JsonMembers::choose(const QStringList& keys) const
+QString JsonMembers::choose(const QStringList& keys)
 {
     QStringList found;
     for (const QString& key : keys) {
-        if (has(key)) {
+        if (mMembers.contains(key)) {
             found.append(key);
         }
     }
@@ -37,12 +45,14 @@ QString JsonMembers::choose(const QStringList& keys) const
     if (found.size() > 1) {
         mObject.reject(QStringLiteral("only one of %1 is expected").arg(JsonReader::quotedList(found)));
     }
+    has(found.constFirst());
     return found.constFirst();
 }
 
 void JsonMembers::finish() const
 {
     if (!mMembers.isEmpty()) {
-        mObject.reject(QStringLiteral("unknown key %1").arg(JsonReader::quoted(mMembers.begin().key())));
+        mObject.reject(QStringLiteral("unknown key %1; the keys here are %2")
+                           .arg(JsonReader::quoted(mMembers.begin().key()), JsonReader::quotedList(mKnown)));
     }
 }

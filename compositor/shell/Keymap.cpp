@@ -3,6 +3,7 @@
 #include "shell/Keymap.h"
 
 #include <QChar>
+#include <QKeySequence>
 #include <QRegularExpression>
 
 #include <memory>
@@ -98,6 +99,24 @@ Keymap::Keymap(const Layout& layout)
             }
         }
     }
+
+    const quint32 shift = mCodes.value(XKB_KEY_Shift_L);
+    const quint32 level3 = mCodes.value(XKB_KEY_ISO_Level3_Shift);
+    for (const QVector<quint32>& modifiers : {QVector<quint32>(), {shift}, {level3}, {shift, level3}}) {
+        const std::unique_ptr<xkb_state, decltype(&xkb_state_unref)> state(xkb_state_new(keymap.get()),
+                                                                           xkb_state_unref);
+        for (const quint32 modifier : modifiers) {
+            xkb_state_update_key(state.get(), modifier, XKB_KEY_DOWN);
+        }
+        for (xkb_keycode_t code = xkb_keymap_min_keycode(keymap.get()); code <= last; ++code) {
+            const xkb_keysym_t symbol = xkb_state_key_get_one_sym(state.get(), code);
+            const uint character = xkb_keysym_to_utf32(symbol);
+            const bool isKeypad = symbol >= XKB_KEY_KP_Space && symbol <= XKB_KEY_KP_9;
+            if (character != 0 && !isKeypad && !mStrokes.contains(character)) {
+                mStrokes.insert(character, {code, modifiers});
+            }
+        }
+    }
 }
 
 quint32 Keymap::scanCodeOf(int key, const QString& text) const
@@ -110,4 +129,69 @@ quint32 Keymap::scanCodeOf(int key, const QString& text) const
         symbol = xkb_utf32_to_keysym(isPrintable ? characters.constFirst() : QChar::toLower(static_cast<uint>(key)));
     }
     return mCodes.value(symbol);
+}
+
+Result<QVector<Keymap::Stroke>> Keymap::readText(const QString& text) const
+{
+    QVector<Stroke> strokes;
+    const QVector<uint> characters = text.toUcs4();
+    for (const uint character : characters) {
+        const auto stroke = mStrokes.constFind(character == '\n' ? '\r' : character);
+        if (stroke == mStrokes.cend()) {
+            const bool isPrintable = QChar::isPrint(character);
+            return Error{QStringLiteral("the keyboard layout has no key for %1")
+                             .arg(isPrintable ? QLatin1Char('"') + QString::fromUcs4(&character, 1) + QLatin1Char('"')
+                                              : QStringLiteral("U+%1").arg(character, 4, 16, QLatin1Char('0')))};
+        }
+        strokes.append(*stroke);
+    }
+    return strokes;
+}
+
+Result<QVector<quint32>> Keymap::readKeys(const QString& text) const
+{
+    static const QHash<QString, xkb_keysym_t> modifiers{
+        {QStringLiteral("ctrl"), XKB_KEY_Control_L}, {QStringLiteral("alt"), XKB_KEY_Alt_L},
+        {QStringLiteral("shift"), XKB_KEY_Shift_L},  {QStringLiteral("altgr"), XKB_KEY_ISO_Level3_Shift},
+        {QStringLiteral("super"), XKB_KEY_Super_L},  {QStringLiteral("meta"), XKB_KEY_Super_L},
+    };
+    QStringList names = text.split(QLatin1Char('+'));
+    // The key "+" itself.
+    if (names.size() > 1 && names.constLast().isEmpty() && names.at(names.size() - 2).isEmpty()) {
+        names.removeLast();
+        names.last() = QStringLiteral("+");
+    }
+    QVector<quint32> codes;
+    for (int i = 0; i < names.size(); ++i) {
+        const QString& name = names.at(i);
+        const auto modifier = modifiers.constFind(name.toLower());
+        if (modifier == modifiers.cend() && i < names.size() - 1) {
+            return Error{QStringLiteral("\"%1\" is not a modifier: one of Ctrl, Alt, Shift, AltGr, Super is expected "
+                                        "before a \"+\"")
+                             .arg(name)};
+        }
+        const quint32 code = modifier == modifiers.cend() ? scanCodeOfName(name) : mCodes.value(*modifier);
+        if (code == 0) {
+            return Error{QStringLiteral("the keyboard layout has no key \"%1\"").arg(name)};
+        }
+        codes.append(code);
+    }
+    return codes;
+}
+
+quint32 Keymap::scanCodeOfName(const QString& name) const
+{
+    const QVector<uint> characters = name.toUcs4();
+    if (characters.size() == 1) {
+        const Stroke stroke = mStrokes.value(QChar::toLower(characters.constFirst()));
+        return stroke.modifiers.isEmpty() ? stroke.scanCode : 0;
+    }
+    // Qt's Enter is the one of the keypad.
+    const int key = name.compare(QLatin1String("enter"), Qt::CaseInsensitive) == 0
+        ? static_cast<int>(Qt::Key_Return)
+        : QKeySequence::fromString(name, QKeySequence::PortableText)[0];
+    const xkb_keysym_t symbol = keysymOfKey(key);
+    return mCodes.value(symbol == XKB_KEY_NoSymbol
+                            ? xkb_keysym_from_name(name.toUtf8().constData(), XKB_KEYSYM_CASE_INSENSITIVE)
+                            : symbol);
 }
