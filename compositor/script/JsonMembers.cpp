@@ -21,10 +21,17 @@ bool JsonMembers::has(const QString& key)
 
 JsonReader JsonMembers::take(const QString& key)
 {
-    if (!has(key)) {
-        mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
-    }
+    require({key});
     return mObject.part(JsonReader::quoted(key), mMembers.take(key));
+}
+
+void JsonMembers::require(const QStringList& keys)
+{
+    for (const QString& key : keys) {
+        if (!has(key)) {
+            mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
+        }
+    }
 }
 
 QString JsonMembers::choose(const QStringList& keys)

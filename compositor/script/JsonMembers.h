@@ -14,6 +14,7 @@ public:
 
     bool has(const QString& key);
     JsonReader take(const QString& key);
+    void require(const QStringList& keys);
     /// Returns which of `keys` the object has; it must be exactly one.
     QString choose(const QStringList& keys);
     void finish() const;

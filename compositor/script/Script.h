@@ -8,6 +8,7 @@
 #include "state/View.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 #include <optional>
@@ -20,6 +21,25 @@ namespace Script {
 struct AddView
 {
     View view;
+    std::optional<quint32> sortIndex;
+};
+
+struct ChangeView
+{
+    QString uuid;
+    ViewChange change;
+};
+
+/// Arranges these views in this order, in the places that they have together.
+struct OrderViews
+{
+    QStringList uuids;
+};
+
+/// Announces a text as the current view, which need not be one.
+struct AnnounceCurrentView
+{
+    QString text;
 };
 
 struct RemoveView
@@ -39,6 +59,12 @@ struct Call
 struct SetScreenSaverActive
 {
     bool isActive = false;
+};
+
+/// Lets the timeout blank the screen, or only the script.
+struct SetBlanking
+{
+    bool isAutomatic = true;
 };
 
 struct AddFault
@@ -89,7 +115,7 @@ struct End
 };
 
 using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze,
-                            Input, Hang, Restart, End>;
+                            ChangeView, OrderViews, AnnounceCurrentView, SetBlanking, Input, Hang, Restart, End>;
 
 /// What a view of an application comes to.
 struct ViewPattern

@@ -4,6 +4,7 @@
 
 #include "bus/BusInterfaces.h"
 #include "script/JsonMembers.h"
+#include "script/ViewReader.h"
 
 #include <QDBusVariant>
 #include <QFile>
@@ -142,26 +143,6 @@ Script::Event readEvent(const JsonReader& reader)
     return event;
 }
 
-Script::AddView readView(const JsonReader& reader)
-{
-    const QString title = QStringLiteral("title");
-    const QString processName = QStringLiteral("processName");
-    const QString attributes = QStringLiteral("attributes");
-    JsonMembers members(reader);
-    View view;
-    view.size = QSize(0, 0);
-    view.uuid = members.take(QStringLiteral("uuid")).readText();
-    view.appId = members.take(QStringLiteral("appId")).readText();
-    view.pid = members.take(QStringLiteral("pid")).readNumber<quint32>(1);
-    view.title = members.has(title) ? members.take(title).readText() : view.appId;
-    view.processName = members.has(processName) ? members.take(processName).readText() : view.appId;
-    if (members.has(attributes)) {
-        view.attributes = members.take(attributes).readScalars();
-    }
-    members.finish();
-    return {view};
-}
-
 /// The one member of an object whose key is a name on the bus.
 struct NamedValue
 {
@@ -280,6 +261,11 @@ Script::SetService readService(const JsonReader& reader)
 Script::RemoveView readRemoveView(const JsonReader& reader)
 {
     return {reader.readText()};
+}
+
+Script::SetBlanking readBlanking(const JsonReader& reader)
+{
+    return {reader.readWord({QStringLiteral("automatic"), QStringLiteral("scripted")}) == 0};
 }
 
 Script::Freeze readFreeze(const JsonReader& reader)
@@ -416,9 +402,8 @@ template <typename Value> Value valueOf(const JsonReader& reader, Result<Value> 
 Script::Input readType(const JsonReader& reader, const Keymap& keymap)
 {
     Gesture gesture;
-    const QVector<Keymap::Stroke> strokes = valueOf(reader, keymap.readText(reader.readText()));
-    for (const Keymap::Stroke& stroke : strokes) {
-        const QVector<quint32> keys = stroke.modifiers + QVector<quint32>{stroke.scanCode};
+    const QVector<QVector<quint32>> strokes = valueOf(reader, keymap.readText(reader.readText()));
+    for (const QVector<quint32>& keys : strokes) {
         gesture.pressKeys(keys);
         gesture.releaseKeys(keys);
     }
@@ -471,8 +456,12 @@ template <auto function> Script::Action readWith(const JsonReader& reader, const
 const QVector<Verb>& verbs()
 {
     static const QVector<Verb> all{
-        {QStringLiteral("add-view"), readWith<readView>},
+        {QStringLiteral("add-view"), readWith<ViewReader::readView>},
+        {QStringLiteral("change-view"), readWith<ViewReader::readChange>},
+        {QStringLiteral("order-views"), readWith<ViewReader::readOrder>},
+        {QStringLiteral("current-view"), readWith<ViewReader::readCurrent>},
         {QStringLiteral("remove-view"), readWith<readRemoveView>},
+        {QStringLiteral("blanking"), readWith<readBlanking>},
         {cSet, readWith<readSet>},
         {cCall, readWith<readCall>},
         {QStringLiteral("fault"), readWith<readFault>},

@@ -60,6 +60,8 @@ Q_SIGNALS:
     void ended(int status);
 
 private:
+    /// Returns an error if there is no such view.
+    MaybeError expectView(const QString& uuid) const;
     void take(const Script::Step& step);
     void takeLater(const Script::Step& step);
     void fail(const Script::Step& step, const Error& error);
@@ -79,6 +81,10 @@ private:
 
     MaybeError execute(const Script::AddView& action);
     MaybeError execute(const Script::RemoveView& action);
+    MaybeError execute(const Script::ChangeView& action);
+    MaybeError execute(const Script::OrderViews& action);
+    MaybeError execute(const Script::AnnounceCurrentView& action);
+    MaybeError execute(const Script::SetBlanking& action);
     MaybeError execute(const Script::Call& action);
     MaybeError execute(const Script::SetScreenSaverActive& action);
     MaybeError execute(const Script::AddFault& action);

@@ -33,6 +33,8 @@ WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QO
         dismissPopups();
         configureAll();
     });
+    // Popups stay open: the text field that has opened the on-screen keyboard may be in one.
+    connect(&output, &Output::workAreaChanged, this, &WindowStack::configureAll);
     connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
 }
 

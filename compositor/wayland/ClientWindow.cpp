@@ -193,12 +193,19 @@ void ClientWindow::map()
     view.isDialog = parentToplevel() != nullptr;
     view.isResponding = isResponding();
     mViews.add(view);
+    if (mLiveness != nullptr) {
+        mLiveness->addWindow();
+    }
 }
 
 void ClientWindow::unmap()
 {
-    if (isMapped()) {
-        mViews.remove(std::exchange(mUuid, QString()));
+    if (!isMapped()) {
+        return;
+    }
+    mViews.remove(std::exchange(mUuid, QString()));
+    if (mLiveness != nullptr) {
+        mLiveness->removeWindow();
     }
 }
 

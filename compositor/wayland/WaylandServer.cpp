@@ -13,6 +13,7 @@
 #include "wayland/DataDevices.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/TextInputs.h"
 #include "wayland/XdgOutput.h"
 
 #include <QCoreApplication>
@@ -192,6 +193,11 @@ ClientTouch& WaylandServer::touch()
     return *mTouch;
 }
 
+TextInputs& WaylandServer::textInputs()
+{
+    return *mTextInputs;
+}
+
 void WaylandServer::announceGlobals()
 {
     mGlobals = std::make_unique<ServerGlobals>(display());
@@ -202,6 +208,7 @@ void WaylandServer::announceGlobals()
     mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
     mTouch = std::make_unique<ClientTouch>(*defaultSeat());
+    mTextInputs = std::make_unique<TextInputs>(*mGlobals, *defaultSeat());
 }
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)

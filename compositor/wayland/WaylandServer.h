@@ -24,6 +24,7 @@ class DataDevices;
 class Output;
 class PixelBudget;
 class ServerGlobals;
+class TextInputs;
 class ViewList;
 class XdgOutput;
 
@@ -49,6 +50,7 @@ public:
     /// Exist after start().
     ClientDrag& drag();
     ClientTouch& touch();
+    TextInputs& textInputs();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -84,6 +86,7 @@ private:
     std::unique_ptr<ServerGlobals> mGlobals;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
+    std::unique_ptr<TextInputs> mTextInputs;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
     /// The xdg_wm_base of each xdg_surface.
