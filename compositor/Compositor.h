@@ -58,6 +58,8 @@ public:
 
 private:
     MaybeError publishObjects();
+    /// Gives the panel its strip of the output when it appears.
+    void placePanel();
     /// Stores a screenshot among the person's pictures and posts a notification about it.
     void takeScreenShot();
 

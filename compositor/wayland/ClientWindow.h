@@ -42,6 +42,8 @@ public:
     {
         return mXdgSurface;
     }
+    /// The process name of a client that sets none.
+    QString appId() const;
     QWaylandXdgToplevel* parentToplevel() const;
     QWaylandXdgToplevel* toplevel() const
     {
@@ -64,7 +66,7 @@ Q_SIGNALS:
     void committed();
     /// See ClientLiveness::caughtUp().
     void caughtUp();
-    /// The client has requested a state, or its parent window has changed.
+    /// The client has requested a state, or its parent window or its application has changed.
     void configureRequested();
 
 private:
@@ -73,7 +75,6 @@ private:
     void handleCaughtUp();
     void map();
     void unmap();
-    QString appId() const;
     void sendConfigure();
 
     QPointer<QWaylandXdgToplevel> mToplevel;

@@ -331,8 +331,9 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
 
 void SessionTest::theCompositorsOtherOptionsArePassedOn()
 {
-    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--touch"), QStringLiteral("--turn-window"),
-                              QStringLiteral("--keyboard-layout")};
+    const QStringList options{QStringLiteral("--headless"),    QStringLiteral("--touch"),
+                              QStringLiteral("--turn-window"), QStringLiteral("--panel"),
+                              QStringLiteral("bar:left:80"),   QStringLiteral("--keyboard-layout")};
     const Result done = session(options + QStringList{QStringLiteral("de(nodeadkeys)"), QStringLiteral("true")});
     QCOMPARE(done.errors, QString());
     QCOMPARE(done.status, 0);
@@ -543,9 +544,10 @@ void SessionTest::aMachineWithoutTheManifestIsSaid()
                 {QStringLiteral("--headless"), QStringLiteral("true")});
     const Result result = finish(process);
     QCOMPARE(result.status, 0);
-    QCOMPARE(result.errors,
-             QStringLiteral("telvaro-session: the library does nothing on this machine: device-manifest.json does not "
-                            "hold {\"productCode\": \"481936\"}\n"));
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaro-session: the library does nothing on this machine: its manifest device-manifest.json "
+                       "does not exist; it must hold {\"productCode\": \"481936\"}\n"));
 }
 
 void SessionTest::aCompositorThatDiesEndsTheSession()
