@@ -64,7 +64,7 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
         printError(error->text);
         return Failed;
     }
-    // What a service that hangs sends later is recorded.
+    // A service that hangs is recorded, too.
     TimeLimit::lift();
     const int status = QCoreApplication::exec();
     const Result<int> count = recorder.finish();
@@ -83,9 +83,9 @@ QList<Command> recordCommands()
         {"record",
          "Records what the service does as a script, until interrupted.",
          "",
-         "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
-         "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet. The time limit ends when it listens.",
+         "The reference compositor plays FILE as its script; '-' is standard output. Prints\n"
+         "'recording' to standard error once it listens, and waits for a service that is not\n"
+         "registered yet. The time limit ends when the bus has replied.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},
