@@ -10,6 +10,7 @@
 namespace CompositorOptions {
 
 const QString cSize = QStringLiteral("size");
+const QString cPanel = QStringLiteral("panel");
 const QString cKeyboardLayout = QStringLiteral("keyboard-layout");
 const QString cTouch = QStringLiteral("touch");
 const QString cTurnWindow = QStringLiteral("turn-window");

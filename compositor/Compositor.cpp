@@ -68,6 +68,10 @@ Compositor::Compositor(Options options)
     });
     QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
     QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
+    mViews.setPanelAppId(mOptions.panel.appId);
+    QObject::connect(&mViews, &ViewList::panelChanged, &mOutput, [this] {
+        placePanel();
+    });
     mScreenSaver.setInhibitor([this] {
         return mWindowStack.inhibitsIdle();
     });
@@ -149,6 +153,20 @@ MaybeError Compositor::publishObjects()
         }
     }
     return {};
+}
+
+void Compositor::placePanel()
+{
+    const Options::Panel& panel = mOptions.panel;
+    const View& view = mViews.panel();
+    const bool isHorizontal = panel.edge == Qt::BottomEdge || panel.edge == Qt::TopEdge;
+    if (view.uuid.isEmpty()) {
+        mOutput.setPanel(panel.edge, 0);
+    } else if (mOutput.panelRect().isEmpty()) {
+        // Later sizes are those that the strip has given it.
+        const int ownThickness = isHorizontal ? view.size.height() : view.size.width();
+        mOutput.setPanel(panel.edge, panel.thickness > 0 ? panel.thickness : ownThickness);
+    }
 }
 
 void Compositor::takeScreenShot()

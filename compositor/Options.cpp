@@ -7,6 +7,7 @@
 #include "state/Limits.h"
 
 #include <QCommandLineParser>
+#include <QHash>
 #include <QRegularExpression>
 
 namespace {
@@ -47,6 +48,24 @@ Result<int> readSeconds(const QString& text)
         return Error{QStringLiteral("\"%1\" is not a number of seconds from 0").arg(text)};
     }
     return seconds;
+}
+
+Result<Options::Panel> readPanel(const QString& text)
+{
+    static const QHash<QString, Qt::Edge> edges{{QString(), Qt::BottomEdge},
+                                                {QStringLiteral("bottom"), Qt::BottomEdge},
+                                                {QStringLiteral("top"), Qt::TopEdge},
+                                                {QStringLiteral("left"), Qt::LeftEdge},
+                                                {QStringLiteral("right"), Qt::RightEdge}};
+    static const QRegularExpression pattern(
+        QStringLiteral("^([^:]+)(?::(bottom|top|left|right)(?::([1-9][0-9]{0,3}))?)?$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch()) {
+        return Error{QStringLiteral("\"%1\" is not a panel: APPID[:EDGE[:SIZE]] is expected, with an edge of bottom, "
+                                    "top, left and right and a size from 1 to 9999")
+                         .arg(text)};
+    }
+    return Options::Panel{match.captured(1), edges.value(match.captured(2)), match.captured(3).toInt()};
 }
 
 /// Stores the option's value, converted by `read`, in `target` if the option is given.
@@ -97,6 +116,7 @@ Result<Options> Options::read(const QCommandLineParser& parser)
          {assign(parser, CompositorOptions::cSize, readSize, &options.size),
           assign(parser, cSocket, readSocketName, &options.socketName),
           assign(parser, CompositorOptions::cScreenSaverTimeout, readSeconds, &options.screenSaverTimeoutSeconds),
+          assign(parser, CompositorOptions::cPanel, readPanel, &options.panel),
           assign(parser, CompositorOptions::cKeyboardLayout, Keymap::readLayout, &options.keyboardLayout),
           assign(parser, CompositorOptions::cScript, readScript, &options.script)}) {
         if (error) {

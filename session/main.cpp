@@ -3,9 +3,8 @@
 #include "BackgroundProcess.h"
 #include "CommandLine.h"
 #include "CompositorOptions.h"
-#include "DeviceManifestManager.h"
 #include "EnvironmentFile.h"
-#include "ManifestAdvice.h"
+#include "Manifest.h"
 #include "RunningSession.h"
 #include "Session.h"
 #include "ShellWord.h"
@@ -84,8 +83,8 @@ int run(QCoreApplication& application, const QCommandLineParser& parser, Backgro
     if (const MaybeError error = session.start()) {
         return session.areOptionsRejected() ? Usage : fail(*error);
     }
-    if (DeviceManifestManager::getProductCode() != QLatin1String(TELVARO_PRODUCT_CODE)) {
-        QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << manifestAdvice()
+    if (!Manifest::isOfCompositorDevice()) {
+        QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << Manifest::advice()
                             << '\n';
     }
     const QString environmentPath = parser.value(cEnvironmentFile);

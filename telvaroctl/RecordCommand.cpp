@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "Service.h"
+#include "TimeLimit.h"
 #include "UnixSignals.h"
 #include "record/BusStream.h"
 #include "record/Recorder.h"
@@ -30,16 +32,14 @@ template <typename Value> bool isFailure(const Result<Value>& result)
 
 ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("record");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
-    }
+    // Before Qt's D-Bus thread starts.
     UnixSignals::block();
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
                      &QCoreApplication::quit);
+    if (!Service::connect()) {
+        return Failed;
+    }
 
     Result<std::unique_ptr<BusStream>> stream = BusStream::open();
     Result<std::unique_ptr<BusStream>> sender = BusStream::open();
@@ -55,6 +55,7 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
                       std::get<std::unique_ptr<BusStream>>(std::move(stream)),
                       std::get<std::unique_ptr<BusStream>>(std::move(sender)), parser.isSet(cAnonymous));
     QObject::connect(&recorder, &Recorder::started, [] {
+        TimeLimit::lift();
         printError(QStringLiteral("recording %1").arg(TelvaroDBusDefinitions::getServiceName()));
     });
     QObject::connect(&recorder, &Recorder::ended, [] {
@@ -78,16 +79,20 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
 QList<Command> recordCommands()
 {
     return {
-        {"record", "Records what the service does as a script, until interrupted.", "FILE",
+        {"record",
+         "Records what the service does as a script, until interrupted.",
+         "",
          "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
          "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet.",
+         "that is not registered yet. The time limit ends when it listens.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},
                  {cForce, QStringLiteral("Replaces FILE if it exists.")},
              };
          },
-         record},
+         record,
+         {QStringLiteral("FILE")},
+         1},
     };
 }

@@ -52,6 +52,7 @@ ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xd
     });
     connect(toplevel, &QWaylandXdgToplevel::appIdChanged, this, [this] {
         mViews.setAppId(mUuid, appId());
+        Q_EMIT configureRequested();
     });
     connect(toplevel, &QWaylandXdgToplevel::parentToplevelChanged, this, [this] {
         mViews.setDialog(mUuid, parentToplevel() != nullptr);
@@ -211,5 +212,5 @@ void ClientWindow::unmap()
 
 QString ClientWindow::appId() const
 {
-    return mToplevel->appId().isEmpty() ? mProcessName : mToplevel->appId();
+    return mToplevel == nullptr || mToplevel->appId().isEmpty() ? mProcessName : mToplevel->appId();
 }

@@ -43,6 +43,8 @@ public:
     {
         return mXdgSurface;
     }
+    /// The process name of a client that sets none.
+    QString appId() const;
     QWaylandXdgToplevel* parentToplevel() const;
     QWaylandXdgToplevel* toplevel() const
     {
@@ -69,7 +71,7 @@ Q_SIGNALS:
     void committed();
     /// See ClientLiveness::caughtUp().
     void caughtUp();
-    /// The client has requested a state, or its parent window has changed.
+    /// The client has requested a state, or its parent window or its application has changed.
     void configureRequested();
 
 private:
@@ -78,7 +80,6 @@ private:
     void handleCaughtUp();
     void map();
     void unmap();
-    QString appId() const;
     void sendConfigure();
 
     QPointer<QWaylandXdgToplevel> mToplevel;

@@ -20,14 +20,14 @@ constexpr int cMomentMilliseconds = 50;
 /// For how long changes wait for the values that the service has not notified but is asked for.
 constexpr int cPatienceMilliseconds = 2000;
 
-const QString cProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString cBus = QStringLiteral("org.freedesktop.DBus");
 
 QStringList signalRules()
 {
     const QString service = TelvaroDBusDefinitions::getServiceName();
     return {
-        QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'").arg(service, cProperties),
+        QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'")
+            .arg(service, TelvaroDBusDefinitions::getPropertyInterface()),
         QStringLiteral("type='signal',sender='%1',interface='%1',member='NameOwnerChanged',arg0='%2'")
             .arg(cBus, service),
     };
@@ -150,10 +150,13 @@ void Recorder::noteMessage(const BusMessage& message)
     } else if (message.member() == QLatin1String("PropertiesChanged")
                && message.signature() == QLatin1String("sa{sv}as") && mState.isThere) {
         const QString interface = arguments.at(0).toString();
-        noteProperties(interface, arguments.at(1).toMap());
+        const QVariantMap changed = arguments.at(1).toMap();
+        for (auto property = changed.cbegin(); property != changed.cend(); ++property) {
+            noteProperty(interface, property.key(), property.value());
+        }
         const QVariantList invalidated = arguments.at(2).toList();
         for (const QVariant& name : invalidated) {
-            read(message.path(), QStringLiteral("Get"), {interface, name.toString()});
+            read(message.path(), {interface, name.toString()});
         }
     }
 }
@@ -178,13 +181,6 @@ void Recorder::noteOwner(const QString& owner)
         beginMoment();
         mState.isThere = true;
         readAll();
-    }
-}
-
-void Recorder::noteProperties(const QString& interface, const QVariantMap& properties)
-{
-    for (auto property = properties.cbegin(); property != properties.cend(); ++property) {
-        noteProperty(interface, property.key(), property.value());
     }
 }
 
@@ -276,18 +272,21 @@ QJsonObject Recorder::toAttributes(const QVariantMap& attributes)
 void Recorder::readAll()
 {
     for (const ServiceInterface& interface : ServiceInterface::all()) {
-        if (!interface.properties.isEmpty()) {
-            read(interface.path, QStringLiteral("GetAll"), {interface.name});
+        const QStringList properties = interface.properties.keys();
+        for (const QString& property : properties) {
+            read(interface.path, {interface.name, property});
         }
     }
 }
 
-void Recorder::read(const QString& path, const QString& member, const QStringList& arguments)
+void Recorder::read(const QString& path, const QStringList& property)
 {
     beginMoment();
     mTimer.start(cPatienceMilliseconds);
-    mReads.insert(mSender->call(TelvaroDBusDefinitions::getServiceName(), path, cProperties, member, arguments),
-                  arguments);
+    mReads.insert(mSender->call(TelvaroDBusDefinitions::getServiceName(), path,
+                                TelvaroDBusDefinitions::getPropertyInterface(),
+                                TelvaroDBusDefinitions::getPropertyMehodGet(), property),
+                  property);
 }
 
 void Recorder::noteReadReply(const BusMessage& message)
@@ -295,14 +294,12 @@ void Recorder::noteReadReply(const BusMessage& message)
     if (!mReads.contains(message.replySerial())) {
         return;
     }
-    const QStringList arguments = mReads.take(message.replySerial());
+    const QStringList property = mReads.take(message.replySerial());
     const QVariant value = message.arguments().value(0);
     if (message.type() == BusMessage::Type::Error) {
-        warn(QStringLiteral("%1 cannot be read: %2").arg(arguments.join(QLatin1Char('.')), value.toString()));
-    } else if (arguments.size() > 1) {
-        noteProperty(arguments.at(0), arguments.at(1), value);
+        warn(QStringLiteral("%1 cannot be read: %2").arg(property.join(QLatin1Char('.')), value.toString()));
     } else {
-        noteProperties(arguments.at(0), value.toMap());
+        noteProperty(property.at(0), property.at(1), value);
     }
     if (mReads.isEmpty()) {
         mTimer.start(cMomentMilliseconds);

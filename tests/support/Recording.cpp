@@ -14,10 +14,11 @@ Recording::Recording(const QString& telvaroctl, const QStringList& options)
     mProcess.setProcessChannelMode(QProcess::SeparateChannels);
     mProcess.run(telvaroctl, QStringList{QStringLiteral("record")} + options + QStringList{fileName()});
     mProcess.setReadChannel(QProcess::StandardError);
-    QByteArray line;
-    do {
+    QByteArray line = mProcess.readOutputLine();
+    while (line != "telvaroctl: recording " TELVARO_SERVICE_NAME) {
+        mWarnings.append(line);
         line = mProcess.readOutputLine();
-    } while (line != "telvaroctl: recording " TELVARO_SERVICE_NAME);
+    }
 }
 
 QByteArray Recording::content() const
