@@ -66,12 +66,12 @@ Compositor::Compositor(Options options)
     QObject::connect(&mCommands, &DeskCommands::screenShotRequested, &mWindow, [this] {
         takeScreenShot();
     });
-    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
-    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     mViews.setPanelAppId(mOptions.panel.appId);
     QObject::connect(&mViews, &ViewList::panelChanged, &mOutput, [this] {
         placePanel();
     });
+    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
+    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     mScreenSaver.setInhibitor([this] {
         return mWindowStack.inhibitsIdle();
     });

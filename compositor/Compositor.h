@@ -61,10 +61,10 @@ public:
 
 private:
     MaybeError publishObjects();
-    /// Disconnects the clients, and forgets what they and other programs have made the compositor show.
-    void hangUp();
     /// Gives the panel its strip of the output when it appears.
     void placePanel();
+    /// Disconnects the clients, and forgets what they and other programs have made the compositor show.
+    void hangUp();
     /// Stores a screenshot among the person's pictures and posts a notification about it.
     void takeScreenShot();
 
