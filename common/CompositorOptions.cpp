@@ -11,6 +11,10 @@ QList<QCommandLineOption> CompositorOptions::declarations()
         {cTouch, QStringLiteral("Makes the mouse a finger, with Ctrl held a pair of fingers.")},
         {cKeyboardLayout, QStringLiteral("Keyboard layout of the applications, as \"de\" or\n\"de(nodeadkeys)\"."),
          QStringLiteral("LAYOUT")},
+        {cPanel,
+         QStringLiteral("Gives the application's window a strip of the screen, beside\nthe views. EDGE is bottom, top, "
+                        "left or right; by default\nbottom, with the size that the window has."),
+         QStringLiteral("APPID[:EDGE[:SIZE]]")},
         {cScreenSaverTimeout,
          QStringLiteral("Seconds without input until the screen saver starts,\n0 for never; by default 300."),
          QStringLiteral("SECONDS")},

@@ -33,7 +33,13 @@ WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QO
         dismissPopups();
         configureAll();
     });
+    // Popups stay open: the text field that has opened the on-screen keyboard may be in one.
+    connect(&output, &Output::workAreaChanged, this, &WindowStack::configureAll);
     connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
+    connect(&views, &ViewList::panelChanged, this, [this] {
+        configureAll();
+        rearrange();
+    });
 }
 
 void WindowStack::addWindow(ClientWindow* window)
@@ -75,6 +81,18 @@ ClientWindow* WindowStack::current() const
     return windowOfView(mViews.current());
 }
 
+QRect WindowStack::currentFrame() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr ? QRect() : frameOf(window);
+}
+
+bool WindowStack::isSettled() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr || window->isSettled();
+}
+
 bool WindowStack::canClose(const QString& uuid) const
 {
     return windowOfView(uuid) != nullptr;
@@ -104,7 +122,32 @@ ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
     return toplevel == nullptr || found == mWindows.cend() ? nullptr : *found;
 }
 
+ClientWindow* WindowStack::panel() const
+{
+    return windowOfView(mViews.panel().uuid);
+}
+
+bool WindowStack::isPanel(const ClientWindow* window) const
+{
+    return window->isMapped() ? window->uuid() == mViews.panel().uuid
+                              : mViews.wantsPanel(window->appId()) && window->parentToplevel() == nullptr;
+}
+
 QVector<ClientWindow*> WindowStack::visibleWindows() const
+{
+    QVector<ClientWindow*> windows = stackedWindows();
+    if (ClientWindow* const window = panel()) {
+        windows.prepend(window);
+    }
+    return windows;
+}
+
+QRegion WindowStack::visibleArea() const
+{
+    return QRegion(mOutput.workArea()) + mOutput.panelRect();
+}
+
+QVector<ClientWindow*> WindowStack::stackedWindows() const
 {
     QVector<ClientWindow*> windows;
     // A client may make its windows each other's parents in a circle.
@@ -148,7 +191,7 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
 QRect WindowStack::frameOf(const ClientWindow* window) const
 {
     const QSize size = window->windowGeometry().size();
-    const QRect area = mOutput.workArea();
+    const QRect area = isPanel(window) ? mOutput.panelRect() : mOutput.workArea();
     const QPoint margin((area.width() - size.width()) / 2, (area.height() - size.height()) / 2);
     return {area.topLeft() + QPoint(qMax(0, margin.x()), qMax(0, margin.y())), size};
 }
@@ -191,8 +234,10 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
         }
     }
     // Only the topmost window receives input: dialogs are modal.
-    ClientWindow* const window = current();
-    if (window != nullptr && window->surface() != nullptr && mOutput.workArea().contains(position.toPoint())) {
+    const bool isOnPanel = mOutput.panelRect().contains(position.toPoint());
+    ClientWindow* const window = isOnPanel ? panel() : current();
+    if (window != nullptr && window->surface() != nullptr
+        && (isOnPanel || mOutput.workArea().contains(position.toPoint()))) {
         hit.surface = window->surface()->surfaceAt(position - surfacePosition(window->xdgSurface()), &hit.position);
         hit.window = hit.surface == nullptr ? nullptr : window;
     }
@@ -231,8 +276,15 @@ bool WindowStack::inhibitsIdle() const
 
 void WindowStack::paint(QPainter* painter) const
 {
+    const ClientWindow* const panelWindow = panel();
+    if (panelWindow != nullptr && panelWindow->surface() != nullptr) {
+        painter->save();
+        painter->setClipRect(mOutput.panelRect(), Qt::IntersectClip);
+        panelWindow->surface()->paint(painter, surfacePosition(panelWindow->xdgSurface()));
+        painter->restore();
+    }
     painter->setClipRect(mOutput.workArea(), Qt::IntersectClip);
-    const QVector<ClientWindow*> windows = visibleWindows();
+    const QVector<ClientWindow*> windows = stackedWindows();
     for (const ClientWindow* window : windows) {
         if (window->surface() == nullptr) {
             continue;
@@ -251,7 +303,13 @@ void WindowStack::configureAll()
 {
     const ClientWindow* const active = current();
     for (ClientWindow* window : qAsConst(mWindows)) {
-        window->configure(mOutput.workArea().size(), mOutput.isFullScreen(), window == active);
+        if (isPanel(window)) {
+            // Without a size until it has a strip: the panel chooses the thickness of that.
+            const QSize size = mOutput.panelRect().size();
+            window->configure(size.isEmpty() ? QSize(0, 0) : size, false, false);
+        } else {
+            window->configure(mOutput.workArea().size(), mOutput.isFullScreen(), window == active);
+        }
     }
 }
 
@@ -307,5 +365,5 @@ QRegion WindowStack::update()
         mIsRearranged = true;
         Q_EMIT arrangementChanged();
     }
-    return std::exchange(mIsRearranged, false) ? mOutput.workArea() : damage & mOutput.workArea();
+    return std::exchange(mIsRearranged, false) ? visibleArea() : damage & visibleArea();
 }

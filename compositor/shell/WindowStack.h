@@ -19,7 +19,7 @@ class Scene;
 class ViewList;
 
 /// The clients' windows and popups: which of them are visible, where, and which surface is under the pointer. Visible
-/// are the window of the current view, below it the parents of a dialog, and above it their popups.
+/// are the panel and the window of the current view, below it the parents of a dialog, and above it their popups.
 class WindowStack : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -40,6 +40,10 @@ public:
 
     /// Null when there is no view.
     ClientWindow* current() const;
+    /// Returns the geometry of the current view's window on the output; empty when it has none.
+    QRect currentFrame() const;
+    /// Returns false while the size of the current view's window is about to change.
+    bool isSettled() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
@@ -65,8 +69,16 @@ private:
     ClientWindow* windowOf(const QWaylandXdgToplevel* toplevel) const;
     /// Null when the view has no window.
     ClientWindow* windowOfView(const QString& uuid) const;
-    /// From the bottom to the top.
+    /// Null when there is none.
+    ClientWindow* panel() const;
+    /// Whether a window is the panel, or will be when it is mapped.
+    bool isPanel(const ClientWindow* window) const;
+    /// The windows of the current view, from the bottom to the top.
+    QVector<ClientWindow*> stackedWindows() const;
+    /// As above, with the panel.
     QVector<ClientWindow*> visibleWindows() const;
+    /// The work area and the panel.
+    QRegion visibleArea() const;
     QVector<ClientPopup*> visiblePopups() const;
     ClientWindow* windowOfPopup(const ClientPopup* popup) const;
     QPoint originOf(const QWaylandXdgSurface* xdgSurface) const;

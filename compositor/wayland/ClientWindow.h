@@ -4,6 +4,7 @@
 
 #include "wayland/ClientSurface.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
@@ -42,6 +43,8 @@ public:
     {
         return mXdgSurface;
     }
+    /// The process name of a client that sets none.
+    QString appId() const;
     QWaylandXdgToplevel* parentToplevel() const;
     QWaylandXdgToplevel* toplevel() const
     {
@@ -56,6 +59,10 @@ public:
     /// See ClientLiveness::admitEvent().
     bool admitEvent();
 
+    /// Returns whether the client has drawn the window in the size that it was configured to, or has had the time for
+    /// it.
+    bool isSettled() const;
+
     /// Sends a configure event if the size or the states have changed. The event for a client that does not respond is
     /// delayed until it does: events that it does not read would fill its connection.
     void configure(const QSize& size, bool isFullScreen, bool isActivated);
@@ -64,7 +71,7 @@ Q_SIGNALS:
     void committed();
     /// See ClientLiveness::caughtUp().
     void caughtUp();
-    /// The client has requested a state, or its parent window has changed.
+    /// The client has requested a state, or its parent window or its application has changed.
     void configureRequested();
 
 private:
@@ -73,7 +80,6 @@ private:
     void handleCaughtUp();
     void map();
     void unmap();
-    QString appId() const;
     void sendConfigure();
 
     QPointer<QWaylandXdgToplevel> mToplevel;
@@ -88,4 +94,5 @@ private:
     bool mWantsFullScreen = false;
     bool mIsCommitted = false;
     bool mConfigureIsDue = false;
+    QElapsedTimer mSinceConfigure;
 };

@@ -13,6 +13,7 @@
 #include "wayland/DataDevices.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/TextInputs.h"
 #include "wayland/XdgOutput.h"
 
 #include <QCoreApplication>
@@ -23,6 +24,9 @@
 #include <QtWaylandCompositor/private/qwaylandoutput_p.h>
 #include <QtWaylandCompositor/private/qwaylandseat_p.h>
 #include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <wayland-server.h>
 
 // This header is not made for QT_NO_KEYWORDS.
@@ -34,6 +38,8 @@ namespace {
 
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
+/// Of clients that wait to be accepted, as libwayland has it.
+constexpr int cLongestQueue = 128;
 
 /// Hides Qt's plugins for client buffers in a GPU's memory. Only shared memory can be painted, and without those
 /// globals that is what clients use.
@@ -135,6 +141,36 @@ void WaylandServer::start(const QByteArray& socketName)
     mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
+QByteArray WaylandServer::socketPath() const
+{
+    return qgetenv("XDG_RUNTIME_DIR") + '/' + socketName();
+}
+
+void WaylandServer::hangUp()
+{
+    // libwayland has no function that closes a socket before the display is destroyed. Without its file nobody can
+    // connect to it.
+    ::unlink(socketPath().constData());
+    wl_display_destroy_clients(display());
+}
+
+MaybeError WaylandServer::reopen()
+{
+    const QByteArray path = socketPath();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, path.constData(), sizeof(address.sun_path));
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
+        || ::listen(descriptor, cLongestQueue) != 0) {
+        const QString reason = qt_error_string();
+        ::close(descriptor);
+        return Error{QStringLiteral("cannot open the socket %1: %2").arg(QString::fromLocal8Bit(path), reason)};
+    }
+    addSocketDescriptor(descriptor);
+    return {};
+}
+
 QWaylandSeat* WaylandServer::createSeat()
 {
     auto* const seat = new QWaylandSeat(this, QWaylandSeat::Pointer | QWaylandSeat::Keyboard | QWaylandSeat::Touch);
@@ -157,6 +193,11 @@ ClientTouch& WaylandServer::touch()
     return *mTouch;
 }
 
+TextInputs& WaylandServer::textInputs()
+{
+    return *mTextInputs;
+}
+
 void WaylandServer::announceGlobals()
 {
     mGlobals = std::make_unique<ServerGlobals>(display());
@@ -167,6 +208,7 @@ void WaylandServer::announceGlobals()
     mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
     mTouch = std::make_unique<ClientTouch>(*defaultSeat());
+    mTextInputs = std::make_unique<TextInputs>(*mGlobals, *defaultSeat());
 }
 
 void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "wayland/RequestGuard.h"
 
 #include <QHash>
@@ -23,6 +24,7 @@ class DataDevices;
 class Output;
 class PixelBudget;
 class ServerGlobals;
+class TextInputs;
 class ViewList;
 class XdgOutput;
 
@@ -37,6 +39,10 @@ public:
 
     /// Opens the socket.
     void start(const QByteArray& socketName);
+    /// Removes the socket and disconnects all clients, as if the compositor had ended.
+    void hangUp();
+    /// Opens a socket of the same name again.
+    MaybeError reopen();
     RequestGuard& guard()
     {
         return mGuard;
@@ -44,6 +50,7 @@ public:
     /// Exist after start().
     ClientDrag& drag();
     ClientTouch& touch();
+    TextInputs& textInputs();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -65,6 +72,8 @@ private:
     const ClientRecord& recordOf(QWaylandClient* client);
     void announceGlobals();
     void describeOutput();
+    /// Returns the path of the socket.
+    QByteArray socketPath() const;
 
     const Output& mOutput;
     ViewList& mViews;
@@ -77,6 +86,7 @@ private:
     std::unique_ptr<ServerGlobals> mGlobals;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
+    std::unique_ptr<TextInputs> mTextInputs;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
     /// The xdg_wm_base of each xdg_surface.
