@@ -83,7 +83,7 @@ Result<std::unique_ptr<BusStream>> BusStream::open()
     BusError error;
     DBusConnection* const connection = dbus_bus_get_private(cBus, error.get());
     if (connection == nullptr) {
-        return Error{QStringLiteral("there is no bus: %1").arg(error.toMaybeError()->text)};
+        return Error{QStringLiteral("cannot connect to the bus: %1").arg(error.toMaybeError()->text)};
     }
     dbus_connection_set_exit_on_disconnect(connection, FALSE);
     return std::unique_ptr<BusStream>(new BusStream(connection));

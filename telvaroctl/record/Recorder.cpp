@@ -28,8 +28,8 @@ QStringList signalRules()
     return {
         QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'")
             .arg(service, TelvaroDBusDefinitions::getPropertyInterface()),
-        QStringLiteral("type='signal',sender='%1',interface='%1',member='NameOwnerChanged',arg0='%2'")
-            .arg(cBus, service),
+        // dbus-broker does not show this one to a monitor that names its sender.
+        QStringLiteral("type='signal',interface='%1',member='NameOwnerChanged',arg0='%2'").arg(cBus, service),
     };
 }
 
@@ -52,7 +52,13 @@ bool isWholeNumber(const QVariant& value)
         || type == QMetaType::ULongLong;
 }
 
-/// The service accepts nothing else, and so does not a compositor that plays the script.
+bool isKnown(const QString& interface, const QString& property)
+{
+    const ServiceInterface* const known = ServiceInterface::find(interface);
+    return known != nullptr && known->properties.contains(property);
+}
+
+/// Returns whether a compositor that plays the script accepts the value.
 bool canBeSet(const QString& property, const QVariant& value)
 {
     if (property == QLatin1String("orientation")) {
@@ -105,8 +111,8 @@ MaybeError Recorder::start()
     });
     // The timeout of the device goes by its input, which a script does not have.
     mWriter->append({{{QStringLiteral("blanking"), QStringLiteral("scripted")}}}, 0);
-    mClock.start();
     mOwner = mSender->ownerOf(TelvaroDBusDefinitions::getServiceName());
+    mClock.start();
     mState.isThere = !mOwner.isEmpty();
     beginMoment();
     if (mState.isThere) {
@@ -156,7 +162,9 @@ void Recorder::noteMessage(const BusMessage& message)
         }
         const QVariantList invalidated = arguments.at(2).toList();
         for (const QVariant& name : invalidated) {
-            read(message.path(), {interface, name.toString()});
+            if (isKnown(interface, name.toString())) {
+                read(message.path(), {interface, name.toString()});
+            }
         }
     }
 }
@@ -186,8 +194,7 @@ void Recorder::noteOwner(const QString& owner)
 
 void Recorder::noteProperty(const QString& interface, const QString& name, const QVariant& value)
 {
-    const ServiceInterface* const known = ServiceInterface::find(interface);
-    if (known == nullptr || !known->properties.contains(name)) {
+    if (!isKnown(interface, name)) {
         return;
     }
     beginMoment();

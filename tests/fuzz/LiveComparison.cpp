@@ -3,17 +3,17 @@
 #include "LiveComparison.h"
 
 #include "ChildProcess.h"
+#include "LiveValues.h"
 #include "PrivateBus.h"
 #include "VariantConversionTools.h"
 
-#include <QDBusMessage>
-#include <QDBusReply>
-#include <QDebug>
+#include <QDeadlineTimer>
 #include <QMetaEnum>
 #include <QMetaType>
-#include <QTest>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 namespace {
 
@@ -25,13 +25,6 @@ const char cTaskSwitcher[] = "taskSwitcher";
 const char cScreen[] = "screen";
 const char* const cScreenProperties[] = {"screenSaverActive", "screenSaverEnabled", "screenSaverTimeoutSeconds",
                                          "orientation", "fullScreen"};
-
-QString text(const QVariant& value)
-{
-    QString text;
-    QDebug(&text).nospace() << value;
-    return text;
-}
 
 QString statusName(TelvaroLiveObject::Status status)
 {
@@ -55,25 +48,6 @@ bool areEqual(const View& live, const View& read)
     return live.uuid == read.uuid && live.appId == read.appId && live.info1 == read.info1 && live.info2 == read.info2
         && live.info3 == read.info3 && live.info4 == read.info4 && live.pid == read.pid
         && live.sortIndex == read.sortIndex && areEqualAttributes(live.attributes, read.attributes);
-}
-
-QVariant toVariants(const QList<View>& views)
-{
-    QVariantList variants;
-    for (const View& view : views) {
-        variants.append(QVariant(QVariantList{view.uuid, view.appId, view.info1, view.info2, view.info3, view.info4,
-                                              view.pid, view.sortIndex, view.attributes}));
-    }
-    return variants;
-}
-
-QVariant readCurrentView()
-{
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(QStringLiteral(TELVARO_SERVICE_NAME), QStringLiteral("/taskswitcher"),
-                                       QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << QStringLiteral("de.Telvaro.taskswitcher") << QLatin1String(cCurrentView);
-    return QDBusReply<QVariant>(PrivateBus::connection().call(call)).value();
 }
 
 /// The value in that type; invalid if it is not readable as such.
@@ -103,16 +77,14 @@ LiveComparison::LiveComparison(const LiveObjects& live, Operations& operations, 
 
 QStringList LiveComparison::waitForEquality(QStringList& messages)
 {
-    // The reply comes after everything that the service sent before: nothing is compared that is about to change.
-    readCurrentView();
-    PrivateBus::deliver();
-    const bool isEqual = QTest::qWaitFor(
-        [this, &messages] {
-            compare(messages);
-            return mDifferences.isEmpty();
-        },
-        ChildProcess::cDeadline);
-    return isEqual ? QStringList() : mDifferences;
+    const QDeadlineTimer deadline(ChildProcess::cDeadline);
+    do {
+        // The reply comes after everything that the service sent before: nothing is compared that is about to change.
+        LiveValues::readCurrentView();
+        PrivateBus::deliver();
+        compare(messages);
+    } while (!mDifferences.isEmpty() && !deadline.hasExpired());
+    return mDifferences;
 }
 
 QStringList LiveComparison::missing() const
@@ -145,13 +117,13 @@ void LiveComparison::compareTaskSwitcher(QStringList& messages)
     mIsReadable = viewsLog.isEmpty();
     const QList<View>& rows = mLive.taskSwitcher.getViews()->getViews();
     if (mIsReadable && !std::equal(rows.begin(), rows.end(), views.begin(), views.end(), areEqual)) {
-        fail(QLatin1String(cViews), text(toVariants(rows)), text(toVariants(views)));
+        fail(QLatin1String(cViews), LiveValues::text(LiveValues::fromViews(rows)),
+             LiveValues::text(LiveValues::fromViews(views)));
     }
     if (!views.isEmpty()) {
         mMet.insert(QLatin1String(cViews));
     }
-    // Not by the connector, which refuses a byte as a text, and returns no view that is not among the views.
-    compareValue(QLatin1String(cCurrentView), mLive.taskSwitcher.getCurrentView(), readCurrentView());
+    compareValue(QLatin1String(cCurrentView), mLive.taskSwitcher.getCurrentView(), LiveValues::readCurrentView());
     compareStatus(QLatin1String(cTaskSwitcher), mLive.taskSwitcher);
 }
 
@@ -176,7 +148,7 @@ void LiveComparison::compareValue(const QString& name, const QVariant& live, con
         return;
     }
     if (live != expected) {
-        fail(name, text(live), text(expected));
+        fail(name, LiveValues::text(live), LiveValues::text(expected));
     }
     if (expected != QVariant(expected.userType(), nullptr)) {
         mMet.insert(name);

@@ -136,6 +136,7 @@ private Q_SLOTS:
     void theScriptIsPlayedWhenTheCommandBegins();
     void aScriptThatIsWrongIsWrongUsage();
     void aStepThatCannotBeTakenEndsTheSession();
+    void aScriptEndsTheSessionWithItsStatus();
     void theSizeIsTheOutputs();
     void theCompositorsOtherOptionsArePassedOn();
     void nothingIsLeftBehind();
@@ -327,6 +328,17 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
     QVERIFY2(result.errors.contains(QLatin1String("step 1: there is no view \"one\"")), qPrintable(result.errors));
     QVERIFY2(result.errors.endsWith(QLatin1String("telvaro-compositor has ended with exit status 1\n")),
              qPrintable(result.errors));
+}
+
+void SessionTest::aScriptEndsTheSessionWithItsStatus()
+{
+    for (const int status : {0, 3}) {
+        const Result result = session({QStringLiteral("--headless"), QStringLiteral("--script"),
+                                       script("[{\"at\": 0.1, \"end\": " + QByteArray::number(status) + "}]"),
+                                       QStringLiteral("sleep"), QStringLiteral("1000")});
+        QCOMPARE(result.status, status);
+        QCOMPARE(result.errors, QString());
+    }
 }
 
 void SessionTest::theCompositorsOtherOptionsArePassedOn()
