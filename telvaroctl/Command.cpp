@@ -191,8 +191,8 @@ CommandLine::Text programText()
 const QList<Command>& allCommands()
 {
     static const QList<Command> cCommands = statusCommands() + viewCommands() + processCommands() + screenCommands()
-        + overlayCommands() + notificationCommands() + screenShotCommands() + waitCommands() + watchCommands()
-        + recordCommands() + helpCommands() + completeCommands();
+        + overlayCommands() + notificationCommands() + screenShotCommands() + inputCommands() + waitCommands()
+        + watchCommands() + recordCommands() + helpCommands() + completeCommands();
     return cCommands;
 }
 
