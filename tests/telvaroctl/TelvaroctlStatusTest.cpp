@@ -244,6 +244,9 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree_data()
     QTest::newRow("introspection") << "introspection"
                                    << "fullScreen"
                                    << "is missing from the introspection";
+    QTest::newRow("introspected type") << "introspected type"
+                                       << "fullScreen"
+                                       << "is introspected as property s read instead of property b readwrite";
     QTest::newRow("not taken") << "not taken"
                                << "fullScreen"
                                << "'true' was written, 'false' is answered";
@@ -294,6 +297,12 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree()
     } else if (fault == QLatin1String("introspection")) {
         mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
                         QStringLiteral("Introspect"), {Behaviour::reply({QStringLiteral("'<node/>'")})});
+    } else if (fault == QLatin1String("introspected type")) {
+        mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                        QStringLiteral("Introspect"),
+                        {Behaviour::reply(
+                            {QStringLiteral("'<node><interface name=\"de.Telvaro.screen\"><property "
+                                            "name=\"fullScreen\" type=\"s\" access=\"read\"/></interface></node>'")})});
     } else if (fault == QLatin1String("not taken")) {
         answer({value("false")}, notified("{'fullScreen': <true>}"));
     } else if (fault == QLatin1String("refused")) {

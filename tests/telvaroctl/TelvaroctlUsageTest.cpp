@@ -32,7 +32,7 @@ void TelvaroctlUsageTest::helpNamesEveryCommand()
     QCOMPARE(result.errors, QString());
     const QStringList commands =
         words("status views current switch next previous top is-current pid screen screensaver orientation fullscreen "
-              "overlay notify screenshot wait watch record help complete");
+              "overlay notify screenshot wait watch record tap click drag scroll type key step help complete");
     for (const QString& command : commands) {
         QVERIFY2(result.output.contains(QStringLiteral("\n  %1 ").arg(command)), qPrintable(command));
         const Result help = telvaroctl({command, QStringLiteral("--help")});
