@@ -183,6 +183,7 @@ public:
         }
         Notifications notifications(mPath);
         const QStringList written = write(changes);
+        mChanged = written;
         const QVariantMap notified = notifications.waitFor(written, TimeLimit::remaining() / 8);
         const QVariantMap answers = readAll();
         for (const QString& name : written) {
@@ -213,7 +214,9 @@ public:
     {
         QList<DeepStatus::Item> result;
         for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
-            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key())});
+            const bool isUnchanged =
+                member->kind == Introspection::Member::Property && !mChanged.contains(member.key());
+            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key()), isUnchanged});
         }
         return result;
     }
@@ -323,6 +326,7 @@ private:
     QString mInterface;
     Introspection::Members mMembers;
     QVariantMap mAnswers;
+    QStringList mChanged;
     QMap<QString, QStringList> mProblems;
 };
 

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void statusOfAnotherDevice_data();
     void statusOfAnotherDevice();
     void aServiceThatAgreesHasNoProblems();
+    void theDeepStatusSaysWhatItCannotChange();
     void theDeepStatusRestoresWhatItChanges();
     void theDeepStatusFindsWhatDoesNotAgree_data();
     void theDeepStatusFindsWhatDoesNotAgree();
@@ -202,16 +203,31 @@ void TelvaroctlStatusTest::aServiceThatAgreesHasNoProblems()
     const Result result = telvaroctl("status --deep");
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.status == 0, qPrintable(result.output));
-    for (const char* member :
-         {"de.Telvaro.globaloverlay.Hide", "de.Telvaro.screen.orientation", "de.Telvaro.screen.screenSaverActive",
-          "de.Telvaro.screenshot.ScreenShot", "de.Telvaro.taskswitcher.currentView", "de.Telvaro.taskswitcher.views",
-          "org.freedesktop.Notifications.Notify", "org.freedesktop.Notifications.ActionInvoked"}) {
+    for (const char* member : {"de.Telvaro.globaloverlay.Hide", "de.Telvaro.screen.orientation",
+                               "de.Telvaro.screenshot.ScreenShot", "de.Telvaro.taskswitcher.currentView",
+                               "org.freedesktop.Notifications.Notify", "org.freedesktop.Notifications.ActionInvoked"}) {
         const QString row = QString::fromUtf8(member);
         const int position = result.output.indexOf(row);
         QVERIFY2(position > 0, member);
         QVERIFY2(result.output.mid(position).section(QLatin1Char('\n'), 0, 0).endsWith(QLatin1String(" agrees")),
                  member);
     }
+}
+
+void TelvaroctlStatusTest::theDeepStatusSaysWhatItCannotChange()
+{
+    completeService();
+    const QStringList always = {QStringLiteral("de.Telvaro.screen.screenSaverActive"),
+                                QStringLiteral("de.Telvaro.taskswitcher.views")};
+    const auto unchanged = [] {
+        return toObject(telvaroctl("status --deep --json")).value(QLatin1String("deepUnchanged")).toVariant();
+    };
+    QCOMPARE(unchanged().toStringList(), always);
+    QVERIFY(telvaroctl("status --deep")
+                .output.contains(QLatin1String(" agrees; not changed, so its notifications are unknown\n")));
+    mService.setCurrentView(QString());
+    QCOMPARE(unchanged().toStringList(),
+             QStringList({always.at(0), QStringLiteral("de.Telvaro.taskswitcher.currentView"), always.at(1)}));
 }
 
 void TelvaroctlStatusTest::theDeepStatusRestoresWhatItChanges()
