@@ -9,16 +9,15 @@ mark_as_advanced(TELVARO_SESSION)
 #                  COMMAND <command> [<argument>...])
 #
 # Adds a test that runs the command, a program or an executable target, in a session of its own without a display. It
-# passes if the command exits with 0, unless the script ends the session with another status. Any number of these tests
-# can run in parallel. The script and a relative path of it are those of telvaro-session, relative to the current source
-# directory; the timeout is 60 seconds unless one is given.
+# passes if the command exits with 0, or if the script ends the session with 0. Any number of these tests can run in
+# parallel. The script is relative to the current source directory; the timeout is 60 seconds unless one is given.
 function(telvaro_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 test "" "NAME;SCRIPT;SIZE;TIMEOUT" "COMMAND")
     if(test_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "telvaro_add_test: unexpected arguments: ${test_UNPARSED_ARGUMENTS}")
     endif()
     foreach(key IN ITEMS NAME COMMAND)
-        if(NOT test_${key})
+        if(NOT DEFINED test_${key})
             message(FATAL_ERROR "telvaro_add_test: ${key} is missing")
         endif()
     endforeach()

@@ -58,8 +58,8 @@ public:
         return mPanel;
     }
 
-    /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`; or makes it the
-    /// panel.
+    /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`; or makes it
+    /// the panel.
     void add(View view, const std::optional<quint32>& sortIndex = {});
     /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);

@@ -4,8 +4,15 @@
 #include "TestMain.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QObject>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
+
+#include <stdexcept>
 
 /// An invalid script is rejected before anything is started.
 class CompositorScriptFileTest : public QObject
@@ -16,7 +23,17 @@ private Q_SLOTS:
     void refusesAFileThatCannotBeRead();
     void refusesAScriptThatIsWrong_data();
     void refusesAScriptThatIsWrong();
+    void acceptsEveryStep_data();
+    void acceptsEveryStep();
+    /// Of the functions above, whose verdicts it needs.
+    void theSchemaAgreesWithAllVerdicts();
     void needsAValue();
+
+private:
+    /// Returns why the compositor rejects the script; empty when it does not.
+    QByteArray judge(const QByteArray& script);
+
+    QJsonArray mVerdicts;
 };
 
 void CompositorScriptFileTest::refusesAFileThatCannotBeRead()
@@ -242,25 +259,132 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong_data()
         R"(step 1, "service": "gone" or "back" is expected)");
 }
 
-void CompositorScriptFileTest::refusesAScriptThatIsWrong()
+QByteArray CompositorScriptFileTest::judge(const QByteArray& script)
 {
-    QFETCH(QByteArray, script);
-    QFETCH(QByteArray, reason);
     const QTemporaryDir directory;
     QFile file(directory.filePath(QStringLiteral("script.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(script);
+    if (!file.open(QIODevice::WriteOnly) || file.write(script) != script.size()) {
+        throw std::runtime_error("cannot write " + file.fileName().toStdString());
+    }
     file.close();
 
     // Without a display or a bus the compositor could not start anyway.
     CompositorProcess compositor;
     compositor.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("none"));
     compositor.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/dev/null"));
-    QCOMPARE(compositor.runToEnd({QStringLiteral("--script=") + file.fileName()}), 2);
-    QCOMPARE(compositor.errors(),
-             "telvaro-compositor: " + file.fileName().toLocal8Bit() + ": " + reason
-                 + "\ntelvaro-compositor: see 'telvaro-compositor --help'\n");
-    QCOMPARE(compositor.output(), QByteArray());
+    const bool isRejected = compositor.runToEnd({QStringLiteral("--script=") + file.fileName()}) == 2;
+    const QByteArray beginning = "telvaro-compositor: " + file.fileName().toLocal8Bit() + ": ";
+    const QByteArray end = "\ntelvaro-compositor: see 'telvaro-compositor --help'\n";
+    const QByteArray errors = compositor.errors();
+    if (isRejected != (errors.startsWith(beginning) && errors.endsWith(end)) || !compositor.output().isEmpty()) {
+        throw std::runtime_error("unexpected: " + errors.toStdString());
+    }
+    const QByteArray reason = isRejected ? errors.mid(beginning.size()).chopped(end.size()) : QByteArray();
+    mVerdicts.append(QJsonObject{{QStringLiteral("script"), QString::fromUtf8(script)},
+                                 {QStringLiteral("reason"), QString::fromUtf8(reason)}});
+    return reason;
+}
+
+void CompositorScriptFileTest::refusesAScriptThatIsWrong()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(QByteArray, reason);
+    QCOMPARE(judge(script), reason);
+}
+
+void CompositorScriptFileTest::acceptsEveryStep_data()
+{
+    QTest::addColumn<QByteArray>("step");
+    for (const char* const step : {
+             R"({"add-view": {"uuid": "u", "appId": "a", "pid": 4294967295}})",
+             R"({"add-view": {"uuid": "u", "appId": "a", "pid": 0, "title": "t", "processName": "p",
+                 "attributes": {"a": 1, "b": "c", "d": 0.5, "e": true},
+                 "record": {"info1": "", "info2": "", "info3": "", "info4": "", "sortIndex": 3, "attributes": {}}}})",
+             R"({"change-view": {"uuid": "u", "appId": "a", "pid": 1, "title": "t", "processName": "p",
+                 "attributes": {}, "record": {}}})",
+             R"({"order-views": ["u", "v"]})",
+             R"({"current-view": ""})",
+             R"({"remove-view": "u"})",
+             R"({"blanking": "scripted"})",
+             R"({"set": {"de.Telvaro.taskswitcher.currentView": "u"}})",
+             R"({"set": {"de.Telvaro.screen.screenSaverActive": true}})",
+             R"({"set": {"de.Telvaro.screen.screenSaverEnabled": false}})",
+             R"({"set": {"de.Telvaro.screen.screenSaverTimeoutSeconds": 1.0}})",
+             R"({"set": {"de.Telvaro.screen.orientation": ""}})",
+             R"({"set": {"de.Telvaro.screen.fullScreen": true}})",
+             R"({"call": {"de.Telvaro.globaloverlay.Show": [""]}})",
+             R"({"call": {"de.Telvaro.globaloverlay.Hide": []}})",
+             R"({"call": {"de.Telvaro.screenshot.ScreenShot": ["/"]}})",
+             R"({"call": {"org.freedesktop.Notifications.Notify": ["", 0, "", "", "", ["a", ""], {"x": true}, -1]}})",
+             R"({"call": {"org.freedesktop.Notifications.CloseNotification": [1]}})",
+             R"({"call": {"org.freedesktop.Notifications.GetCapabilities": []}})",
+             R"({"call": {"org.freedesktop.Notifications.GetServerInformation": []}})",
+             R"({"fault": {"call": "de.Telvaro.globaloverlay.Show", "silent": true, "seconds": 1}})",
+             R"({"fault": {"get": "de.Telvaro.taskswitcher.views", "error": "a.b", "text": "t", "delay": 0.5,
+                 "silent": false, "seconds": 0, "times": 1}})",
+             R"({"fault": {"set": "de.Telvaro.screen.orientation", "error": "a.b"}})",
+             R"({"fault": {"interface": "org.freedesktop.Notifications", "delay": 1000000}})",
+             R"({"end-fault": {"call": "org.freedesktop.Notifications.Notify"}})",
+             R"({"end-fault": {"get": "de.Telvaro.screen.screenSaverActive"}})",
+             R"({"end-fault": {"set": "de.Telvaro.taskswitcher.currentView"}})",
+             R"({"end-fault": {"interface": "de.Telvaro.screen"}})",
+             R"({"service": "gone"})",
+             R"({"service": "back"})",
+             R"({"at": 0.5, "freeze": 1})",
+             R"({"after": {"call": "de.Telvaro.globaloverlay.Show", "times": 2}, "freeze": 1})",
+             R"({"after": {"get": "de.Telvaro.taskswitcher.views"}, "freeze": 1})",
+             R"({"after": {"set": "de.Telvaro.screen.fullScreen"}, "freeze": 1})",
+             R"({"after": {"interface": "de.Telvaro.screenshot"}, "freeze": 1})",
+             R"({"after": {"view": "a", "title": "t", "times": 2}, "freeze": 1})",
+             R"({"after": {"current": "a"}, "freeze": 1})",
+             R"({"after": {"unresponsive": "a"}, "freeze": 1})",
+             R"({"after": {"gone": "a"}, "at": 1, "freeze": 1})",
+             R"({"hang": {"view": "a"}})",
+             R"({"hang": {"view": "a", "seconds": 1}})",
+             R"({"restart": 0})",
+             R"({"end": 255})",
+             R"({"tap": {"x": 1, "y": -1.5, "in": "view", "seconds": 60}})",
+             R"({"click": {"x": 1, "y": 1, "button": "middle", "seconds": 0, "in": "output"}})",
+             R"({"drag": {"from": [0, 0], "to": [1.5, 2], "with": "pointer", "seconds": 1, "in": "view"}})",
+             R"({"pointer": {"x": 1, "y": 1, "in": "view"}})",
+             R"({"scroll": {"x": 1, "y": 1, "down": -1000, "right": 1, "in": "view"}})",
+             R"({"scroll": {"x": 1, "y": 1, "down": 0, "right": 1}})",
+             R"({"type": "Hello"})",
+             R"({"key": "Ctrl+Alt+Right"})",
+             R"({"key": {"press": "Shift"}})",
+             R"({"key": {"release": "Shift"}})",
+             R"({"key": {"hold": "F1", "seconds": 1}})",
+         }) {
+        QTest::newRow(QByteArray(step).simplified().constData()) << QByteArray(step);
+    }
+}
+
+void CompositorScriptFileTest::acceptsEveryStep()
+{
+    QFETCH(QByteArray, step);
+    QCOMPARE(judge('[' + step + ']'), QByteArray());
+    // No object in it may have another key, but for those whose keys are free.
+    const QByteArray probe = R"("no-such-key": 0)";
+    for (int i = step.indexOf('{'); i >= 0; i = step.indexOf('{', i + 1)) {
+        const bool isEmpty = step.mid(i + 1).trimmed().startsWith('}');
+        QByteArray probed = step;
+        probed.insert(i + 1, isEmpty ? probe : probe + ", ");
+        judge('[' + probed + ']');
+    }
+}
+
+void CompositorScriptFileTest::theSchemaAgreesWithAllVerdicts()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(QJsonDocument(mVerdicts).toJson());
+    file.close();
+    QProcess checker;
+    checker.setProcessChannelMode(QProcess::MergedChannels);
+    checker.start(QStringLiteral(TELVARO_CHECK_SCHEMA), {QStringLiteral(TELVARO_SCRIPT_SCHEMA), file.fileName()});
+    QVERIFY(checker.waitForFinished(ChildProcess::cDeadline));
+    const QByteArray problems = checker.readAll();
+    QVERIFY2(checker.exitStatus() == QProcess::NormalExit && checker.exitCode() == 0, problems.constData());
 }
 
 TELVARO_TEST_MAIN(CompositorScriptFileTest)

@@ -41,8 +41,8 @@ if(NOT output MATCHES " 0% tests passed, 5 tests failed out of 5 " OR NOT output
     message(FATAL_ERROR "${output}")
 endif()
 
-foreach(case IN ITEMS "NAME;a|COMMAND is missing" "COMMAND;true|NAME is missing"
-        "NAME;a;SCRIPTS;b;COMMAND;true|unexpected arguments: SCRIPTS;b")
+foreach(case IN ITEMS "NAME a|COMMAND is missing" "COMMAND true|NAME is missing"
+        "SCRIPTS NAME a COMMAND true|unexpected arguments: SCRIPTS")
     string(REGEX REPLACE "\\|.*" "" arguments "${case}")
     string(REGEX REPLACE ".*\\|" "" expected "${case}")
     run(failure ${configure} "-DWRONG_ARGUMENTS=${arguments}")
