@@ -111,7 +111,7 @@ QString faultOf(const Command& command, const QCommandLineParser& parser, const 
         return QStringLiteral("%1 is missing").arg(command.arguments.at(arguments.size()));
     }
     for (int index = 0; index < arguments.size(); ++index) {
-        const QString text = fault(arguments.at(index), command.arguments.value(index, command.arguments.constLast()));
+        QString text = fault(arguments.at(index), command.arguments.value(index, command.arguments.constLast()));
         if (!text.isEmpty()) {
             return text;
         }

@@ -136,7 +136,7 @@ MaybeError BusStream::subscribe(const QStringList& rules)
     for (const QString& rule : rules) {
         BusError error;
         dbus_bus_add_match(mConnection, rule.toUtf8().constData(), error.get());
-        if (const MaybeError failure = error.toMaybeError()) {
+        if (MaybeError failure = error.toMaybeError()) {
             return failure;
         }
     }

@@ -99,7 +99,7 @@ MaybeError Recorder::start()
                             "recorded: %1")
                  .arg(refusal->text));
         mStream = nullptr;
-        if (const MaybeError error = mSender->subscribe(signalRules())) {
+        if (MaybeError error = mSender->subscribe(signalRules())) {
             return error;
         }
     }

@@ -232,7 +232,7 @@ void TelvaroctlChangesTest::waitFailsAtItsLimit()
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
     setTwoViews();
-    const Result result = telvaroctl(arguments + words("--timeout 0.3"));
+    const Result result = telvaroctl(arguments + words("--timeout 1"));
     QCOMPARE(result.errors, error);
     QCOMPARE(result.status, 1);
 }

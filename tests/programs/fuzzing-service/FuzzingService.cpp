@@ -19,6 +19,7 @@ QString named(const char* property)
 GVariantPointer body(const std::vector<GVariantPointer>& values)
 {
     std::vector<GVariant*> children;
+    children.reserve(values.size());
     for (const GVariantPointer& value : values) {
         children.push_back(value.get());
     }
@@ -275,7 +276,7 @@ void FuzzingService::rest()
 }
 
 // Either the signal holds the value, or it makes the listeners read it: by an invalidation, by an empty text in its
-// place, or by the name of another interface.
+// place, or by another value under the name of another interface.
 void FuzzingService::notifyRest(const Object& object)
 {
     std::vector<const char*> names = object.properties;
@@ -290,8 +291,10 @@ void FuzzingService::notifyRest(const Object& object)
                 changes.invalidate(*name);
             } else if (kind == 1 || value == nullptr) {
                 changes.change(*name, string(""));
-            } else {
+            } else if (isOfObject) {
                 changes.change(*name, value);
+            } else {
+                changes.change(*name, likelyValue(named(*name)));
             }
             names.erase(name);
         } while (!names.empty() && mRandom.oneIn(2));
