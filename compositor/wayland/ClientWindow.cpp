@@ -180,7 +180,7 @@ void ClientWindow::map()
     view.size = windowGeometry().size();
     view.isDialog = parentToplevel() != nullptr;
     view.isResponding = isResponding();
-    mViews.add(view);
+    mViews.addWindow(view);
 }
 
 void ClientWindow::unmap()
