@@ -3,6 +3,7 @@
 #include "Compositor.h"
 
 #include "bus/ScreenShotFile.h"
+#include "shell/DesktopKeyboard.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
@@ -30,6 +31,7 @@ Compositor::Compositor(Options options)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
     , mCommands(mOutput, mViews, mScreenSaver, mWindowStack)
     , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
+    , mDragImage(mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
     , mServer(mOutput, mWindow, mViews)
@@ -47,6 +49,7 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mKeyboard);
     mScene.addLayer(&mNotificationCards);
     mScene.addLayer(&mMenu);
+    mScene.addLayer(&mDragImage);
     mScene.addLayer(&mOverlayPanel);
     QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
     QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
@@ -64,6 +67,7 @@ Compositor::Compositor(Options options)
         return mWindowStack.inhibitsIdle();
     });
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
+    QObject::connect(&mWindow, &OutputWindow::framePainted, &mDragImage, &DragImage::sendFrameCallbacks);
 }
 
 MaybeError Compositor::start()
@@ -87,16 +91,23 @@ MaybeError Compositor::start()
     QWaylandSeat* const seat = mServer.defaultSeat();
     mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
                                              SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
-    if (!mOptions.keyboardLayout.name.isEmpty()) {
-        seat->keymap()->setLayout(mOptions.keyboardLayout.name);
-        seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
+    const Keymap::Layout layout = mOptions.keyboardLayout.name.isEmpty()
+        ? DesktopKeyboard::layout().value_or(Keymap::Layout())
+        : mOptions.keyboardLayout;
+    if (!layout.name.isEmpty()) {
+        seat->keymap()->setLayout(layout.name);
+        seat->keymap()->setVariant(layout.variant);
     }
-    const Keymap keymap(mOptions.keyboardLayout);
+    const Keymap keymap(layout);
     mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(keymap);
     mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
     mKeyboard.setKeymap(keymap);
     mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, keymap);
     QObject::connect(mSeatInput.get(), &SeatInput::pressed, mTextEntry.get(), &TextEntry::noteOtherInput);
+    mDragImage.follow(mServer.drag());
+    QObject::connect(mSeatInput.get(), &SeatInput::pointerMoved, &mDragImage, [this](const QPointF& position) {
+        mDragImage.setPointer(position.toPoint());
+    });
     QObject::connect(mTouchInput.get(), &TouchInput::pressed, mTextEntry.get(), &TextEntry::noteFinger);
     QObject::connect(&mCommands, &DeskCommands::keyboardRequested, mTextEntry.get(), &TextEntry::toggle);
     mWindow.setInput(mSeatInput.get(), mTouchInput.get());

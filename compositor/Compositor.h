@@ -14,6 +14,7 @@
 #include "script/ScriptPlayer.h"
 #include "shell/Background.h"
 #include "shell/DeskCommands.h"
+#include "shell/DragImage.h"
 #include "shell/Menu.h"
 #include "shell/NotificationCards.h"
 #include "shell/OnScreenKeyboard.h"
@@ -78,6 +79,7 @@ private:
     NotificationCards mNotificationCards;
     DeskCommands mCommands;
     Menu mMenu;
+    DragImage mDragImage;
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 

@@ -12,6 +12,8 @@
 #include <QWaylandOutput>
 #include <QWaylandSurface>
 
+#include <csignal>
+
 namespace {
 
 QString processNameOf(qint64 pid)
@@ -105,6 +107,15 @@ void ClientWindow::ping()
 bool ClientWindow::admitEvent()
 {
     return mLiveness != nullptr && mLiveness->admitEvent();
+}
+
+void ClientWindow::endProcess() const
+{
+    const View* const view = std::as_const(mViews).find(mUuid);
+    // A process that has taken over the socket of an ended one keeps that one's number, which may be in use again.
+    if (view != nullptr && view->pid > 1 && processNameOf(view->pid) == mProcessName) {
+        kill(static_cast<pid_t>(view->pid), SIGKILL);
+    }
 }
 
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)

@@ -58,6 +58,9 @@ public:
     /// See ClientLiveness::admitEvent().
     bool admitEvent();
 
+    /// Ends the client's process, which does not respond.
+    void endProcess() const;
+
     /// Sends a configure event if the size or the states have changed. The event for a client that does not respond is
     /// delayed until it does: events that it does not read would fill its connection.
     void configure(const QSize& size, bool isFullScreen, bool isActivated);
