@@ -20,7 +20,9 @@ QList<QCommandLineOption> CompositorOptions::declarations()
         {cScreenSaverTimeout,
          QStringLiteral("Seconds without input until the screen saver starts,\n0 for never; by default 300."),
          QStringLiteral("SECONDS")},
-        {cScript, QStringLiteral("Plays a script: views that come and go, calls that fail,\nand more, at given times."),
+        {cScript,
+         QStringLiteral("Plays a script: views that come and go, calls that fail,\ninput and more. SCRIPTS in "
+                        "telvaro-compositor(1) explains\nthe steps."),
          QStringLiteral("FILE")},
     };
 }

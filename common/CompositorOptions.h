@@ -17,6 +17,10 @@ const QString cTurnWindow = QStringLiteral("turn-window");
 const QString cScreenSaverTimeout = QStringLiteral("screensaver-timeout");
 const QString cScript = QStringLiteral("script");
 
+/// Without a value, and in every session.
+const QString cRemoteControl = QStringLiteral("remote-control");
+
+/// The options of a session's command line.
 QList<QCommandLineOption> declarations();
 
 } // namespace CompositorOptions

@@ -17,6 +17,13 @@ namespace {
 
 constexpr int cScreenShotMessageMilliseconds = 5000;
 
+/// A script has the same layout everywhere: its texts are keys since it was read.
+Keymap::Layout layoutOf(const Options& options)
+{
+    const bool isDesktops = options.keyboardLayout.name.isEmpty() && options.script.steps.empty();
+    return isDesktops ? DesktopKeyboard::layout().value_or(Keymap::Layout()) : options.keyboardLayout;
+}
+
 } // namespace
 
 Compositor::Compositor(Options options)
@@ -34,13 +41,26 @@ Compositor::Compositor(Options options)
     , mDragImage(mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
+    , mLayout(layoutOf(mOptions))
+    , mKeymap(mLayout)
     , mServer(mOutput, mWindow, mViews)
+    , mInputInjector(mOutput, mWindowStack, mWindow)
     , mTaskSwitcherObject(mViews, mCallGate)
     , mScreenObject(mOutput, mScreenSaver, mCallGate)
     , mGlobalOverlayObject(mOverlayPanel, mCallGate)
     , mScreenShotObject(mScene, mCallGate)
     , mNotificationsObject(mNotificationCenter, mCallGate)
-    , mScriptPlayer(mOptions.script, mViews, mScreenSaver, mCallGate, mBusService)
+    , mDeskObject([this](const QByteArray& step, const DeskObject::Done& done) {
+        mScriptPlayer.takeStep(step, done);
+    })
+    , mScriptPlayer(mOptions.script,
+                    {mViews, mScreenSaver, mCallGate, mBusService, mInputInjector, mKeymap,
+                     [this] {
+                         hangUp();
+                     },
+                     [this] {
+                         return mServer.reopen();
+                     }})
 {
     mOutput.setWindowTurning(mOptions.isWindowTurning);
     mScene.addLayer(&mBackground);
@@ -51,8 +71,6 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mMenu);
     mScene.addLayer(&mDragImage);
     mScene.addLayer(&mOverlayPanel);
-    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
-    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     QObject::connect(&mStatusBar, &StatusBar::clicked, &mMenu, &Menu::toggle);
     QObject::connect(&mCommands, &DeskCommands::menuRequested, &mMenu, &Menu::toggle);
     QObject::connect(&mCommands, &DeskCommands::switchRequested, &mMenu, &Menu::step);
@@ -63,6 +81,8 @@ Compositor::Compositor(Options options)
     QObject::connect(&mViews, &ViewList::panelChanged, &mOutput, [this] {
         placePanel();
     });
+    QObject::connect(&mServer, &WaylandServer::windowCreated, &mWindowStack, &WindowStack::addWindow);
+    QObject::connect(&mServer, &WaylandServer::popupCreated, &mWindowStack, &WindowStack::addPopup);
     mScreenSaver.setInhibitor([this] {
         return mWindowStack.inhibitsIdle();
     });
@@ -91,18 +111,14 @@ MaybeError Compositor::start()
     QWaylandSeat* const seat = mServer.defaultSeat();
     mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
                                              SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
-    const Keymap::Layout layout = mOptions.keyboardLayout.name.isEmpty()
-        ? DesktopKeyboard::layout().value_or(Keymap::Layout())
-        : mOptions.keyboardLayout;
-    if (!layout.name.isEmpty()) {
-        seat->keymap()->setLayout(layout.name);
-        seat->keymap()->setVariant(layout.variant);
+    if (!mLayout.name.isEmpty()) {
+        seat->keymap()->setLayout(mLayout.name);
+        seat->keymap()->setVariant(mLayout.variant);
     }
-    const Keymap keymap(layout);
-    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(keymap);
+    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mKeymap);
     mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
-    mKeyboard.setKeymap(keymap);
-    mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, keymap);
+    mKeyboard.setKeymap(mKeymap);
+    mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, mKeymap);
     QObject::connect(mSeatInput.get(), &SeatInput::pressed, mTextEntry.get(), &TextEntry::noteOtherInput);
     mDragImage.follow(mServer.drag());
     QObject::connect(mSeatInput.get(), &SeatInput::pointerMoved, &mDragImage, [this](const QPointF& position) {
@@ -111,6 +127,7 @@ MaybeError Compositor::start()
     QObject::connect(mTouchInput.get(), &TouchInput::pressed, mTextEntry.get(), &TextEntry::noteFinger);
     QObject::connect(&mCommands, &DeskCommands::keyboardRequested, mTextEntry.get(), &TextEntry::toggle);
     mWindow.setInput(mSeatInput.get(), mTouchInput.get());
+    mInputInjector.setInput(mSeatInput.get(), mTouchInput.get());
     if (mOptions.isMouseFinger) {
         mWindow.useMouseAsFinger();
     }
@@ -122,16 +139,31 @@ MaybeError Compositor::start()
     return mScriptPlayer.start();
 }
 
+void Compositor::hangUp()
+{
+    mSeatInput->releaseKeys();
+    mTouchInput->cancel();
+    mServer.hangUp();
+    mOverlayPanel.hide();
+    const QVector<Notification> notifications = mNotificationCenter.notifications();
+    for (const Notification& notification : notifications) {
+        mNotificationCenter.close(notification.id, NotificationCenter::CloseReason::Undefined);
+    }
+}
+
 MaybeError Compositor::publishObjects()
 {
-    const std::pair<QString, QObject*> objects[] = {
+    QVector<std::pair<QString, QObject*>> objects{
         {QStringLiteral(TELVARO_TASKSWITCHER_PATH), &mTaskSwitcherObject},
         {QStringLiteral(TELVARO_SCREEN_PATH), &mScreenObject},
         {QStringLiteral(TELVARO_GLOBALOVERLAY_PATH), &mGlobalOverlayObject},
         {QStringLiteral(TELVARO_SCREENSHOT_PATH), &mScreenShotObject},
         {QStringLiteral(TELVARO_NOTIFICATIONS_PATH), &mNotificationsObject},
     };
-    for (const auto& [path, object] : objects) {
+    if (mOptions.isRemoteControlled) {
+        objects.append({QStringLiteral(TELVARO_DESK_PATH), &mDeskObject});
+    }
+    for (const auto& [path, object] : qAsConst(objects)) {
         if (const MaybeError error = mBusService.publish(path, object)) {
             return error;
         }

@@ -6,6 +6,7 @@
 #include "Result.h"
 #include "bus/BusService.h"
 #include "bus/CallGate.h"
+#include "bus/DeskObject.h"
 #include "bus/GlobalOverlayObject.h"
 #include "bus/NotificationsObject.h"
 #include "bus/ScreenObject.h"
@@ -15,6 +16,8 @@
 #include "shell/Background.h"
 #include "shell/DeskCommands.h"
 #include "shell/DragImage.h"
+#include "shell/InputInjector.h"
+#include "shell/Keymap.h"
 #include "shell/Menu.h"
 #include "shell/NotificationCards.h"
 #include "shell/OnScreenKeyboard.h"
@@ -61,6 +64,8 @@ private:
     MaybeError publishObjects();
     /// Gives the panel its strip of the output when it appears.
     void placePanel();
+    /// Disconnects the clients, and forgets what they and other programs have made the compositor show.
+    void hangUp();
     /// Stores a screenshot among the person's pictures and posts a notification about it.
     void takeScreenShot();
 
@@ -83,7 +88,10 @@ private:
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 
+    const Keymap::Layout mLayout;
+    const Keymap mKeymap;
     WaylandServer mServer;
+    InputInjector mInputInjector;
     std::unique_ptr<SeatInput> mSeatInput;
     std::unique_ptr<TouchInput> mTouchInput;
     std::unique_ptr<TextEntry> mTextEntry;
@@ -95,6 +103,7 @@ private:
     GlobalOverlayObject mGlobalOverlayObject;
     ScreenShotObject mScreenShotObject;
     NotificationsObject mNotificationsObject;
+    DeskObject mDeskObject;
     BusService mBusService;
     ScriptPlayer mScriptPlayer;
 };

@@ -69,9 +69,8 @@ Result<Options::Panel> readPanel(const QString& text)
 }
 
 /// Stores the option's value, converted by `read`, in `target` if the option is given.
-template <typename Value>
-MaybeError assign(const QCommandLineParser& parser, const QString& option, Result<Value> (*read)(const QString&),
-                  Value* target)
+template <typename Value, typename Read>
+MaybeError assign(const QCommandLineParser& parser, const QString& option, const Read& read, Value* target)
 {
     if (!parser.isSet(option)) {
         return {};
@@ -93,7 +92,9 @@ QList<QCommandLineOption> Options::declarations()
                 QStringLiteral(
                     "Name of the Wayland socket; by default the first free one\nof wayland-1, wayland-2, ..."),
                 QStringLiteral("NAME")},
-               {cFullScreenWindow, QStringLiteral("Fills the desktop's screen, whatever its size.")}}
+               {cFullScreenWindow, QStringLiteral("Fills the desktop's screen, whatever its size.")},
+               {CompositorOptions::cRemoteControl,
+                QStringLiteral("Lets programs on the bus tap, type and take other steps\nof scripts.")}}
     + CompositorOptions::declarations();
 }
 
@@ -102,18 +103,22 @@ Result<Options> Options::read(const QCommandLineParser& parser)
     Options options;
     options.isFullScreenWindow = parser.isSet(cFullScreenWindow);
     options.isWindowTurning = parser.isSet(CompositorOptions::cTurnWindow);
+    options.isRemoteControlled = parser.isSet(CompositorOptions::cRemoteControl);
     options.isMouseFinger = parser.isSet(CompositorOptions::cTouch);
     if (options.isFullScreenWindow && options.isWindowTurning) {
         return Error{
             QStringLiteral("--%1 and --%2 exclude each other").arg(cFullScreenWindow, CompositorOptions::cTurnWindow)};
     }
+    const auto readScript = [&options](const QString& fileName) {
+        return ScriptFile::read(fileName, Keymap(options.keyboardLayout));
+    };
     for (const MaybeError& error :
          {assign(parser, CompositorOptions::cSize, readSize, &options.size),
           assign(parser, cSocket, readSocketName, &options.socketName),
           assign(parser, CompositorOptions::cScreenSaverTimeout, readSeconds, &options.screenSaverTimeoutSeconds),
           assign(parser, CompositorOptions::cPanel, readPanel, &options.panel),
           assign(parser, CompositorOptions::cKeyboardLayout, Keymap::readLayout, &options.keyboardLayout),
-          assign(parser, CompositorOptions::cScript, ScriptFile::read, &options.script)}) {
+          assign(parser, CompositorOptions::cScript, readScript, &options.script)}) {
         if (error) {
             return *error;
         }

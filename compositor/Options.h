@@ -23,6 +23,7 @@ struct Options
     bool isFullScreenWindow = false;
     bool isWindowTurning = false;
     bool isMouseFinger = false;
+    bool isRemoteControlled = false;
     Keymap::Layout keyboardLayout;
     struct Panel
     {

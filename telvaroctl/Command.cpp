@@ -111,7 +111,7 @@ QString faultOf(const Command& command, const QCommandLineParser& parser, const 
         return QStringLiteral("%1 is missing").arg(command.arguments.at(arguments.size()));
     }
     for (int index = 0; index < arguments.size(); ++index) {
-        const QString text = fault(arguments.at(index), command.arguments.value(index, command.arguments.constLast()));
+        QString text = fault(arguments.at(index), command.arguments.value(index, command.arguments.constLast()));
         if (!text.isEmpty()) {
             return text;
         }
@@ -191,8 +191,8 @@ CommandLine::Text programText()
 const QList<Command>& allCommands()
 {
     static const QList<Command> cCommands = statusCommands() + viewCommands() + processCommands() + screenCommands()
-        + overlayCommands() + notificationCommands() + screenShotCommands() + waitCommands() + watchCommands() + recordCommands()
-        + helpCommands() + completeCommands();
+        + overlayCommands() + notificationCommands() + screenShotCommands() + inputCommands() + waitCommands()
+        + watchCommands() + recordCommands() + helpCommands() + completeCommands();
     return cCommands;
 }
 

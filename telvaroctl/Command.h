@@ -80,6 +80,7 @@ QList<Command> overlayCommands();
 QList<Command> screenCommands();
 QList<Command> notificationCommands();
 QList<Command> screenShotCommands();
+QList<Command> inputCommands();
 QList<Command> waitCommands();
 QList<Command> watchCommands();
 QList<Command> recordCommands();

@@ -55,7 +55,6 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
                       std::get<std::unique_ptr<BusStream>>(std::move(stream)),
                       std::get<std::unique_ptr<BusStream>>(std::move(sender)), parser.isSet(cAnonymous));
     QObject::connect(&recorder, &Recorder::started, [] {
-        TimeLimit::lift();
         printError(QStringLiteral("recording %1").arg(TelvaroDBusDefinitions::getServiceName()));
     });
     QObject::connect(&recorder, &Recorder::ended, [] {
@@ -65,6 +64,8 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
         printError(error->text);
         return Failed;
     }
+    // A service that hangs is recorded, too.
+    TimeLimit::lift();
     const int status = QCoreApplication::exec();
     const Result<int> count = recorder.finish();
     if (isFailure(count)) {
@@ -82,9 +83,9 @@ QList<Command> recordCommands()
         {"record",
          "Records what the service does as a script, until interrupted.",
          "",
-         "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
-         "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet. The time limit ends when it listens.",
+         "The reference compositor plays FILE as its script; '-' is standard output. Prints\n"
+         "'recording' to standard error once it listens, and waits for a service that is not\n"
+         "registered yet. The time limit ends when the bus has replied.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},

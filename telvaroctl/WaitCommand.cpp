@@ -14,12 +14,15 @@
 #include <QString>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace {
 
 using View = TelvaroViewModel::View;
 
 const QString cApp = QStringLiteral("app");
+const QString cIndex = QStringLiteral("index");
 const QString cView = QStringLiteral("view");
 const QString cCurrent = QStringLiteral("current");
 const QString cService = QStringLiteral("service");
@@ -29,6 +32,8 @@ const QString cGone = QStringLiteral("gone");
 struct Condition
 {
     QString app;
+    /// -1 for any.
+    qint64 index;
     QString view;
     bool isCurrentWanted;
     bool isService;
@@ -51,6 +56,7 @@ struct Condition
             : !app.isEmpty()            ? QStringLiteral("a view of '%1'").arg(app)
             : isService                 ? QStringLiteral("the service")
                                         : QStringLiteral("a view");
+        thing += index < 0 ? QString() : QStringLiteral(" with the index %1").arg(index);
         thing += isCurrentWanted ? QStringLiteral(" that is current") : QString();
         return isGone ? QStringLiteral("the end of ") + thing : thing;
     }
@@ -60,7 +66,8 @@ private:
     {
         const QList<View>& views = switcher.getViews()->getViews();
         return std::any_of(views.begin(), views.end(), [this, &switcher](const View& candidate) {
-            return (app.isEmpty() || candidate.appId == app) && (view.isEmpty() || candidate.uuid == view)
+            return (app.isEmpty() || candidate.appId == app) && (index < 0 || candidate.sortIndex == index)
+                && (view.isEmpty() || candidate.uuid == view)
                 && (!isCurrentWanted || candidate.uuid == switcher.getCurrentView());
         });
     }
@@ -68,11 +75,23 @@ private:
 
 ExitStatus wait(const QCommandLineParser& parser, const QStringList& /*arguments*/)
 {
-    const Condition condition{parser.value(cApp), parser.value(cView), parser.isSet(cCurrent), parser.isSet(cService),
-                              parser.isSet(cGone)};
+    const QString command = QStringLiteral("wait");
+    const bool hasIndex = parser.isSet(cIndex);
+    const std::optional<qint64> index = hasIndex
+        ? toNumber(command, parser.value(cIndex), 0, std::numeric_limits<uint32_t>::max())
+        : std::optional<qint64>(-1);
+    if (!index) {
+        return Usage;
+    }
+    const Condition condition{parser.value(cApp),     *index,
+                              parser.value(cView),    parser.isSet(cCurrent),
+                              parser.isSet(cService), parser.isSet(cGone)};
     const bool isView = parser.isSet(cApp) || parser.isSet(cView) || condition.isCurrentWanted;
     if (isView == condition.isService) {
-        return usageError(QStringLiteral("wait"), QStringLiteral("expected either --service or a view"));
+        return usageError(command, QStringLiteral("expected either --service or a view"));
+    }
+    if (hasIndex && !parser.isSet(cApp)) {
+        return usageError(command, QStringLiteral("--index goes with --app"));
     }
     if (!Service::connect()) {
         return Failed;
@@ -107,6 +126,7 @@ QList<Command> waitCommands()
          [] {
              return QList<QCommandLineOption>{
                  {cApp, QStringLiteral("A view of this application."), QStringLiteral("APP")},
+                 {cIndex, QStringLiteral("The view with this sort index in the application."), QStringLiteral("INDEX")},
                  {cView, QStringLiteral("The view with this unique id."), QStringLiteral("UUID")},
                  {cCurrent, QStringLiteral("The view has to be current.")},
                  {cService, QStringLiteral("The service.")},

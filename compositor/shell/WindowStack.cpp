@@ -81,6 +81,18 @@ ClientWindow* WindowStack::current() const
     return windowOfView(mViews.current());
 }
 
+QRect WindowStack::currentFrame() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr ? QRect() : frameOf(window);
+}
+
+bool WindowStack::isSettled() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr || window->isSettled();
+}
+
 bool WindowStack::canClose(const QString& uuid) const
 {
     return windowOfView(uuid) != nullptr;

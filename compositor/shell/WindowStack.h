@@ -40,6 +40,10 @@ public:
 
     /// Null when there is no view.
     ClientWindow* current() const;
+    /// Returns the geometry of the current view's window on the output; empty when it has none.
+    QRect currentFrame() const;
+    /// Returns false while the size of the current view's window is about to change.
+    bool isSettled() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int cPatienceMilliseconds = 3000;
+constexpr int cPatienceSeconds = 3;
 constexpr int cIntervalMilliseconds = 1000;
 constexpr int cEventsPerPing = 32;
 /// Half of the small events that a connection buffers.
@@ -22,11 +22,8 @@ ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, 
     , mShell(shell)
     , mClient(client)
 {
-    mDeadline.setSingleShot(true);
-    mDeadline.setInterval(cPatienceMilliseconds);
-    connect(&mDeadline, &QTimer::timeout, this, [this] {
-        setResponding(false);
-    });
+    mSeconds.setInterval(cIntervalMilliseconds);
+    connect(&mSeconds, &QTimer::timeout, this, &ClientLiveness::handleSecond);
     connect(shell, &QWaylandXdgShell::pong, this, &ClientLiveness::handlePong);
     connect(client, &QObject::destroyed, this, &QObject::deleteLater);
 }
@@ -37,6 +34,31 @@ void ClientLiveness::setShellObject(wl_resource* object)
     mShellListener = std::make_unique<ResourceListener>(object, [this] {
         mShellObject = nullptr;
     });
+}
+
+void ClientLiveness::addWindow()
+{
+    ++mWindows;
+    ping();
+}
+
+void ClientLiveness::removeWindow()
+{
+    --mWindows;
+}
+
+void ClientLiveness::handleSecond()
+{
+    if (mWaiting) {
+        if (++mPassedSeconds >= cPatienceSeconds) {
+            mSeconds.stop();
+            setResponding(false);
+        }
+    } else if (mWindows > 0) {
+        ping();
+    } else {
+        mSeconds.stop();
+    }
 }
 
 bool ClientLiveness::admitEvent()
@@ -64,7 +86,8 @@ void ClientLiveness::ping()
     mSerial = mClient->compositor()->nextSerial();
     // QWaylandXdgShell::ping() chooses an xdg_wm_base by itself.
     QWaylandXdgShellPrivate::get(mShell)->ping(QWaylandXdgShellPrivate::Resource::fromResource(mShellObject), mSerial);
-    mDeadline.start();
+    mPassedSeconds = 0;
+    mSeconds.start();
 }
 
 void ClientLiveness::handlePong(uint serial)
@@ -73,7 +96,7 @@ void ClientLiveness::handlePong(uint serial)
         return;
     }
     mWaiting = false;
-    mDeadline.stop();
+    mSeconds.start();
     mUnconfirmed = mSincePingCount;
     setResponding(true);
     if (std::exchange(mHeldBack, false)) {

@@ -16,6 +16,9 @@
 
 namespace {
 
+/// Some clients draw their first frame in a size of their own.
+constexpr int cSettlingMilliseconds = 2000;
+
 QString processNameOf(qint64 pid)
 {
     QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
@@ -143,8 +146,18 @@ void ClientWindow::sendConfigure()
 {
     if (mConfigureIsDue && mIsCommitted && mToplevel != nullptr && admitEvent()) {
         mConfigureIsDue = false;
+        mSinceConfigure.start();
         mToplevel->sendConfigure(mSize, mStates);
     }
+}
+
+bool ClientWindow::isSettled() const
+{
+    // The geometry may precede the buffer that it is for.
+    const QRect geometry = windowGeometry();
+    const bool isDrawn = mSurface != nullptr && QRect(QPoint(), mSurface->size()).contains(geometry);
+    return (isDrawn && (mSize.isEmpty() || geometry.size() == mSize))
+        || mSinceConfigure.hasExpired(cSettlingMilliseconds);
 }
 
 void ClientWindow::handleCaughtUp()
@@ -192,12 +205,19 @@ void ClientWindow::map()
     view.isDialog = parentToplevel() != nullptr;
     view.isResponding = isResponding();
     mViews.addWindow(view);
+    if (mLiveness != nullptr) {
+        mLiveness->addWindow();
+    }
 }
 
 void ClientWindow::unmap()
 {
-    if (isMapped()) {
-        mViews.remove(std::exchange(mUuid, QString()));
+    if (!isMapped()) {
+        return;
+    }
+    mViews.remove(std::exchange(mUuid, QString()));
+    if (mLiveness != nullptr) {
+        mLiveness->removeWindow();
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "wayland/ClientSurface.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
@@ -60,6 +61,9 @@ public:
 
     /// Ends the client's process, which does not respond.
     void endProcess() const;
+    /// Returns whether the client has drawn the window in the size that it was configured to, or has had the time for
+    /// it.
+    bool isSettled() const;
 
     /// Sends a configure event if the size or the states have changed. The event for a client that does not respond is
     /// delayed until it does: events that it does not read would fill its connection.
@@ -92,4 +96,5 @@ private:
     bool mWantsFullScreen = false;
     bool mIsCommitted = false;
     bool mConfigureIsDue = false;
+    QElapsedTimer mSinceConfigure;
 };

@@ -194,7 +194,8 @@ void TelvaroctlChangesTest::waitEndsAtOnceIfItIsSoAlready_data()
     for (const char* command :
          {"wait --service", "wait --app notes", "wait --view u-2", "wait --current", "wait --app notes --current",
           "wait --view u-1 --current", "wait --app clock --gone", "wait --view u-9 --gone",
-          "wait --view u-2 --current --gone", "wait --app notes --view u-2"}) {
+          "wait --view u-2 --current --gone", "wait --app notes --view u-2", "wait --app notes --index 1",
+          "wait --app notes --index 2 --gone"}) {
         QTest::newRow(command) << words(command);
     }
 }
@@ -217,6 +218,7 @@ void TelvaroctlChangesTest::waitFailsAtItsLimit_data()
         QTest::newRow(line) << words(line) << message(error);
     };
     row("wait --app clock", "waited in vain for a view of 'clock'");
+    row("wait --app notes --index 2", "waited in vain for a view of 'notes' with the index 2");
     row("wait --view u-9", "waited in vain for the view 'u-9'");
     row("wait --view u-2 --current", "waited in vain for the view 'u-2' that is current");
     row("wait --app notes --view u-9", "waited in vain for the view 'u-9'");
@@ -230,7 +232,7 @@ void TelvaroctlChangesTest::waitFailsAtItsLimit()
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
     setTwoViews();
-    const Result result = telvaroctl(arguments + words("--timeout 0.3"));
+    const Result result = telvaroctl(arguments + words("--timeout 1"));
     QCOMPARE(result.errors, error);
     QCOMPARE(result.status, 1);
 }

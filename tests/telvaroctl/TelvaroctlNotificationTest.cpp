@@ -171,7 +171,7 @@ void TelvaroctlNotificationTest::notifyWaitsForItsOwnNotification()
 void TelvaroctlNotificationTest::notifyWaitsNoLongerThanAsked()
 {
     setId(7);
-    const Result result = telvaroctl("notify --wait --print-id --timeout 0.5 Title");
+    const Result result = telvaroctl("notify --wait --print-id --timeout 1 Title");
     QCOMPARE(result.errors, message("the notification has not been closed in time"));
     QCOMPARE(result.output, QStringLiteral("7\n"));
     QCOMPARE(result.status, 1);

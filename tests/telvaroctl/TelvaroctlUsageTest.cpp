@@ -32,7 +32,7 @@ void TelvaroctlUsageTest::helpNamesEveryCommand()
     QCOMPARE(result.errors, QString());
     const QStringList commands =
         words("status views current switch next previous top is-current pid screen screensaver orientation fullscreen "
-              "overlay notify screenshot wait watch help complete");
+              "overlay notify screenshot wait watch record help complete");
     for (const QString& command : commands) {
         QVERIFY2(result.output.contains(QStringLiteral("\n  %1 ").arg(command)), qPrintable(command));
         const Result help = telvaroctl({command, QStringLiteral("--help")});
@@ -83,6 +83,7 @@ void TelvaroctlUsageTest::wrongUsageIsSaidOnStandardErrorAndSendsNothing_data()
     row("top", "PROCESS is missing");
     row("is-current", "PROCESS is missing");
     row("pid", "PROCESS is missing");
+    row("record", "FILE is missing");
     row("pid one two", "unexpected argument 'two'");
     row("switch", "expected either UUID or --app");
     row("switch a b", "unexpected argument 'b'");
@@ -122,6 +123,8 @@ void TelvaroctlUsageTest::wrongUsageIsSaidOnStandardErrorAndSendsNothing_data()
     row("screenshot", "DIRECTORY is missing");
     row("wait", "expected either --service or a view");
     row("wait --gone", "expected either --service or a view");
+    row("wait --index 1 --current", "--index goes with --app");
+    row("wait --app notes --index one", "'one' is not a number from 0 to 4294967295");
     row("wait --service --app notes", "expected either --service or a view");
     row("views --timeout soon", "--timeout: 'soon' is not a number of seconds above 0");
     row("views --timeout 0", "--timeout: '0' is not a number of seconds above 0");
