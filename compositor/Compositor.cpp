@@ -17,17 +17,20 @@ namespace {
 
 constexpr int cScreenShotMessageMilliseconds = 5000;
 
-/// A script has the same layout everywhere: its texts are keys since it was read.
-Keymap::Layout layoutOf(const Options& options)
+/// Returns the options, with the desktop's keyboard layout where they have none. The keys of a script are those of the
+/// layout that it was read with.
+Options withKeyboardLayout(Options options)
 {
-    const bool isDesktops = options.keyboardLayout.name.isEmpty() && options.script.steps.empty();
-    return isDesktops ? DesktopKeyboard::layout().value_or(Keymap::Layout()) : options.keyboardLayout;
+    if (options.keyboardLayout.name.isEmpty() && options.script.steps.empty()) {
+        options.keyboardLayout = DesktopKeyboard::layout().value_or(Keymap::Layout());
+    }
+    return options;
 }
 
 } // namespace
 
 Compositor::Compositor(Options options)
-    : mOptions(std::move(options))
+    : mOptions(withKeyboardLayout(std::move(options)))
     , mOutput(mOptions.size)
     , mScreenSaver(mOptions.screenSaverTimeoutSeconds)
     , mScene(mOutput, mScreenSaver)
@@ -41,8 +44,7 @@ Compositor::Compositor(Options options)
     , mDragImage(mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
-    , mLayout(layoutOf(mOptions))
-    , mKeymap(mLayout)
+    , mKeymap(mOptions.keyboardLayout)
     , mServer(mOutput, mWindow, mViews)
     , mInputInjector(mOutput, mWindowStack, mWindow)
     , mTaskSwitcherObject(mViews, mCallGate)
@@ -111,9 +113,9 @@ MaybeError Compositor::start()
     QWaylandSeat* const seat = mServer.defaultSeat();
     mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
                                              SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
-    if (!mLayout.name.isEmpty()) {
-        seat->keymap()->setLayout(mLayout.name);
-        seat->keymap()->setVariant(mLayout.variant);
+    if (!mOptions.keyboardLayout.name.isEmpty()) {
+        seat->keymap()->setLayout(mOptions.keyboardLayout.name);
+        seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
     }
     mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mKeymap);
     mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);

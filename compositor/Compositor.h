@@ -88,7 +88,6 @@ private:
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 
-    const Keymap::Layout mLayout;
     const Keymap mKeymap;
     WaylandServer mServer;
     InputInjector mInputInjector;

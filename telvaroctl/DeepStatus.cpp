@@ -223,7 +223,8 @@ public:
         mAnswers = readAll();
         all.waitForFinished();
         const QVariantMap values = all.value();
-        for (const QString& name : properties()) {
+        const QStringList names = properties();
+        for (const QString& name : names) {
             const auto answer = mAnswers.constFind(name);
             if (answer == mAnswers.constEnd()) {
                 continue;
@@ -320,7 +321,8 @@ private:
     QVariantMap readAll()
     {
         QMap<QString, QDBusPendingReply<QDBusVariant>> replies;
-        for (const QString& name : properties()) {
+        const QStringList names = properties();
+        for (const QString& name : names) {
             replies.insert(name, call(Names::getPropertyInterface(), Names::getPropertyMehodGet(), {mInterface, name}));
         }
         QVariantMap values;
