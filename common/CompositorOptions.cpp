@@ -9,7 +9,9 @@ QList<QCommandLineOption> CompositorOptions::declarations()
         {cTurnWindow,
          QStringLiteral("Turns the window with the screen's orientation, so that its\ncontents stand upright.")},
         {cTouch, QStringLiteral("Makes the mouse a finger, with Ctrl held a pair of fingers.")},
-        {cKeyboardLayout, QStringLiteral("Keyboard layout of the applications, as \"de\" or\n\"de(nodeadkeys)\"."),
+        {cKeyboardLayout,
+         QStringLiteral(
+             "Keyboard layout of the applications, as \"de\" or\n\"de(nodeadkeys)\"; by default the desktop's."),
          QStringLiteral("LAYOUT")},
         {cPanel,
          QStringLiteral("Gives the application's window a strip of the screen, beside\nthe views. EDGE is bottom, top, "

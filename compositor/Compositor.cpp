@@ -3,6 +3,7 @@
 #include "Compositor.h"
 
 #include "bus/ScreenShotFile.h"
+#include "shell/DesktopKeyboard.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/WaylandSocketName.h"
@@ -16,10 +17,19 @@ namespace {
 
 constexpr int cScreenShotMessageMilliseconds = 5000;
 
+/// Returns the options, with the desktop's keyboard layout where they have none.
+Options withKeyboardLayout(Options options)
+{
+    if (options.keyboardLayout.name.isEmpty()) {
+        options.keyboardLayout = DesktopKeyboard::layout().value_or(Keymap::Layout());
+    }
+    return options;
+}
+
 } // namespace
 
 Compositor::Compositor(Options options)
-    : mOptions(std::move(options))
+    : mOptions(withKeyboardLayout(std::move(options)))
     , mOutput(mOptions.size)
     , mScreenSaver(mOptions.screenSaverTimeoutSeconds)
     , mScene(mOutput, mScreenSaver)
@@ -30,6 +40,7 @@ Compositor::Compositor(Options options)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
     , mCommands(mOutput, mViews, mScreenSaver, mWindowStack)
     , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
+    , mDragImage(mScene)
     , mOverlayPanel(mOutput, mScene)
     , mWindow(mOutput, mScene)
     , mKeymap(mOptions.keyboardLayout)
@@ -59,6 +70,7 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mKeyboard);
     mScene.addLayer(&mNotificationCards);
     mScene.addLayer(&mMenu);
+    mScene.addLayer(&mDragImage);
     mScene.addLayer(&mOverlayPanel);
     QObject::connect(&mStatusBar, &StatusBar::clicked, &mMenu, &Menu::toggle);
     QObject::connect(&mCommands, &DeskCommands::menuRequested, &mMenu, &Menu::toggle);
@@ -76,6 +88,7 @@ Compositor::Compositor(Options options)
         return mWindowStack.inhibitsIdle();
     });
     QObject::connect(&mWindow, &OutputWindow::framePainted, &mWindowStack, &WindowStack::sendFrameCallbacks);
+    QObject::connect(&mWindow, &OutputWindow::framePainted, &mDragImage, &DragImage::sendFrameCallbacks);
 }
 
 MaybeError Compositor::start()
@@ -108,6 +121,10 @@ MaybeError Compositor::start()
     mKeyboard.setKeymap(mKeymap);
     mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, mKeymap);
     QObject::connect(mSeatInput.get(), &SeatInput::pressed, mTextEntry.get(), &TextEntry::noteOtherInput);
+    mDragImage.follow(mServer.drag());
+    QObject::connect(mSeatInput.get(), &SeatInput::pointerMoved, &mDragImage, [this](const QPointF& position) {
+        mDragImage.setPointer(position.toPoint());
+    });
     QObject::connect(mTouchInput.get(), &TouchInput::pressed, mTextEntry.get(), &TextEntry::noteFinger);
     QObject::connect(&mCommands, &DeskCommands::keyboardRequested, mTextEntry.get(), &TextEntry::toggle);
     mWindow.setInput(mSeatInput.get(), mTouchInput.get());

@@ -15,6 +15,7 @@
 #include "script/ScriptPlayer.h"
 #include "shell/Background.h"
 #include "shell/DeskCommands.h"
+#include "shell/DragImage.h"
 #include "shell/InputInjector.h"
 #include "shell/Keymap.h"
 #include "shell/Menu.h"
@@ -83,6 +84,7 @@ private:
     NotificationCards mNotificationCards;
     DeskCommands mCommands;
     Menu mMenu;
+    DragImage mDragImage;
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 

@@ -58,6 +58,11 @@ void TimeLimit::start(int milliseconds, const QString& text)
     action.sa_handler = onAlarm;
     action.sa_flags = SA_RESTART;
     sigaction(SIGALRM, &action, nullptr);
+    // Whoever started the process may have blocked it.
+    sigset_t alarm;
+    sigemptyset(&alarm);
+    sigaddset(&alarm, SIGALRM);
+    pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
     expect(text);
 }
 

@@ -107,7 +107,9 @@ bool WindowStack::canClose(const QString& uuid) const
 void WindowStack::close(const QString& uuid)
 {
     ClientWindow* const window = windowOfView(uuid);
-    if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
+    if (window != nullptr && !window->isResponding()) {
+        window->endProcess();
+    } else if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
         window->toplevel()->sendClose();
     }
 }

@@ -51,7 +51,7 @@ public:
     void dismissPopups();
     /// Returns whether the view has a window, which its client can be asked to close.
     bool canClose(const QString& uuid) const;
-    /// Asks the client to close the window of the view, if it has one.
+    /// Asks the client to close the window of the view, if it has one, or ends a client that does not respond.
     void close(const QString& uuid);
     /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();

@@ -75,17 +75,22 @@ void ViewList::announceAsCurrent(const QString& text)
 
 void ViewList::add(View view, const std::optional<quint32>& sortIndex)
 {
-    if (wantsPanel(view.appId) && !view.isDialog) {
-        mPanel = view;
-        Q_EMIT panelChanged();
-        return;
-    }
     view.sortIndex = sortIndex ? *sortIndex : nextSortIndex(view.appId);
     mAnnounced.reset();
     mViews.append(view);
     mRecent.append(view.uuid);
     Q_EMIT viewsChanged();
     Q_EMIT currentChanged();
+}
+
+void ViewList::addWindow(const View& view)
+{
+    if (wantsPanel(view.appId) && !view.isDialog) {
+        mPanel = view;
+        Q_EMIT panelChanged();
+    } else {
+        add(view);
+    }
 }
 
 void ViewList::remove(const QString& uuid)

@@ -47,7 +47,7 @@ public:
     {
         mPanelAppId = appId;
     }
-    /// Returns whether a new view of the application would be the panel.
+    /// Returns whether a new window of the application would be the panel.
     bool wantsPanel(const QString& appId) const
     {
         return !mPanelAppId.isEmpty() && appId == mPanelAppId && mPanel.uuid.isEmpty();
@@ -58,9 +58,10 @@ public:
         return mPanel;
     }
 
-    /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`; or makes it
-    /// the panel.
+    /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`.
     void add(View view, const std::optional<quint32>& sortIndex = {});
+    /// Adds the view of a window, or makes it the panel.
+    void addWindow(const View& view);
     /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
 
@@ -88,7 +89,7 @@ private:
     QVector<View> mViews;
     /// The uuids, the most recently current one at the end.
     QStringList mRecent;
-    std::optional<QString> mAnnounced;
     QString mPanelAppId;
     View mPanel;
+    std::optional<QString> mAnnounced;
 };

@@ -12,6 +12,8 @@
 #include <QWaylandOutput>
 #include <QWaylandSurface>
 
+#include <csignal>
+
 namespace {
 
 /// Some clients draw their first frame in a size of their own.
@@ -115,6 +117,15 @@ bool ClientWindow::admitEvent()
     return mLiveness != nullptr && mLiveness->admitEvent();
 }
 
+void ClientWindow::endProcess() const
+{
+    const View* const view = std::as_const(mViews).find(mUuid);
+    // A process that has taken over the socket of an ended one keeps that one's number, which may be in use again.
+    if (view != nullptr && view->pid > 1 && processNameOf(view->pid) == mProcessName) {
+        kill(static_cast<pid_t>(view->pid), SIGKILL);
+    }
+}
+
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)
 {
     const bool isDialog = parentToplevel() != nullptr;
@@ -198,7 +209,7 @@ void ClientWindow::map()
     view.size = windowGeometry().size();
     view.isDialog = parentToplevel() != nullptr;
     view.isResponding = isResponding();
-    mViews.add(view);
+    mViews.addWindow(view);
     if (mLiveness != nullptr) {
         mLiveness->addWindow();
     }

@@ -61,6 +61,8 @@ public:
     /// See ClientLiveness::admitEvent().
     bool admitEvent();
 
+    /// Ends the client's process, which does not respond.
+    void endProcess() const;
     /// Returns whether the client has drawn the window in the size that it was configured to, or has had the time for
     /// it.
     bool isSettled() const;

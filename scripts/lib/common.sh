@@ -10,7 +10,7 @@ log_directory=$project_directory/build/logs
 build_packages=(
     cmake g++ make ninja-build pkg-config
     qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
-    qtbase5-private-dev qtwayland5-private-dev libdbus-1-dev libwayland-dev libxkbcommon-dev
+    qtbase5-private-dev qtwayland5-private-dev libdbus-1-dev libwayland-dev libxcb1-dev libxkbcommon-dev
     wayland-protocols
 )
 session_packages=(
