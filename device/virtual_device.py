@@ -7,21 +7,16 @@ import itertools
 import json
 import os
 import shlex
+import shutil
 import socket
 import subprocess
 import tempfile
 import time
 
-RUNTIME_DIRECTORY = "/run/user/1000"
-# Under which an application of the device's user finds the bus and the compositor.
-SESSION = {
-    "DBUS_SESSION_BUS_ADDRESS": "unix:path=%s/bus" % RUNTIME_DIRECTORY,
-    "QT_QPA_PLATFORM": "wayland",
-    "WAYLAND_DISPLAY": "wayland-1",
-    "XDG_RUNTIME_DIR": RUNTIME_DIRECTORY,
-}
 # Of the tablet and the touch panel, over the whole screen.
 LARGEST_POSITION = 32767
+# Of a file, in one reply. QEMU drops what the socket of the virtual console does not take at once.
+PIECE = 16384
 
 
 class DeviceError(Exception):
@@ -33,6 +28,7 @@ class Monitor:
 
     def __init__(self, path):
         self.connection = socket.socket(socket.AF_UNIX)
+        self.connection.settimeout(180)
         self.connection.connect(path)
         self.lines = self.connection.makefile("r")
         self.lines.readline()
@@ -50,22 +46,28 @@ class Monitor:
                 return reply["return"]
         raise DeviceError("QEMU has ended")
 
+    def wait_for_event(self, event):
+        for line in self.lines:
+            if json.loads(line).get("event") == event:
+                return
+        raise DeviceError("QEMU has ended")
+
 
 class VirtualDevice:
     """One run of the device. Whatever is written to its disk is lost with it."""
 
-    def __init__(self, parts, size=(1024, 600), memory=512, files=None, display=("-display", "none"), console=None):
-        """parts: the folder with the kernel, the initrd and the disk. files: an image of a file system, which the
-        device mounts as /media/host. console: QEMU's character device for the serial line; a file of its own if none
-        is given."""
+    def __init__(self, parts, size=(1024, 600), memory=512, files=(), display=("-display", "none"), console=None):
+        """parts: the folder with the kernel, the initrd and the disk. files: what bring_files() brings. console: QEMU's
+        character device for the serial line; a file of its own if none is given."""
         self.size = size
         self.directory = tempfile.TemporaryDirectory(prefix="virtual-device-")
+        self.files = list(files)
         self.numbers = itertools.count(1)
         self.received = b""
         self.started = time.monotonic()
         self.console_log = self._path("console.log")
         self.process = subprocess.Popen(
-            self._arguments(parts, memory, files, display, console or "file,path=" + self.console_log),
+            self._arguments(parts, memory, display, console),
             stdin=subprocess.DEVNULL if console is None else None)
         try:
             self.monitor = self._connected("monitor", Monitor)
@@ -77,16 +79,21 @@ class VirtualDevice:
     def _path(self, name):
         return os.path.join(self.directory.name, name)
 
-    def _arguments(self, parts, memory, files, display, console):
+    def _arguments(self, parts, memory, display, console):
         width, height = self.size
         kernel = os.path.join(parts, "kernel")
+        settings = "console=ttyAMA0 quiet panic=-1 vt.global_cursor_default=0 video=%dx%d" % (width, height)
+        if console is None:
+            # Nobody logs in.
+            settings += " systemd.mask=serial-getty@ttyAMA0.service"
+            console = "file,path=" + self.console_log
         arguments = [
             "qemu-system-arm", "-machine", "virt,highmem=off", "-cpu", "cortex-a15", "-smp", "2", "-m", str(memory),
             "-nodefaults", "-no-user-config", "-accel", "tcg,thread=multi,tb-size=128",
             # The kernel's drivers for the screen and for input do not know the older form of the transport.
             "-global", "virtio-mmio.force-legacy=false",
             "-kernel", os.path.join(kernel, "vmlinuz"), "-initrd", os.path.join(kernel, "initrd.img"),
-            "-append", "console=ttyAMA0 quiet panic=-1 vt.global_cursor_default=0 video=%dx%d" % (width, height),
+            "-append", settings,
             "-drive", "if=none,id=disk,format=raw,snapshot=on,file=" + os.path.join(parts, "disk.img"),
             "-device", "virtio-gpu-device,xres=%d,yres=%d" % (width, height),
             "-device", "virtio-keyboard-device", "-device", "virtio-tablet-device", "-device", "virtio-rng-device",
@@ -98,10 +105,23 @@ class VirtualDevice:
             "-qmp", "unix:%s,server=on,wait=off" % self._path("monitor"), *display,
         ]
         # The devices of this machine are numbered from the last one on: the disk is to be the first.
-        if files is not None:
-            arguments += ["-drive", "if=none,id=files,format=raw,readonly=on,file=" + files,
+        if self.files:
+            arguments += ["-drive", "if=none,id=files,format=raw,readonly=on,file=" + self._image(),
                           "-device", "virtio-blk-device,drive=files"]
         return arguments + ["-device", "virtio-blk-device,drive=disk"]
+
+    def _image(self):
+        """Makes a file system of the files."""
+        folder = self._path("files")
+        os.mkdir(folder)
+        subprocess.run(["cp", "-r", "--", *self.files, folder], check=True)
+        size = int(subprocess.run(["du", "-sk", folder], check=True, stdout=subprocess.PIPE).stdout.split()[0])
+        image = self._path("files.img")
+        size = "%dk" % (size * 5 // 4 + 4096)
+        subprocess.run(["mke2fs", "-q", "-t", "ext4", "-L", "host", "-d", folder, image, size], check=True,
+                       stdout=subprocess.DEVNULL)
+        shutil.rmtree(folder)
+        return image
 
     @staticmethod
     def _connect(path):
@@ -127,16 +147,17 @@ class VirtualDevice:
         while self._line(deadline, "the agent") != b"ready":
             pass
 
-    def run(self, command, timeout=180, environment=None, user=None):
-        """Runs a command of bash as root, or as another user in its session. Returns its exit status and its output,
-        both channels together."""
-        for name, value in (environment or {}).items():
-            command = "export %s=%s; %s" % (name, shlex.quote(value), command)
+    def run(self, command, timeout=180, user=None):
+        """Runs a command of bash as root, or as another user. Returns its exit status and its output, both channels
+        together."""
         if user is not None:
             command = "cd ~%s && runuser -u %s -- bash -c %s" % (user, user, shlex.quote(command))
+        if timeout is not None:
+            # Ends the command in the device first: the agent runs one at a time.
+            command = "timeout %d bash -c %s" % (timeout, shlex.quote(command))
         number = next(self.numbers)
         self.agent.sendall(b"%d %s\n" % (number, base64.b64encode(command.encode())))
-        deadline = None if timeout is None else time.monotonic() + timeout
+        deadline = None if timeout is None else time.monotonic() + timeout + 30
         while True:
             replied, status, *output = self._line(deadline, command).split()
             if replied == b"%d" % number:
@@ -167,27 +188,46 @@ class VirtualDevice:
 
     def wait_until(self, command, timeout=180, **arguments):
         """Waits in the device until the command succeeds."""
-        self.expect("until { %s; } > /dev/null 2>&1; do sleep 0.1; done" % command, timeout=timeout, **arguments)
+        self.expect("until { %s; } > /dev/null 2>&1; do sleep 0.5; done" % command, timeout=timeout, **arguments)
 
     def run_in_session(self, command, **arguments):
         """Runs a command as the device's user, who owns the compositor's session."""
-        return self.run(command, environment=SESSION, user="device", **arguments)
+        return self.run("in-session bash -c " + shlex.quote(command), **arguments)
 
     def in_session(self, command, **arguments):
         """The same for a command that must succeed; returns its output."""
-        return self.expect(command, environment=SESSION, user="device", **arguments)
+        return self.expect("in-session bash -c " + shlex.quote(command), **arguments)
 
     def start(self, name, command):
-        """Starts an application of the device's user, as a unit of the init system with that name."""
-        settings = " ".join("-E %s=%s" % (key, shlex.quote(value)) for key, value in SESSION.items())
-        self.expect("systemd-run --quiet --collect --uid=device --unit=%s %s %s" % (name, settings, command))
+        """Starts an application of the device's user, as a unit of the init system with that name. Both its channels
+        go to the file /run/NAME.log."""
+        self.expect("rm -f /run/%s.log && systemd-run --quiet --collect --unit=%s -p StandardOutput=append:/run/%s.log "
+                    "-p StandardError=inherit in-session %s" % (name, name, name, command))
 
-    def screen(self):
-        """What the virtual screen shows: a file in the format PPM."""
-        path = self._path("screen.ppm")
-        self.monitor.execute("screendump", filename=path)
-        with open(path, "rb") as file:
-            return file.read()
+    def bring_files(self):
+        """Installs the packages among the files, and puts the others into the home directory of the device's user."""
+        self.expect("mkdir -p /media/host && mount -o ro LABEL=host /media/host")
+        names = [os.path.basename(file) for file in self.files]
+        packages = ["/media/host/" + name for name in names if name.endswith(".deb")]
+        if packages:
+            self.expect("dpkg -i " + " ".join(map(shlex.quote, packages)))
+        for name in names:
+            if not name.endswith(".deb"):
+                self.expect("cp -r /media/host/%s /home/device && chown -R device: /home/device/%s"
+                            % (shlex.quote(name), shlex.quote(name)))
+
+    def read_file(self, path):
+        data = b""
+        while True:
+            piece = base64.b64decode(self.expect("tail -c +%d %s | head -c %d | base64 -w 0"
+                                                 % (len(data) + 1, shlex.quote(path), PIECE)))
+            data += piece
+            if len(piece) < PIECE:
+                return data
+
+    def save_screen(self, path):
+        """Writes what the virtual screen shows into a file in the format PNG."""
+        self.monitor.execute("screendump", filename=path, format="png")
 
     def tap(self, x, y):
         """Taps on a pixel of the screen."""
@@ -209,6 +249,12 @@ class VirtualDevice:
     def type_keys(self, *names):
         """Presses keys together, by QEMU's names, and releases them."""
         self.monitor.execute("send-key", keys=[{"type": "qcode", "data": name} for name in names])
+
+    def restart(self):
+        """Restarts the device from within; what was written to its disk is kept. It counts as powered on again."""
+        self.agent.sendall(b"%d %s\n" % (next(self.numbers), base64.b64encode(b"systemctl reboot")))
+        self.monitor.wait_for_event("RESET")
+        self.started = time.monotonic()
 
     def wait(self):
         """Waits until the device has been switched off from within, and returns QEMU's exit status."""

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "DeepStatus.h"
 
+#include "Introspection.h"
 #include "Json.h"
 #include "Service.h"
 #include "TimeLimit.h"
@@ -17,14 +18,11 @@
 #include <QDBusMetaType>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QDir>
 #include <QEventLoop>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMap>
 #include <QTimer>
-#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <limits>
@@ -34,71 +32,6 @@ namespace {
 using Names = TelvaroDBusDefinitions;
 using Screen = TelvaroScreenDBusConnector;
 using TaskSwitcher = TelvaroTaskSwitcherDBusConnector;
-
-struct Member
-{
-    /// "property", "method" or "signal"
-    QString kind;
-    /// The types of its arguments: those that go in, "->", and those that come out; of a property its type and access.
-    QString types;
-};
-
-/// The interfaces of an object by their names, with the members by theirs.
-using Interfaces = QMap<QString, QMap<QString, Member>>;
-
-struct Object
-{
-    QString path;
-    Interfaces interfaces;
-};
-
-/// Reads a D-Bus introspection document.
-Object parseDescription(const QString& xml)
-{
-    Object object;
-    QXmlStreamReader reader(xml);
-    QString interface;
-    QString member;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (!reader.isStartElement()) {
-            continue;
-        }
-        const QXmlStreamAttributes attributes = reader.attributes();
-        const auto value = [&attributes](const char* name) {
-            return attributes.value(QLatin1String(name)).toString();
-        };
-        const QString element = reader.name().toString();
-        if (element == QLatin1String("node") && object.path.isEmpty()) {
-            object.path = value("name");
-        } else if (element == QLatin1String("interface")) {
-            interface = value("name");
-        } else if (element == QLatin1String("property")) {
-            object.interfaces[interface][value("name")] = {element, value("type") + QLatin1Char(' ') + value("access")};
-        } else if (element == QLatin1String("method") || element == QLatin1String("signal")) {
-            member = value("name");
-            object.interfaces[interface][member] = {element, QStringLiteral("->")};
-        } else if (element == QLatin1String("arg")) {
-            Member& owner = object.interfaces[interface][member];
-            const bool isIn = owner.kind == QLatin1String("method") && value("direction") != QLatin1String("out");
-            owner.types.insert(isIn ? owner.types.indexOf(QLatin1String("->")) : owner.types.size(), value("type"));
-        }
-    }
-    return object;
-}
-
-QList<Object> expectedObjects()
-{
-    QList<Object> objects;
-    const QDir files(QStringLiteral(":/interfaces"));
-    const QStringList names = files.entryList();
-    for (const QString& name : names) {
-        QFile file(files.filePath(name));
-        file.open(QIODevice::ReadOnly);
-        objects.append(parseDescription(QString::fromUtf8(file.readAll())));
-    }
-    return objects;
-}
 
 QString typeOf(const QVariant& value)
 {
@@ -188,7 +121,7 @@ private:
 class Examination
 {
 public:
-    Examination(const QString& path, const QString& interface, const QMap<QString, Member>& members)
+    Examination(const QString& path, const QString& interface, const Introspection::Members& members)
         : mPath(path)
         , mInterface(interface)
         , mMembers(members)
@@ -200,15 +133,15 @@ public:
         QDBusPendingReply<QString> reply =
             call(QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {});
         reply.waitForFinished();
-        const QMap<QString, Member> described = parseDescription(reply.value()).interfaces.value(mInterface);
+        const Introspection::Members described = Introspection::parse(reply.value()).interfaces.value(mInterface);
         for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
             const auto found = described.find(member.key());
             if (found == described.end()) {
                 note(member.key(), QStringLiteral("is missing from the introspection"));
-            } else if (found->kind != member->kind || found->types != member->types) {
+            } else if (!(*found == *member)) {
                 note(member.key(),
-                     QStringLiteral("is introspected as %1 %2 instead of %3 %4")
-                         .arg(found->kind, found->types, member->kind, member->types));
+                     QStringLiteral("is introspected as %1 instead of %2")
+                         .arg(found->description(), member->description()));
             }
         }
     }
@@ -250,6 +183,7 @@ public:
         }
         Notifications notifications(mPath);
         const QStringList written = write(changes);
+        mChanged = written;
         const QVariantMap notified = notifications.waitFor(written, TimeLimit::remaining() / 8);
         const QVariantMap answers = readAll();
         for (const QString& name : written) {
@@ -280,7 +214,9 @@ public:
     {
         QList<DeepStatus::Item> result;
         for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
-            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key())});
+            const bool isUnchanged =
+                member->kind == Introspection::Member::Property && !mChanged.contains(member.key());
+            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key()), isUnchanged});
         }
         return result;
     }
@@ -295,7 +231,7 @@ private:
     {
         QStringList names;
         for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
-            if (member->kind == QLatin1String("property")) {
+            if (member->kind == Introspection::Member::Property) {
                 names.append(member.key());
             }
         }
@@ -304,7 +240,7 @@ private:
 
     void compareType(const QString& name, const QVariant& value, const QString& verb)
     {
-        const QString expected = mMembers.value(name).types.section(QLatin1Char(' '), 0, 0);
+        const QString expected = mMembers.value(name).type;
         if (typeOf(value) != expected) {
             note(name, QStringLiteral("%1 the type '%2' instead of '%3'").arg(verb, typeOf(value), expected));
         }
@@ -364,7 +300,7 @@ private:
         QVariantMap values;
         for (auto answer = mAnswers.begin(); answer != mAnswers.end(); ++answer) {
             const QString& name = answer.key();
-            if (!mMembers.value(name).types.endsWith(QLatin1String("readwrite"))) {
+            if (mMembers.value(name).access != QLatin1String("readwrite")) {
                 continue;
             }
             if (name == Screen::cScreenOrientationProperty) {
@@ -388,8 +324,9 @@ private:
 
     QString mPath;
     QString mInterface;
-    QMap<QString, Member> mMembers;
+    Introspection::Members mMembers;
     QVariantMap mAnswers;
+    QStringList mChanged;
     QMap<QString, QStringList> mProblems;
 };
 
@@ -398,8 +335,8 @@ private:
 QList<DeepStatus::Item> DeepStatus::examine()
 {
     QList<Item> items;
-    const QList<Object> objects = expectedObjects();
-    for (const Object& object : objects) {
+    const QList<Introspection> objects = Introspection::expected();
+    for (const Introspection& object : objects) {
         for (auto interface = object.interfaces.begin(); interface != object.interfaces.end(); ++interface) {
             Examination examination(object.path, interface.key(), interface.value());
             examination.compareDescription();

@@ -14,6 +14,8 @@ struct Item
     /// A member of an interface: "de.Telvaro.screen.fullScreen".
     QString name;
     QStringList problems;
+    /// Whether it is a property that could not be changed, so that nothing is known about its notifications.
+    bool isUnchanged;
 };
 
 /// Returns every member of the interfaces. Changes the settings of the screen and the current view, and restores them.

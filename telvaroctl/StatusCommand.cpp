@@ -127,6 +127,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     QJsonObject proxies;
     QJsonObject objects;
     QJsonObject deep;
+    QJsonArray unchanged;
     Table table({QStringLiteral("WHAT"), QStringLiteral("STATE")});
     table.addRow({QStringLiteral("compositor device"), isDevice ? QStringLiteral("yes") : QStringLiteral("no")});
     table.addRow({QStringLiteral("manifest"), Manifest::path()});
@@ -150,8 +151,12 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     for (const DeepStatus::Item& item : items) {
         isFlawless = isFlawless && item.problems.isEmpty();
         deep.insert(item.name, QJsonArray::fromStringList(item.problems));
-        table.addRow(
-            {item.name, item.problems.isEmpty() ? QStringLiteral("agrees") : item.problems.join(QStringLiteral("; "))});
+        QString state = item.problems.isEmpty() ? QStringLiteral("agrees") : item.problems.join(QStringLiteral("; "));
+        if (item.isUnchanged) {
+            unchanged.append(item.name);
+            state += QStringLiteral("; not changed, so its notifications are unknown");
+        }
+        table.addRow({item.name, state});
     }
 
     if (asJson) {
@@ -170,6 +175,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
         };
         if (isDeep) {
             object.insert(QStringLiteral("deep"), deep);
+            object.insert(QStringLiteral("deepUnchanged"), unchanged);
         }
         printJson(object);
     } else {

@@ -93,6 +93,12 @@ bool WindowStack::isSettled() const
     return window == nullptr || window->isSettled();
 }
 
+bool WindowStack::isBehind() const
+{
+    const ClientWindow* const window = current();
+    return window != nullptr && window->isBehind();
+}
+
 bool WindowStack::canClose(const QString& uuid) const
 {
     return windowOfView(uuid) != nullptr;

@@ -44,6 +44,8 @@ public:
     QRect currentFrame() const;
     /// Returns false while the size of the current view's window is about to change.
     bool isSettled() const;
+    /// See ClientLiveness::isBehind().
+    bool isBehind() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();

@@ -75,6 +75,11 @@ bool ClientLiveness::admitEvent()
     return true;
 }
 
+bool ClientLiveness::isBehind() const
+{
+    return mResponding && mUnconfirmed > cMostUnconfirmed / 2;
+}
+
 void ClientLiveness::ping()
 {
     if (mWaiting || mClient.isNull() || mShellObject == nullptr) {

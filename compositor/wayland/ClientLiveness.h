@@ -41,6 +41,9 @@ public:
     /// too many events unread: libwayland disconnects a client whose connection is full.
     bool admitEvent();
 
+    /// Returns whether the client responds but has left so many events unread that admitEvent() will soon return false.
+    bool isBehind() const;
+
 Q_SIGNALS:
     void respondingChanged();
     /// The client has responded after admitEvent() had returned false.

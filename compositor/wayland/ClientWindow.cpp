@@ -100,6 +100,11 @@ bool ClientWindow::isResponding() const
     return mLiveness != nullptr && mLiveness->isResponding();
 }
 
+bool ClientWindow::isBehind() const
+{
+    return mLiveness != nullptr && mLiveness->isBehind();
+}
+
 void ClientWindow::ping()
 {
     if (mLiveness != nullptr) {

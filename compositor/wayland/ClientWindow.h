@@ -54,6 +54,8 @@ public:
     QRect windowGeometry() const;
 
     bool isResponding() const;
+    /// See ClientLiveness::isBehind().
+    bool isBehind() const;
     /// See ClientLiveness::ping().
     void ping();
     /// See ClientLiveness::admitEvent().

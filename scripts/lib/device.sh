@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 # SPDX-FileCopyrightText: The Telvaro authors
 #
-# The virtual device: its root, kernel and disk. To be sourced by bash, after common.sh, debian.sh and packages.sh.
+# The virtual device: its root, kernel and disk. To be sourced by bash, after common.sh, debian.sh, packages.sh
+# and armv7.sh.
 
 device_directory=$project_directory/build/device
 device_packages=(cpio e2fsprogs g++-arm-linux-gnueabihf kmod mmdebstrap python3 qemu-system-arm qemu-user-static)
@@ -94,12 +95,28 @@ make_device_disk() {
         systemctl --global enable telvaro-compositor
         systemctl mask apt-daily.timer apt-daily-upgrade.timer dpkg-db-backup.timer e2scrub_all.timer fstrim.timer \
             getty@tty1.service serial-getty@hvc0.service
+        # Each of them costs a second of the boot. The modules are in the initrd.
+        systemctl mask modprobe@configfs modprobe@dm_mod modprobe@drm modprobe@efi_pstore modprobe@fuse modprobe@loop \
+            dev-mqueue.mount proc-sys-fs-binfmt_misc.automount sys-fs-fuse-connections.mount sys-kernel-config.mount \
+            sys-kernel-debug.mount sys-kernel-tracing.mount systemd-pstore.service
     '
     rm -f "$disk.new"
     truncate --size 600M "$disk.new"
     run_logged device-mke2fs as_root mke2fs -q -t ext4 -d "$root" -O '^has_journal,^metadata_csum' "$disk.new"
     as_root rm -rf "$root"
     mv "$disk.new" "$disk"
+}
+
+# make_device_sysroot: the headers and libraries of the device, for applications that are cross compiled.
+make_device_sysroot() {
+    local sysroot=$device_directory/sysroot package
+    ensure_armv7_sysroot
+    rm -rf "$sysroot"
+    cp -a "$armv7_sysroot" "$sysroot"
+    for package in "$package_directory"/armhf/libtelvaro*.deb; do
+        [[ $package == *-dbgsym_* ]] || dpkg-deb -x "$package" "$sysroot"
+    done
+    echo "$sysroot"
 }
 
 # ensure_device: all that scripts/device boots, made of what is there and newer.

@@ -4,6 +4,8 @@
 # Debian systems in which the packages are built and tested. Sourced by bash, after common.sh and debian.sh.
 
 package_directory=$project_directory/build/packages
+# The Debian system in which the packages for armhf are built.
+cross_root=$project_directory/build/cross-root
 
 # for_architecture NAME COMMAND...: runs the command as root where programs of that architecture can be executed.
 for_architecture() {

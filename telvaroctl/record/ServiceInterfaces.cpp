@@ -2,41 +2,24 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ServiceInterfaces.h"
 
-#include <QDir>
-#include <QFile>
-#include <QXmlStreamReader>
+#include "Introspection.h"
+
+#include <QList>
 
 #include <algorithm>
 
 namespace {
 
-ServiceInterface readFile(const QString& fileName)
+ServiceInterface toInterface(const QString& path, const QString& name, const Introspection::Members& members)
 {
     ServiceInterface interface;
-    QFile file(fileName);
-    file.open(QIODevice::ReadOnly);
-    QXmlStreamReader xml(&file);
-    QString method;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (!xml.isStartElement()) {
-            continue;
-        }
-        const QXmlStreamAttributes attributes = xml.attributes();
-        const QString name = attributes.value(QLatin1String("name")).toString();
-        const QString type = attributes.value(QLatin1String("type")).toString();
-        if (xml.name() == QLatin1String("node")) {
-            interface.path = name;
-        } else if (xml.name() == QLatin1String("interface")) {
-            interface.name = name;
-        } else if (xml.name() == QLatin1String("property")) {
-            const bool isWritable = attributes.value(QLatin1String("access")) == QLatin1String("readwrite");
-            interface.properties.insert(name, {type, isWritable});
-        } else if (xml.name() == QLatin1String("method")) {
-            method = name;
-            interface.methods.insert(method, QString());
-        } else if (attributes.value(QLatin1String("direction")) == QLatin1String("in")) {
-            interface.methods[method] += type;
+    interface.path = path;
+    interface.name = name;
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        if (member->kind == Introspection::Member::Property) {
+            interface.properties.insert(member.key(), {member->type, member->access == QLatin1String("readwrite")});
+        } else if (member->kind == Introspection::Member::Method) {
+            interface.methods.insert(member.key(), member->type);
         }
     }
     return interface;
@@ -48,10 +31,11 @@ const QVector<ServiceInterface>& ServiceInterface::all()
 {
     static const QVector<ServiceInterface> interfaces = [] {
         QVector<ServiceInterface> found;
-        const QDir directory(QStringLiteral(":/interfaces"));
-        const QStringList names = directory.entryList();
-        for (const QString& name : names) {
-            found.append(readFile(directory.filePath(name)));
+        const QList<Introspection> objects = Introspection::expected();
+        for (const Introspection& object : objects) {
+            for (auto interface = object.interfaces.begin(); interface != object.interfaces.end(); ++interface) {
+                found.append(toInterface(object.path, interface.key(), interface.value()));
+            }
         }
         return found;
     }();

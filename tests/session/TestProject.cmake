@@ -41,6 +41,12 @@ if(NOT output MATCHES " 0% tests passed, 5 tests failed out of 5 " OR NOT output
     message(FATAL_ERROR "${output}")
 endif()
 
+run(success ${configure} "-DSESSION_OF_THE_BUILD=${BUILD_DIRECTORY}/bin/telvaro-session")
+run(success "${CMAKE_CTEST_COMMAND}" --test-dir "${build}" -V -R "^passes-with-a-program")
+if(NOT output MATCHES "Test command: ${BUILD_DIRECTORY}/bin/telvaro-session ")
+    message(FATAL_ERROR "not the session of the build: ${output}")
+endif()
+
 foreach(case IN ITEMS "NAME a|COMMAND is missing" "COMMAND true|NAME is missing"
         "SCRIPTS NAME a COMMAND true|unexpected arguments: SCRIPTS")
     string(REGEX REPLACE "\\|.*" "" arguments "${case}")

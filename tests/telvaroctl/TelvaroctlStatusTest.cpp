@@ -37,6 +37,7 @@ private Q_SLOTS:
     void statusOfAnotherDevice_data();
     void statusOfAnotherDevice();
     void aServiceThatAgreesHasNoProblems();
+    void theDeepStatusSaysWhatItCannotChange();
     void theDeepStatusRestoresWhatItChanges();
     void theDeepStatusFindsWhatDoesNotAgree_data();
     void theDeepStatusFindsWhatDoesNotAgree();
@@ -202,16 +203,31 @@ void TelvaroctlStatusTest::aServiceThatAgreesHasNoProblems()
     const Result result = telvaroctl("status --deep");
     QCOMPARE(result.errors, QString());
     QVERIFY2(result.status == 0, qPrintable(result.output));
-    for (const char* member :
-         {"de.Telvaro.globaloverlay.Hide", "de.Telvaro.screen.orientation", "de.Telvaro.screen.screenSaverActive",
-          "de.Telvaro.screenshot.ScreenShot", "de.Telvaro.taskswitcher.currentView", "de.Telvaro.taskswitcher.views",
-          "org.freedesktop.Notifications.Notify", "org.freedesktop.Notifications.ActionInvoked"}) {
+    for (const char* member : {"de.Telvaro.globaloverlay.Hide", "de.Telvaro.screen.orientation",
+                               "de.Telvaro.screenshot.ScreenShot", "de.Telvaro.taskswitcher.currentView",
+                               "org.freedesktop.Notifications.Notify", "org.freedesktop.Notifications.ActionInvoked"}) {
         const QString row = QString::fromUtf8(member);
         const int position = result.output.indexOf(row);
         QVERIFY2(position > 0, member);
         QVERIFY2(result.output.mid(position).section(QLatin1Char('\n'), 0, 0).endsWith(QLatin1String(" agrees")),
                  member);
     }
+}
+
+void TelvaroctlStatusTest::theDeepStatusSaysWhatItCannotChange()
+{
+    completeService();
+    const QStringList always = {QStringLiteral("de.Telvaro.screen.screenSaverActive"),
+                                QStringLiteral("de.Telvaro.taskswitcher.views")};
+    const auto unchanged = [] {
+        return toObject(telvaroctl("status --deep --json")).value(QLatin1String("deepUnchanged")).toVariant();
+    };
+    QCOMPARE(unchanged().toStringList(), always);
+    QVERIFY(telvaroctl("status --deep")
+                .output.contains(QLatin1String(" agrees; not changed, so its notifications are unknown\n")));
+    mService.setCurrentView(QString());
+    QCOMPARE(unchanged().toStringList(),
+             QStringList({always.at(0), QStringLiteral("de.Telvaro.taskswitcher.currentView"), always.at(1)}));
 }
 
 void TelvaroctlStatusTest::theDeepStatusRestoresWhatItChanges()
@@ -244,6 +260,9 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree_data()
     QTest::newRow("introspection") << "introspection"
                                    << "fullScreen"
                                    << "is missing from the introspection";
+    QTest::newRow("introspected type") << "introspected type"
+                                       << "fullScreen"
+                                       << "is introspected as property s read instead of property b readwrite";
     QTest::newRow("not taken") << "not taken"
                                << "fullScreen"
                                << "'true' was written, 'false' is answered";
@@ -294,6 +313,12 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree()
     } else if (fault == QLatin1String("introspection")) {
         mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
                         QStringLiteral("Introspect"), {Behaviour::reply({QStringLiteral("'<node/>'")})});
+    } else if (fault == QLatin1String("introspected type")) {
+        mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                        QStringLiteral("Introspect"),
+                        {Behaviour::reply(
+                            {QStringLiteral("'<node><interface name=\"de.Telvaro.screen\"><property "
+                                            "name=\"fullScreen\" type=\"s\" access=\"read\"/></interface></node>'")})});
     } else if (fault == QLatin1String("not taken")) {
         answer({value("false")}, notified("{'fullScreen': <true>}"));
     } else if (fault == QLatin1String("refused")) {
