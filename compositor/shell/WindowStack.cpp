@@ -5,13 +5,11 @@
 #include "shell/Scene.h"
 #include "state/Output.h"
 #include "state/ViewList.h"
-#include "wayland/ClientBounds.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
 #include "wayland/ClientWindow.h"
 
 #include <QPainter>
-#include <QWaylandXdgToplevel>
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +21,7 @@ constexpr int cMostPopups = 50;
 
 } // namespace
 
-WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)
+WindowStack::WindowStack(Output& output, ViewList& views, Scene& scene, QObject* parent)
     : QObject(parent)
     , mOutput(output)
     , mViews(views)
@@ -52,6 +50,9 @@ void WindowStack::addWindow(ClientWindow* window)
 
 void WindowStack::addPopup(ClientPopup* popup)
 {
+    connect(popup, &ClientPopup::placementRequested, this, [this, popup] {
+        popup->place(boundsOf(popup));
+    });
     const auto count = std::count_if(mPopups.cbegin(), mPopups.cend(), [popup](const ClientPopup* other) {
         return other->client() == popup->client();
     });
@@ -67,7 +68,7 @@ void WindowStack::addPopup(ClientPopup* popup)
     connect(popup, &ClientPopup::committed, this, [this, popup] {
         handleCommit(popup);
     });
-    popup->place(mOutput.workArea().translated(-originOf(popup->parentXdgSurface())));
+    connect(popup, &ClientPopup::mappedChanged, this, &WindowStack::keyboardSurfaceChanged);
 }
 
 ClientWindow* WindowStack::current() const
@@ -82,9 +83,8 @@ bool WindowStack::canClose(const QString& uuid) const
 
 void WindowStack::close(const QString& uuid)
 {
-    ClientWindow* const window = windowOfView(uuid);
-    if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
-        window->toplevel()->sendClose();
+    if (ClientWindow* const window = windowOfView(uuid)) {
+        window->close();
     }
 }
 
@@ -96,7 +96,7 @@ ClientWindow* WindowStack::windowOfView(const QString& uuid) const
     return found == mWindows.cend() ? nullptr : *found;
 }
 
-ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
+ClientWindow* WindowStack::windowOf(const XdgToplevel* toplevel) const
 {
     const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [toplevel](const ClientWindow* window) {
         return window->toplevel() == toplevel;
@@ -107,19 +107,15 @@ ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
 QVector<ClientWindow*> WindowStack::visibleWindows() const
 {
     QVector<ClientWindow*> windows;
-    // A client may make its windows each other's parents in a circle.
-    for (ClientWindow* window = current(); window != nullptr && !windows.contains(window);
-         window = windowOf(window->parentToplevel())) {
-        if (window->isMapped()) {
-            windows.prepend(window);
-        }
+    for (ClientWindow* window = current(); window != nullptr; window = windowOf(window->parentToplevel())) {
+        windows.prepend(window);
     }
     return windows;
 }
 
 ClientWindow* WindowStack::windowOfPopup(const ClientPopup* popup) const
 {
-    const QWaylandXdgSurface* ancestor = popup->parentXdgSurface();
+    const XdgSurface* ancestor = popup->parentXdgSurface();
     for (int steps = 0; ancestor != nullptr && steps <= mPopups.size(); ++steps) {
         if (ancestor->toplevel() != nullptr) {
             return windowOf(ancestor->toplevel());
@@ -145,21 +141,25 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
     return popups;
 }
 
-QRect WindowStack::frameOf(const ClientWindow* window) const
+QRect WindowStack::areaOf(const ClientWindow* window) const
 {
-    const QSize size = window->windowGeometry().size();
-    const QRect area = mOutput.workArea();
+    return window->wantsFullScreen() ? mOutput.rect() : mOutput.maximizedArea();
+}
+
+QRect WindowStack::frameOf(const ClientWindow* window, const QSize& size) const
+{
+    const QRect area = areaOf(window);
     const QPoint margin((area.width() - size.width()) / 2, (area.height() - size.height()) / 2);
     return {area.topLeft() + QPoint(qMax(0, margin.x()), qMax(0, margin.y())), size};
 }
 
 /// Returns the top left corner of the window geometry on the output.
-QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
+QPoint WindowStack::originOf(const XdgSurface* xdgSurface) const
 {
     QPoint origin;
     for (int steps = 0; xdgSurface != nullptr && steps <= mPopups.size(); ++steps) {
         if (const ClientWindow* const window = windowOf(xdgSurface->toplevel())) {
-            return origin + frameOf(window).topLeft();
+            return origin + frameOf(window, window->windowGeometry().size()).topLeft();
         }
         const auto popup = std::find_if(mPopups.cbegin(), mPopups.cend(), [xdgSurface](const ClientPopup* other) {
             return other->xdgSurface() == xdgSurface;
@@ -173,10 +173,21 @@ QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
     return origin + mOutput.workArea().topLeft();
 }
 
-QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
+QPoint WindowStack::surfacePosition(const XdgSurface* xdgSurface) const
 {
-    return xdgSurface == nullptr ? QPoint()
-                                 : originOf(xdgSurface) - ClientBounds::clamped(xdgSurface->windowGeometry()).topLeft();
+    return xdgSurface == nullptr ? QPoint() : originOf(xdgSurface) - xdgSurface->windowGeometry().topLeft();
+}
+
+QRect WindowStack::boundsOf(const ClientPopup* popup) const
+{
+    const XdgSurface* const parent = popup->parentXdgSurface();
+    const ClientWindow* const window = windowOfPopup(popup);
+    if (window == nullptr) {
+        return mOutput.workArea();
+    }
+    const bool isResized = parent->toplevel() != nullptr && !popup->parentSize().isEmpty();
+    const QPoint origin = isResized ? frameOf(window, popup->parentSize()).topLeft() : originOf(parent);
+    return areaOf(window).translated(-origin);
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -197,6 +208,16 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
         hit.window = hit.surface == nullptr ? nullptr : window;
     }
     return hit;
+}
+
+ClientSurface* WindowStack::keyboardSurface() const
+{
+    const QVector<ClientPopup*> popups = visiblePopups();
+    const auto grabbing = std::find_if(popups.crbegin(), popups.crend(), [](const ClientPopup* popup) {
+        return popup->isGrabbing();
+    });
+    const ClientWindow* const window = current();
+    return grabbing != popups.crend() ? (*grabbing)->surface() : window == nullptr ? nullptr : window->surface();
 }
 
 void WindowStack::dismissPopups()
@@ -249,9 +270,23 @@ void WindowStack::paint(QPainter* painter) const
 
 void WindowStack::configureAll()
 {
+    const QVector<ClientWindow*> visible = visibleWindows();
+    mOutput.setStatusBarHidden(std::any_of(visible.cbegin(), visible.cend(), [](const ClientWindow* window) {
+        return window->wantsFullScreen();
+    }));
     const ClientWindow* const active = current();
     for (ClientWindow* window : qAsConst(mWindows)) {
-        window->configure(mOutput.workArea().size(), mOutput.isFullScreen(), window == active);
+        window->configure(areaOf(window).size(), mOutput.isFullScreen() || window->wantsFullScreen(), window == active);
+    }
+}
+
+void WindowStack::replaceReactivePopups()
+{
+    for (ClientPopup* popup : qAsConst(mPopups)) {
+        ClientWindow* const window = windowOfPopup(popup);
+        if (popup->isReactive() && window != nullptr && window->admitEvent()) {
+            popup->replace(boundsOf(popup));
+        }
     }
 }
 
@@ -260,6 +295,7 @@ void WindowStack::handleCurrentChanged()
     dismissPopups();
     configureAll();
     rearrange();
+    Q_EMIT currentChanged();
 }
 
 void WindowStack::rearrange()
@@ -267,7 +303,7 @@ void WindowStack::rearrange()
     mIsRearranged = true;
     mScene.requestFrame();
     Q_EMIT arrangementChanged();
-    Q_EMIT currentChanged();
+    Q_EMIT keyboardSurfaceChanged();
 }
 
 void WindowStack::handleCommit(const QObject* source)
@@ -287,7 +323,7 @@ QRegion WindowStack::update()
 {
     QRegion damage;
     QVector<QRect> arrangement;
-    const auto updateSurface = [&](ClientSurface* surface, const QWaylandXdgSurface* xdgSurface) {
+    const auto updateSurface = [&](ClientSurface* surface, const XdgSurface* xdgSurface) {
         const QRegion changed = surface->update();
         const QPoint position = surfacePosition(xdgSurface);
         damage |= changed.translated(position);
@@ -305,6 +341,7 @@ QRegion WindowStack::update()
     if (arrangement != mArrangement) {
         mArrangement = arrangement;
         mIsRearranged = true;
+        replaceReactivePopups();
         Q_EMIT arrangementChanged();
     }
     return std::exchange(mIsRearranged, false) ? mOutput.workArea() : damage & mOutput.workArea();

@@ -52,6 +52,15 @@ void Output::setFullScreen(bool fullScreen)
     Q_EMIT fullScreenChanged();
 }
 
+void Output::setStatusBarHidden(bool isHidden)
+{
+    if (isHidden == mStatusBarIsHidden) {
+        return;
+    }
+    mStatusBarIsHidden = isHidden;
+    Q_EMIT geometryChanged();
+}
+
 QSize Output::size() const
 {
     return mRotation % 180 == 0 ? mPhysicalSize : mPhysicalSize.transposed();
@@ -59,12 +68,17 @@ QSize Output::size() const
 
 QRect Output::statusBarRect() const
 {
-    return mFullScreen ? QRect() : QRect(0, 0, size().width(), qMin(cStatusBarHeight, size().height() / 2));
+    return mStatusBarIsHidden ? QRect() : QRect(0, 0, size().width(), maximizedArea().top());
 }
 
 QRect Output::workArea() const
 {
     return rect().adjusted(0, statusBarRect().height(), 0, 0);
+}
+
+QRect Output::maximizedArea() const
+{
+    return rect().adjusted(0, mFullScreen ? 0 : qMin(cStatusBarHeight, size().height() / 2), 0, 0);
 }
 
 QTransform Output::toDisplay() const

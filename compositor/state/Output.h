@@ -56,14 +56,19 @@ public:
         return mFullScreen;
     }
     void setFullScreen(bool fullScreen);
+    /// Hides the status bar, regardless of isFullScreen().
+    void setStatusBarHidden(bool isHidden);
 
     QSize size() const;
     QRect rect() const
     {
         return {QPoint(), size()};
     }
+    /// Empty while the status bar is hidden.
     QRect statusBarRect() const;
     QRect workArea() const;
+    /// Returns the area of a maximized view, which leaves out the status bar even while it is hidden for another view.
+    QRect maximizedArea() const;
 
     /// From the contents to the display of the device.
     QTransform toDisplay() const;
@@ -85,5 +90,6 @@ private:
     QSize mPhysicalSize;
     int mRotation = 0;
     bool mFullScreen = false;
+    bool mStatusBarIsHidden = false;
     bool mTurnsWindow = false;
 };

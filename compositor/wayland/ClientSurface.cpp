@@ -38,6 +38,20 @@ void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegi
     mPixels.commit(buffer, damage);
 }
 
+QRect ClientSurface::bounds() const
+{
+    QRect bounds;
+    if (surface() != nullptr && surface()->hasContent()) {
+        bounds = QRect(QPoint(), ClientBounds::clamped(surface()->destinationSize()));
+        for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
+            for (const Child& child : *children) {
+                bounds |= child.surface->bounds().translated(child.position);
+            }
+        }
+    }
+    return ClientBounds::clamped(bounds);
+}
+
 QRegion ClientSurface::update()
 {
     QRegion damage = std::exchange(mDamage, QRegion()) | mPixels.update(qobject_cast<ServerSurface*>(surface()));

@@ -32,6 +32,9 @@ public:
         return mPixels.size();
     }
 
+    /// Returns the rectangle around this surface and its subsurfaces, as committed and in surface coordinates.
+    QRect bounds() const;
+
     /// Copies the pixels committed since the last call, in the whole tree. Returns the changed region in surface
     /// coordinates.
     QRegion update();

@@ -4,7 +4,9 @@
 
 #include "wayland/BufferTransform.h"
 #include "wayland/ClientBounds.h"
+#include "wayland/XdgSurface.h"
 
+#include <QPointer>
 #include <QRect>
 #include <QRegion>
 
@@ -20,8 +22,15 @@ public:
     {
         return mTransform;
     }
+    bool hasBuffer() const
+    {
+        return (pending.newlyAttached ? pending.buffer : bufferRef).hasBuffer();
+    }
+
+    QPointer<XdgSurface> xdgSurface;
 
 protected:
+    void surface_destroy(Resource* resource) override;
     void surface_damage_buffer(Resource* resource, int32_t x, int32_t y, int32_t width, int32_t height) override;
     void surface_set_buffer_transform(Resource* resource, int32_t transform) override;
     void surface_commit(Resource* resource) override;
@@ -33,6 +42,15 @@ private:
     wl_output_transform mPendingTransform = WL_OUTPUT_TRANSFORM_NORMAL;
     wl_output_transform mTransform = WL_OUTPUT_TRANSFORM_NORMAL;
 };
+
+void ServerSurfacePrivate::surface_destroy(Resource* resource)
+{
+    if (xdgSurface != nullptr) {
+        xdgSurface->rejectSurfaceDestruction();
+        return;
+    }
+    QWaylandSurfacePrivate::surface_destroy(resource);
+}
 
 void ServerSurfacePrivate::surface_damage_buffer(Resource*, int32_t x, int32_t y, int32_t width, int32_t height)
 {
@@ -47,6 +65,9 @@ void ServerSurfacePrivate::surface_set_buffer_transform(Resource*, int32_t trans
 
 void ServerSurfacePrivate::surface_commit(Resource* resource)
 {
+    if (xdgSurface != nullptr && !xdgSurface->admitCommit(pending.newlyAttached && pending.buffer.hasBuffer())) {
+        return;
+    }
     mTransform = mPendingTransform;
     const QSize newSize = (pending.newlyAttached ? pending.buffer : bufferRef).size();
     pending.damage |= toSurface(std::exchange(mPendingBufferDamage, QRegion()), newSize);
@@ -95,4 +116,19 @@ ServerSurface::ServerSurface(QWaylandCompositor* compositor, QWaylandClient* cli
 wl_output_transform ServerSurface::bufferTransform() const
 {
     return d_func()->bufferTransform();
+}
+
+bool ServerSurface::hasBuffer() const
+{
+    return d_func()->hasBuffer();
+}
+
+XdgSurface* ServerSurface::xdgSurface() const
+{
+    return d_func()->xdgSurface;
+}
+
+void ServerSurface::setXdgSurface(XdgSurface* xdgSurface)
+{
+    d_func()->xdgSurface = xdgSurface;
 }

@@ -10,8 +10,6 @@
 #include <QWaylandOutput>
 #include <QWaylandViewporter>
 
-#include <QWaylandXdgDecorationManagerV1>
-#include <QWaylandXdgShell>
 #include <memory>
 
 class ClientDrag;
@@ -25,6 +23,9 @@ class PixelBudget;
 class ServerGlobals;
 class ViewList;
 class XdgOutput;
+class XdgPopup;
+class XdgShell;
+class XdgToplevel;
 
 /// The Wayland server: its globals, and the windows and popups that clients create.
 class WaylandServer : public QWaylandCompositor
@@ -60,8 +61,8 @@ private:
         std::shared_ptr<PixelBudget> budget;
     };
 
-    void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
-    void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
+    void addWindow(XdgToplevel* toplevel);
+    void addPopup(XdgPopup* popup);
     const ClientRecord& recordOf(QWaylandClient* client);
     void announceGlobals();
     void describeOutput();
@@ -69,16 +70,13 @@ private:
     const Output& mOutput;
     ViewList& mViews;
     QWaylandOutput mWaylandOutput;
-    QWaylandXdgShell mShell;
     RequestGuard mGuard;
-    QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
     QWaylandIdleInhibitManagerV1 mIdleInhibitManager;
     std::unique_ptr<ServerGlobals> mGlobals;
+    std::unique_ptr<XdgShell> mShell;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
-    /// The xdg_wm_base of each xdg_surface.
-    QHash<const QWaylandXdgSurface*, wl_resource*> mShellObjects;
 };

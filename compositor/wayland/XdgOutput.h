@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include <QSize>
 #include <QVector>
 
 #include <cstdint>
@@ -23,7 +24,8 @@ public:
     XdgOutput(const XdgOutput&) = delete;
     XdgOutput& operator=(const XdgOutput&) = delete;
 
-    void announceSize() const;
+    /// Announces the output's size if it has changed.
+    void announceSize();
 
 private:
     static void bind(wl_client* client, void* data, uint32_t version, uint32_t id);
@@ -32,5 +34,6 @@ private:
 
     wl_global* mGlobal;
     const Output& mOutput;
+    QSize mSize;
     QVector<wl_resource*> mResources;
 };

@@ -89,8 +89,7 @@ CompositorTouchTest::View CompositorTouchTest::openView(const QByteArray& title,
     view.client->send(WireMessage(seat, hasTouch ? WL_SEAT_GET_TOUCH : WL_SEAT_GET_POINTER).number(device));
     (hasTouch ? view.touch : view.pointer) = device;
     view.window = view.client->createWindow();
-    view.client->commit(view.window.surface);
-    view.client->synchronise();
+    view.client->configure(view.window.surface, view.window.xdgSurface);
     view.client->attach(view.window.surface, view.client->createBuffer(cOutput - QSize(0, cStatusBar)));
     view.client->damage(view.window.surface, QRect(QPoint(), cOutput));
     view.client->send(WireMessage(view.window.toplevel, 2).text(title));
