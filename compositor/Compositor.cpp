@@ -26,6 +26,7 @@ Compositor::Compositor(Options options)
     , mBackground(mOutput, mViews)
     , mWindowStack(mOutput, mViews, mScene)
     , mStatusBar(mOutput, mViews, mScene)
+    , mKeyboard(mOutput, mScene)
     , mNotificationCards(mOutput, mNotificationCenter, mScene)
     , mCommands(mOutput, mViews, mScreenSaver, mWindowStack)
     , mMenu(mOutput, mViews, mWindowStack, mCommands, mScene)
@@ -43,6 +44,7 @@ Compositor::Compositor(Options options)
     mScene.addLayer(&mBackground);
     mScene.addLayer(&mWindowStack);
     mScene.addLayer(&mStatusBar);
+    mScene.addLayer(&mKeyboard);
     mScene.addLayer(&mNotificationCards);
     mScene.addLayer(&mMenu);
     mScene.addLayer(&mOverlayPanel);
@@ -77,7 +79,7 @@ MaybeError Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
-    const QVector<InputLayer*> inputLayers{&mMenu, &mNotificationCards, &mStatusBar};
+    const QVector<InputLayer*> inputLayers{&mMenu, &mNotificationCards, &mKeyboard, &mStatusBar};
     QWaylandSeat* const seat = mServer.defaultSeat();
     mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,
                                              SeatInput::Layers{inputLayers, mMenu, mCommands}, mScreenSaver, mWindow);
@@ -85,8 +87,14 @@ MaybeError Compositor::start()
         seat->keymap()->setLayout(mOptions.keyboardLayout.name);
         seat->keymap()->setVariant(mOptions.keyboardLayout.variant);
     }
-    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(mOptions.keyboardLayout);
+    const Keymap keymap(mOptions.keyboardLayout);
+    mScanCodeCompleter = std::make_unique<ScanCodeCompleter>(keymap);
     mTouchInput = std::make_unique<TouchInput>(mServer.touch(), *mSeatInput, mWindowStack, inputLayers, mScreenSaver);
+    mKeyboard.setKeymap(keymap);
+    mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, keymap);
+    QObject::connect(mSeatInput.get(), &SeatInput::pressed, mTextEntry.get(), &TextEntry::noteOtherInput);
+    QObject::connect(mTouchInput.get(), &TouchInput::pressed, mTextEntry.get(), &TextEntry::noteFinger);
+    QObject::connect(&mCommands, &DeskCommands::keyboardRequested, mTextEntry.get(), &TextEntry::toggle);
     mWindow.setInput(mSeatInput.get(), mTouchInput.get());
     if (mOptions.isMouseFinger) {
         mWindow.useMouseAsFinger();

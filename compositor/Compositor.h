@@ -16,12 +16,14 @@
 #include "shell/DeskCommands.h"
 #include "shell/Menu.h"
 #include "shell/NotificationCards.h"
+#include "shell/OnScreenKeyboard.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
 #include "shell/ScanCodeCompleter.h"
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/StatusBar.h"
+#include "shell/TextEntry.h"
 #include "shell/TouchInput.h"
 #include "shell/WindowStack.h"
 #include "state/NotificationCenter.h"
@@ -70,6 +72,7 @@ private:
     Background mBackground;
     WindowStack mWindowStack;
     StatusBar mStatusBar;
+    OnScreenKeyboard mKeyboard;
     NotificationCards mNotificationCards;
     DeskCommands mCommands;
     Menu mMenu;
@@ -79,6 +82,7 @@ private:
     WaylandServer mServer;
     std::unique_ptr<SeatInput> mSeatInput;
     std::unique_ptr<TouchInput> mTouchInput;
+    std::unique_ptr<TextEntry> mTextEntry;
     std::unique_ptr<ScanCodeCompleter> mScanCodeCompleter;
 
     CallGate mCallGate;

@@ -3,6 +3,8 @@
 #include "Session.h"
 
 #include "ExitStatus.h"
+#include "RunningSession.h"
+#include "ShellWord.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -10,6 +12,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTextStream>
+#include <QUrl>
 
 #include <csignal>
 #include <utility>
@@ -89,8 +92,10 @@ MaybeError Session::startBus()
     mBus.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
     mBus.start(QStringLiteral("dbus-daemon"),
                {QStringLiteral("--config-file=%1").arg(configurationPath),
-                QStringLiteral("--address=unix:dir=%1").arg(mDirectory.path()), QStringLiteral("--nofork"),
-                QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"), QStringLiteral("--print-address")});
+                QStringLiteral("--address=unix:dir=%1")
+                    .arg(QString::fromLatin1(QUrl::toPercentEncoding(mDirectory.path(), "/", "~"))),
+                QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
+                QStringLiteral("--print-address")});
     const Result<QString> line = mBus.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
         return *error;
@@ -111,7 +116,8 @@ MaybeError Session::startCompositor()
     environment.insert(cRuntimeDirectory, mDirectory.path());
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), mBusAddress);
     environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), mBusAddress);
-    const bool hasDisplay = !desktopDisplay.isEmpty() || environment.contains(QStringLiteral("DISPLAY"));
+    const bool hasDisplay = !desktopDisplay.isEmpty() || !environment.value(QStringLiteral("DISPLAY")).isEmpty();
+    const bool isDisplayUsed = !mIsHeadless && hasDisplay && !environment.contains(cPlatform);
     if (mIsHeadless || (!hasDisplay && !environment.contains(cPlatform))) {
         environment.insert(cPlatform, QStringLiteral("offscreen"));
     }
@@ -120,7 +126,8 @@ MaybeError Session::startCompositor()
 
     const Result<QString> line = mCompositor.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
-        return *error;
+        return isDisplayUsed ? Error{error->text + QStringLiteral("; without a usable display, add --headless")}
+                             : *error;
     }
     const QString expected = cWaylandDisplay + QLatin1Char('=');
     if (!std::get<QString>(line).startsWith(expected)) {
@@ -141,7 +148,20 @@ QStringList Session::environment() const
         QStringLiteral("XDG_SESSION_TYPE=wayland"),
         cPlatform + QStringLiteral("=wayland"),
         QStringLiteral("GDK_BACKEND=wayland"),
+        RunningSession::cProcessVariable + QStringLiteral("=%1").arg(QCoreApplication::applicationPid()),
     };
+}
+
+QString Session::environmentScript() const
+{
+    QString result;
+    const QStringList variables = environment();
+    for (const QString& variable : variables) {
+        const int separator = variable.indexOf(QLatin1Char('='));
+        result +=
+            QStringLiteral("export %1=%2\n").arg(variable.left(separator), shellWord(variable.mid(separator + 1)));
+    }
+    return result;
 }
 
 QProcessEnvironment Session::commandEnvironment() const

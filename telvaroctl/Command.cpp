@@ -4,6 +4,7 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "ManifestAdvice.h"
 
 #include <TelvaroDeviceDistinction.h>
 
@@ -66,7 +67,7 @@ ExitStatus wrongArgumentCount(const char* command)
 bool isOnCompositorDevice()
 {
     if (!TelvaroDeviceDistinction::isCompositorDevice()) {
-        printError(QStringLiteral("this is not a compositor device by its manifest"));
+        printError(QStringLiteral("this is not a compositor device: %1").arg(manifestAdvice()));
         return false;
     }
     return true;

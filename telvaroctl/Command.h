@@ -58,3 +58,4 @@ QList<Command> screenCommands();
 QList<Command> notificationCommands();
 QList<Command> screenShotCommands();
 QList<Command> watchCommands();
+QList<Command> recordCommands();

@@ -15,7 +15,7 @@ namespace {
 QList<Command> allCommands()
 {
     return statusCommands() + viewCommands() + screenCommands() + overlayCommands() + notificationCommands()
-        + screenShotCommands() + watchCommands();
+        + screenShotCommands() + watchCommands() + recordCommands();
 }
 
 CommandLine::Text textOf(const QList<Command>& commands)

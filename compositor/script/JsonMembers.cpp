@@ -13,10 +13,17 @@ JsonMembers::JsonMembers(const JsonReader& object)
 
 JsonReader JsonMembers::take(const QString& key)
 {
-    if (!has(key)) {
-        mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
-    }
+    require({key});
     return mObject.part(JsonReader::quoted(key), mMembers.take(key));
+}
+
+void JsonMembers::require(const QStringList& keys) const
+{
+    for (const QString& key : keys) {
+        if (!has(key)) {
+            mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
+        }
+    }
 }
 
 QString JsonMembers::choose(const QStringList& keys) const

@@ -17,6 +17,7 @@ public:
         return mMembers.contains(key);
     }
     JsonReader take(const QString& key);
+    void require(const QStringList& keys) const;
     /// Returns which of `keys` the object has; it must be exactly one.
     QString choose(const QStringList& keys) const;
     void finish() const;

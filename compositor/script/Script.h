@@ -7,6 +7,7 @@
 #include "state/View.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 #include <optional>
@@ -19,6 +20,25 @@ namespace Script {
 struct AddView
 {
     View view;
+    std::optional<quint32> sortIndex;
+};
+
+struct ChangeView
+{
+    QString uuid;
+    ViewChange change;
+};
+
+/// Arranges these views in this order, in the places that they have together.
+struct OrderViews
+{
+    QStringList uuids;
+};
+
+/// Announces a text as the current view, which need not be one.
+struct AnnounceCurrentView
+{
+    QString text;
 };
 
 struct RemoveView
@@ -38,6 +58,12 @@ struct Call
 struct SetScreenSaverActive
 {
     bool isActive = false;
+};
+
+/// Lets the timeout blank the screen, or only the script.
+struct SetBlanking
+{
+    bool isAutomatic = true;
 };
 
 struct AddFault
@@ -61,7 +87,8 @@ struct Freeze
     int milliseconds = 0;
 };
 
-using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze>;
+using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze,
+                            ChangeView, OrderViews, AnnounceCurrentView, SetBlanking>;
 
 /// What a step waits for: the n-th matching call, or the n-th view of an application.
 struct Event

@@ -4,6 +4,7 @@
 
 #include "bus/BusInterfaces.h"
 #include "script/JsonMembers.h"
+#include "script/ViewReader.h"
 
 #include <QDBusVariant>
 #include <QFile>
@@ -126,26 +127,6 @@ Script::Event readEvent(const JsonReader& reader)
     }
     members.finish();
     return event;
-}
-
-Script::AddView readView(const JsonReader& reader)
-{
-    const QString title = QStringLiteral("title");
-    const QString processName = QStringLiteral("processName");
-    const QString attributes = QStringLiteral("attributes");
-    JsonMembers members(reader);
-    View view;
-    view.size = QSize(0, 0);
-    view.uuid = members.take(QStringLiteral("uuid")).readText();
-    view.appId = members.take(QStringLiteral("appId")).readText();
-    view.pid = members.take(QStringLiteral("pid")).readNumber<quint32>(1);
-    view.title = members.has(title) ? members.take(title).readText() : view.appId;
-    view.processName = members.has(processName) ? members.take(processName).readText() : view.appId;
-    if (members.has(attributes)) {
-        view.attributes = members.take(attributes).readScalars();
-    }
-    members.finish();
-    return {view};
 }
 
 /// The one member of an object whose key is a name on the bus.
@@ -273,6 +254,15 @@ Script::RemoveView readRemoveView(const JsonReader& reader)
     return {reader.readText()};
 }
 
+Script::SetBlanking readBlanking(const JsonReader& reader)
+{
+    const QString text = reader.value().toString();
+    if (text != QLatin1String("automatic") && text != QLatin1String("scripted")) {
+        reader.reject(QStringLiteral("\"automatic\" or \"scripted\" is expected"));
+    }
+    return {text == QLatin1String("automatic")};
+}
+
 Script::Freeze readFreeze(const JsonReader& reader)
 {
     return {reader.readMilliseconds()};
@@ -292,8 +282,12 @@ template <auto function> Script::Action readWith(const JsonReader& reader)
 const QVector<Verb>& verbs()
 {
     static const QVector<Verb> all{
-        {QStringLiteral("add-view"), readWith<readView>},
+        {QStringLiteral("add-view"), readWith<ViewReader::readView>},
+        {QStringLiteral("change-view"), readWith<ViewReader::readChange>},
+        {QStringLiteral("order-views"), readWith<ViewReader::readOrder>},
+        {QStringLiteral("current-view"), readWith<ViewReader::readCurrent>},
         {QStringLiteral("remove-view"), readWith<readRemoveView>},
+        {QStringLiteral("blanking"), readWith<readBlanking>},
         {cSet, readSet},
         {cCall, readWith<readCall>},
         {QStringLiteral("fault"), readWith<readFault>},

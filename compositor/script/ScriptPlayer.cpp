@@ -41,6 +41,14 @@ MaybeError ScriptPlayer::start()
     return {};
 }
 
+MaybeError ScriptPlayer::expectView(const QString& uuid) const
+{
+    if (qAsConst(mViews).find(uuid) != nullptr) {
+        return {};
+    }
+    return Error{QStringLiteral("there is no view \"%1\"").arg(uuid)};
+}
+
 MaybeError ScriptPlayer::take(const Script::Step& step)
 {
     const MaybeError error = std::visit(
@@ -112,16 +120,48 @@ MaybeError ScriptPlayer::execute(const Script::AddView& action)
     if (qAsConst(mViews).find(action.view.uuid) != nullptr) {
         return Error{QStringLiteral("there is a view \"%1\" already").arg(action.view.uuid)};
     }
-    mViews.add(action.view);
+    mViews.add(action.view, action.sortIndex);
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
 {
-    if (qAsConst(mViews).find(action.uuid) == nullptr) {
-        return Error{QStringLiteral("there is no view \"%1\"").arg(action.uuid)};
+    if (const MaybeError error = expectView(action.uuid)) {
+        return error;
     }
     mViews.remove(action.uuid);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::ChangeView& action)
+{
+    if (const MaybeError error = expectView(action.uuid)) {
+        return error;
+    }
+    mViews.change(action.uuid, action.change);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::OrderViews& action)
+{
+    for (const QString& uuid : action.uuids) {
+        if (const MaybeError error = expectView(uuid)) {
+            return error;
+        }
+    }
+    mViews.arrange(action.uuids);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::AnnounceCurrentView& action)
+{
+    mViews.announceAsCurrent(action.text);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::SetBlanking& action)
+{
+    mScreenSaver.setAutomatic(action.isAutomatic);
     return {};
 }
 

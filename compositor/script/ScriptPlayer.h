@@ -31,6 +31,8 @@ Q_SIGNALS:
     void failed(const Error& error);
 
 private:
+    /// Returns an error if there is no such view.
+    MaybeError expectView(const QString& uuid) const;
     MaybeError take(const Script::Step& step);
     void takeLater(const Script::Step& step);
     void noteCall(const BusCall& call);
@@ -39,6 +41,10 @@ private:
 
     MaybeError execute(const Script::AddView& action);
     MaybeError execute(const Script::RemoveView& action);
+    MaybeError execute(const Script::ChangeView& action);
+    MaybeError execute(const Script::OrderViews& action);
+    MaybeError execute(const Script::AnnounceCurrentView& action);
+    MaybeError execute(const Script::SetBlanking& action);
     MaybeError execute(const Script::Call& action);
     MaybeError execute(const Script::SetScreenSaverActive& action);
     MaybeError execute(const Script::AddFault& action);

@@ -37,9 +37,11 @@ Menu::Menu(const Output& output, ViewList& views, WindowStack& stack, const Desk
     , mScene(scene)
 {
     connect(&views, &ViewList::viewsChanged, this, &Menu::refresh);
-    connect(&output, &Output::geometryChanged, this, [this] {
+    const auto keepSelectionVisible = [this] {
         moveSelection(0);
-    });
+    };
+    connect(&output, &Output::geometryChanged, this, keepSelectionVisible);
+    connect(&output, &Output::workAreaChanged, this, keepSelectionVisible);
 }
 
 void Menu::open(Mode mode)

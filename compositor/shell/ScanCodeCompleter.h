@@ -13,7 +13,7 @@ class ScanCodeCompleter : public QWindowSystemEventHandler
 {
 public:
     /// To be created when the compositor of Qt has been, and destroyed before it.
-    explicit ScanCodeCompleter(const Keymap::Layout& layout);
+    explicit ScanCodeCompleter(const Keymap& keymap);
     ~ScanCodeCompleter() override;
     ScanCodeCompleter(const ScanCodeCompleter&) = delete;
     ScanCodeCompleter& operator=(const ScanCodeCompleter&) = delete;

@@ -70,13 +70,16 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
 {
     mPosition = position;
     mIsInside = true;
+    Q_EMIT pressed();
     if (wakesScreen()) {
         return;
     }
     if (!mPressedButtons) {
         mPressedLayer = InputLayer::at(mLayers.pointer, position);
         if (mPressedLayer != nullptr) {
-            mStack.dismissPopups();
+            if (!mPressedLayer->keepsPopups()) {
+                mStack.dismissPopups();
+            }
             mPressedLayer->press(position.toPoint());
             return;
         }
@@ -155,6 +158,7 @@ void SeatInput::key(QKeyEvent* event)
         }
         return;
     }
+    Q_EMIT pressed();
     ClientWindow* const window = mStack.current();
     if (wakesScreen() || takesKey(event) || event->isAutoRepeat() || window == nullptr
         || mSeat->keyboardFocus() == nullptr) {

@@ -8,6 +8,7 @@
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
 #include "wayland/ClientWindow.h"
+#include "wayland/Presentation.h"
 
 #include <QPainter>
 
@@ -31,6 +32,8 @@ WindowStack::WindowStack(Output& output, ViewList& views, Scene& scene, QObject*
         dismissPopups();
         configureAll();
     });
+    // Popups stay open: the text field that has opened the on-screen keyboard may be in one.
+    connect(&output, &Output::workAreaChanged, this, &WindowStack::configureAll);
     connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
 }
 
@@ -143,7 +146,7 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
 
 QRect WindowStack::areaOf(const ClientWindow* window) const
 {
-    return window->wantsFullScreen() ? mOutput.rect() : mOutput.maximizedArea();
+    return window->wantsFullScreen() ? mOutput.fullScreenArea() : mOutput.maximizedArea();
 }
 
 QRect WindowStack::frameOf(const ClientWindow* window, const QSize& size) const
@@ -232,13 +235,14 @@ void WindowStack::dismissPopups()
 
 void WindowStack::sendFrameCallbacks()
 {
+    const timespec time = Presentation::now();
     for (const ClientWindow* window : visibleWindows()) {
         if (window->surface() != nullptr) {
-            window->surface()->sendFrameCallbacks();
+            window->surface()->sendFrameCallbacks(time);
         }
     }
     for (const ClientPopup* popup : visiblePopups()) {
-        popup->surface()->sendFrameCallbacks();
+        popup->surface()->sendFrameCallbacks(time);
     }
 }
 

@@ -55,6 +55,7 @@ bool ViewList::setCurrent(const QString& uuid)
         return false;
     }
     if (uuid != current()) {
+        mAnnounced.reset();
         mRecent.removeOne(uuid);
         mRecent.append(uuid);
         Q_EMIT viewsChanged();
@@ -63,9 +64,19 @@ bool ViewList::setCurrent(const QString& uuid)
     return true;
 }
 
-void ViewList::add(View view)
+void ViewList::announceAsCurrent(const QString& text)
 {
-    view.sortIndex = nextSortIndex(view.appId);
+    if (!setCurrent(text) && text != current()) {
+        mAnnounced = text;
+        Q_EMIT viewsChanged();
+        Q_EMIT currentChanged();
+    }
+}
+
+void ViewList::add(View view, const std::optional<quint32>& sortIndex)
+{
+    view.sortIndex = sortIndex ? *sortIndex : nextSortIndex(view.appId);
+    mAnnounced.reset();
     mViews.append(view);
     mRecent.append(view.uuid);
     Q_EMIT viewsChanged();
@@ -87,6 +98,29 @@ void ViewList::remove(const QString& uuid)
     if (current() != oldCurrent) {
         Q_EMIT currentChanged();
     }
+}
+
+void ViewList::change(const QString& uuid, const ViewChange& change)
+{
+    if (View* const view = find(uuid)) {
+        change.applyTo(*view);
+        Q_EMIT viewsChanged();
+    }
+}
+
+void ViewList::arrange(const QStringList& uuids)
+{
+    QVector<View> arranged;
+    for (const QString& uuid : uuids) {
+        arranged.append(*find(uuid));
+    }
+    auto next = arranged.cbegin();
+    for (View& view : mViews) {
+        if (uuids.contains(view.uuid)) {
+            view = *next++;
+        }
+    }
+    Q_EMIT viewsChanged();
 }
 
 void ViewList::setAppId(const QString& uuid, const QString& appId)

@@ -6,6 +6,7 @@
 
 #include <wayland-server-protocol.h>
 
+class FeedbackList;
 class ServerSurfacePrivate;
 class XdgSurface;
 
@@ -20,8 +21,17 @@ public:
     ServerSurface(QWaylandCompositor* compositor, QWaylandClient* client, uint id, int version);
 
     wl_output_transform bufferTransform() const;
+    /// Sets the mode of a subsurface. In the synchronized mode commits wait for applyCachedState().
+    void setSynchronized(bool isSynchronized);
+    /// Applies the commits that have waited: the parent's state has been applied.
+    void applyCachedState();
+
     /// Whether a wl_buffer is attached, committed or not.
     bool hasBuffer() const;
+
+    /// The feedback that has been requested for the next commit, and for the committed content that was not yet shown.
+    FeedbackList& pendingFeedback();
+    FeedbackList& feedback();
 
     /// Null when there is none.
     XdgSurface* xdgSurface() const;

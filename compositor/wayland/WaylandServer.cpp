@@ -4,6 +4,7 @@
 
 #include "state/Output.h"
 #include "state/ViewList.h"
+#include "wayland/ClientKeyboard.h"
 #include "wayland/ClientLiveness.h"
 #include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
@@ -11,8 +12,11 @@
 #include "wayland/ClientTouch.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/DataDevices.h"
+#include "wayland/Presentation.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/SharedMemoryImage.h"
+#include "wayland/TextInputs.h"
 #include "wayland/XdgDecoration.h"
 #include "wayland/XdgOutput.h"
 #include "wayland/XdgPopup.h"
@@ -123,6 +127,7 @@ void WaylandServer::start(const QByteArray& socketName)
     // Qt creates globals in Polish events; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
     announceGlobals();
+    SharedMemoryImage::announceFormats(display());
     mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
@@ -138,6 +143,11 @@ QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
     return new ClientPointer(seat);
 }
 
+QWaylandKeyboard* WaylandServer::createKeyboardDevice(QWaylandSeat* seat)
+{
+    return new ClientKeyboard(seat);
+}
+
 ClientDrag& WaylandServer::drag()
 {
     return mDataDevices->drag();
@@ -146,6 +156,11 @@ ClientDrag& WaylandServer::drag()
 ClientTouch& WaylandServer::touch()
 {
     return *mTouch;
+}
+
+TextInputs& WaylandServer::textInputs()
+{
+    return *mTextInputs;
 }
 
 void WaylandServer::announceGlobals()
@@ -158,8 +173,10 @@ void WaylandServer::announceGlobals()
     connect(mShell.get(), &XdgShell::toplevelCreated, this, &WaylandServer::addWindow);
     connect(mShell.get(), &XdgShell::popupCreated, this, &WaylandServer::addPopup);
     XdgDecoration::announce(*mGlobals);
+    Presentation::announce(*mGlobals);
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
     mTouch = std::make_unique<ClientTouch>(*defaultSeat());
+    mTextInputs = std::make_unique<TextInputs>(*mGlobals, *defaultSeat());
 }
 
 void WaylandServer::addWindow(XdgToplevel* toplevel)

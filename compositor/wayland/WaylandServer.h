@@ -21,6 +21,7 @@ class DataDevices;
 class Output;
 class PixelBudget;
 class ServerGlobals;
+class TextInputs;
 class ViewList;
 class XdgOutput;
 class XdgPopup;
@@ -45,6 +46,7 @@ public:
     /// Exist after start().
     ClientDrag& drag();
     ClientTouch& touch();
+    TextInputs& textInputs();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -53,6 +55,7 @@ Q_SIGNALS:
 protected:
     QWaylandSeat* createSeat() override;
     QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
+    QWaylandKeyboard* createKeyboardDevice(QWaylandSeat* seat) override;
 
 private:
     struct ClientRecord
@@ -77,6 +80,7 @@ private:
     std::unique_ptr<XdgShell> mShell;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
+    std::unique_ptr<TextInputs> mTextInputs;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
 };

@@ -24,7 +24,6 @@ const struct zxdg_output_v1_interface cOutputRequests = {destroyResource};
 XdgOutput::XdgOutput(wl_display* display, const Output& output)
     : mGlobal(wl_global_create(display, &zxdg_output_manager_v1_interface, cVersion, this, bind))
     , mOutput(output)
-    , mSize(output.size())
 {
 }
 
@@ -36,14 +35,10 @@ XdgOutput::~XdgOutput()
     wl_global_destroy(mGlobal);
 }
 
-void XdgOutput::announceSize()
+void XdgOutput::announceSize() const
 {
-    if (mSize == mOutput.size()) {
-        return;
-    }
-    mSize = mOutput.size();
-    for (wl_resource* resource : qAsConst(mResources)) {
-        zxdg_output_v1_send_logical_size(resource, mSize.width(), mSize.height());
+    for (wl_resource* resource : mResources) {
+        zxdg_output_v1_send_logical_size(resource, mOutput.size().width(), mOutput.size().height());
         zxdg_output_v1_send_done(resource);
     }
 }
@@ -77,7 +72,7 @@ void XdgOutput::create(wl_client* client, wl_resource* manager, uint32_t id, wl_
         zxdg_output_v1_send_name(resource, "TELVARO-1");
         zxdg_output_v1_send_description(resource, "Telvaro reference display");
     }
-    zxdg_output_v1_send_logical_size(resource, self->mSize.width(), self->mSize.height());
+    zxdg_output_v1_send_logical_size(resource, self->mOutput.size().width(), self->mOutput.size().height());
     zxdg_output_v1_send_done(resource);
 }
 

@@ -2,7 +2,6 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <QSize>
 #include <QVector>
 
 #include <cstdint>
@@ -24,8 +23,7 @@ public:
     XdgOutput(const XdgOutput&) = delete;
     XdgOutput& operator=(const XdgOutput&) = delete;
 
-    /// Announces the output's size if it has changed.
-    void announceSize();
+    void announceSize() const;
 
 private:
     static void bind(wl_client* client, void* data, uint32_t version, uint32_t id);
@@ -34,6 +32,5 @@ private:
 
     wl_global* mGlobal;
     const Output& mOutput;
-    QSize mSize;
     QVector<wl_resource*> mResources;
 };

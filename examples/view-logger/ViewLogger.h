@@ -2,10 +2,10 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroScreenDBusConnector.h>
+#include <TelvaroScreen.h>
+#include <TelvaroTaskSwitcher.h>
 #include <TelvaroTaskSwitcherDBusConnector.h>
 
-#include <QDBusServiceWatcher>
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -27,13 +27,9 @@ private:
 
     void update();
     void logDifferences(const QList<View>& views);
-    void setAwake(bool awake);
 
-    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know
-    // the new owner of the service's name.
-    QDBusServiceWatcher mServiceWatcher;
-    TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
-    TelvaroScreenDBusConnector mScreen;
+    TelvaroTaskSwitcher mTaskSwitcher;
+    TelvaroScreen mScreen;
     QString mAwakeAppId;
     QHash<QString, View> mViews;
     QString mCurrentUuid;

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void pointerEventsComeInFrames();
     void anOldPointerGetsNoFrames();
     void theWheelTellsItsSourceAndSteps();
+    void everyKeyboardOfAClientGetsTheKeys();
     void thePingGoesToTheShellOfTheWindow();
     void aWindowHasItsSizeAndStatesBeforeItIsMapped();
     void fullScreenIsGranted();
@@ -171,6 +172,7 @@ void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion_data()
     QTest::newRow("wl_output") << 3U;
     QTest::newRow("xdg_wm_base") << 3U;
     QTest::newRow("zxdg_decoration_manager_v1") << 1U;
+    QTest::newRow("wp_presentation") << 1U;
 }
 
 void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion()
@@ -420,6 +422,69 @@ void CompositorProtocolsTest::theWheelTellsItsSourceAndSteps()
     QCOMPARE(client->events(pointer, cPointerAxisSource).at(0).number(0), quint32(WL_POINTER_AXIS_SOURCE_WHEEL));
 }
 
+void CompositorProtocolsTest::everyKeyboardOfAClientGetsTheKeys()
+{
+    constexpr quint16 keymapEvent = 0;
+    constexpr quint16 enterEvent = 1;
+    constexpr quint16 leaveEvent = 2;
+    constexpr quint16 keyEvent = 3;
+    constexpr quint16 modifiersEvent = 4;
+    const auto client = connectClient();
+    const auto createKeyboard = [&](quint32 seat) {
+        const quint32 keyboard = client->newId();
+        client->send(WireMessage(seat, WL_SEAT_GET_KEYBOARD).number(keyboard));
+        return keyboard;
+    };
+    const quint32 seat = client->bind("wl_seat", 5);
+    const quint32 ended = createKeyboard(seat);
+    QVector<quint32> keyboards = {createKeyboard(seat), createKeyboard(seat),
+                                  createKeyboard(client->bind("wl_seat", 4))};
+    const WireClient::Window window = client->openWindow("Window");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    // One that is created while the client has the focus, and one that ends.
+    keyboards.append(createKeyboard(seat));
+    client->send(WireMessage(ended, WL_KEYBOARD_RELEASE));
+    const auto count = [&](quint32 keyboard, quint16 event) {
+        client->synchronise();
+        return client->events(keyboard, event).size();
+    };
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, enterEvent), 1);
+        QCOMPARE(client->events(keyboard, enterEvent).first().number(1), window.surface);
+        QCOMPARE(count(keyboard, keymapEvent), 1);
+    }
+
+    mDesktop->keyDown(QStringLiteral("Shift_L"));
+    mDesktop->key(QStringLiteral("a"));
+    mDesktop->keyUp(QStringLiteral("Shift_L"));
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, keyEvent), 4);
+        QVector<quint32> pressed;
+        QVector<quint32> released;
+        for (const WireClient::Event& event : client->events(keyboard, keyEvent)) {
+            (event.number(3) == 1 ? pressed : released).append(event.number(2));
+        }
+        constexpr quint32 shift = 42;
+        constexpr quint32 a = 30;
+        QCOMPARE(pressed, QVector<quint32>({shift, a}));
+        QCOMPARE(released, QVector<quint32>({a, shift}));
+        // After the focus, with Shift held, and without it.
+        TRY_COMPARE(count(keyboard, modifiersEvent), 3);
+        const auto modifiers = client->events(keyboard, modifiersEvent);
+        QCOMPARE(modifiers.at(0).number(1), 0U);
+        QCOMPARE(modifiers.at(1).number(1), 1U);
+        QCOMPARE(modifiers.at(2).number(1), 0U);
+        // Shift is held before the letter is pressed.
+        const QVector<quint16> opcodes = opcodesOf(*client, keyboard);
+        QVERIFY(opcodes.indexOf(modifiersEvent, opcodes.indexOf(keyEvent)) == opcodes.indexOf(keyEvent) + 1);
+    }
+    client->openWindow("Other");
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, leaveEvent), 1);
+        TRY_COMPARE(count(keyboard, enterEvent), 2);
+    }
+}
+
 void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
 {
     expectComplaints(1);
@@ -596,6 +661,20 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
         client.openWindow("Shell-less");
         client.send(WireMessage(shell, XDG_WM_BASE_DESTROY));
         client.openWindow("Other");
+    });
+    row("more keyboards than there are fingers", cNoError, [](WireClient& client) {
+        const quint32 seat = client.bind("wl_seat", 5);
+        for (int i = 0; i < 3000; ++i) {
+            const quint32 keyboard = client.newId();
+            client.send(WireMessage(seat, WL_SEAT_GET_KEYBOARD).number(keyboard));
+            if (i % 50 == 0) {
+                client.synchronise();
+            }
+            if (i % 2 == 0) {
+                client.send(WireMessage(keyboard, WL_KEYBOARD_RELEASE));
+            }
+        }
+        client.openWindow("Keys");
     });
     row("a version that is not there", cAnyError, [](WireClient& client) {
         client.bind("wl_compositor", 5);

@@ -55,10 +55,12 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong_data()
     add("no step", "[{\"freeze\": 0}, 1]", "step 2: an object is expected");
 
     add("no action", R"([{"at": 1}])",
-        "step 1: one of \"add-view\", \"remove-view\", \"set\", \"call\", \"fault\", \"end-fault\", \"service\", "
+        "step 1: one of \"add-view\", \"change-view\", \"order-views\", \"current-view\", \"remove-view\", "
+        "\"blanking\", \"set\", \"call\", \"fault\", \"end-fault\", \"service\", "
         "\"freeze\" is expected");
     add("unknown action", R"([{"explode": 1}])",
-        "step 1: one of \"add-view\", \"remove-view\", \"set\", \"call\", \"fault\", \"end-fault\", \"service\", "
+        "step 1: one of \"add-view\", \"change-view\", \"order-views\", \"current-view\", \"remove-view\", "
+        "\"blanking\", \"set\", \"call\", \"fault\", \"end-fault\", \"service\", "
         "\"freeze\" is expected, not \"explode\"");
     add("two actions", R"([{"freeze": 1, "service": "gone"}])",
         "step 1: only one of \"service\", \"freeze\" is expected");
@@ -83,13 +85,32 @@ void CompositorScriptFileTest::refusesAScriptThatIsWrong_data()
         R"(step 1, "add-view": "uuid" is missing)");
     add("view with an empty id", R"([{"add-view": {"uuid": "", "appId": "a", "pid": 1}}])",
         R"(step 1, "add-view", "uuid": a text is expected that is not empty)");
-    add("view without a process", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 0}}])",
-        R"(step 1, "add-view", "pid": a whole number from 1 to 4294967295 is expected)");
+    add("view without a process", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": -1}}])",
+        R"(step 1, "add-view", "pid": a whole number from 0 to 4294967295 is expected)");
     add("view with an unknown key", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "name": "n"}}])",
         R"(step 1, "add-view": unknown key "name")");
     add("view with a list as an attribute",
         R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "attributes": {"x": [1]}}}])",
         R"(step 1, "add-view", "attributes", "x": a text, a number, true or false is expected)");
+    add("record as text", R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "record": "r"}}])",
+        R"(step 1, "add-view", "record": an object is expected)");
+    add("record with an unknown key",
+        R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "record": {"info5": "x"}}}])",
+        R"(step 1, "add-view", "record": unknown key "info5")");
+    add("record with a number as a text",
+        R"([{"add-view": {"uuid": "u", "appId": "a", "pid": 1, "record": {"info1": 1}}}])",
+        R"(step 1, "add-view", "record", "info1": a text is expected)");
+    add("record with a negative sort index", R"([{"change-view": {"uuid": "u", "record": {"sortIndex": -1}}}])",
+        R"(step 1, "change-view", "record", "sortIndex": a whole number from 0 to 4294967295 is expected)");
+    add("change without an id", R"([{"change-view": {"title": "t"}}])", R"(step 1, "change-view": "uuid" is missing)");
+    add("change to an empty title", R"([{"change-view": {"uuid": "u", "title": ""}}])",
+        R"(step 1, "change-view", "title": a text is expected that is not empty)");
+    add("order as text", R"([{"order-views": "one"}])", R"(step 1, "order-views": a list of texts is expected)");
+    add("order of a view with itself", R"([{"order-views": ["one", "two", "one"]}])",
+        R"(step 1, "order-views": every view is expected only once)");
+    add("number as the current view", R"([{"current-view": 1}])", R"(step 1, "current-view": a text is expected)");
+    add("unknown blanking", R"([{"blanking": "never"}])",
+        R"(step 1, "blanking": "automatic" or "scripted" is expected)");
     add("number as a view to remove", R"([{"remove-view": 1}])",
         R"(step 1, "remove-view": a text is expected that is not empty)");
 

@@ -102,9 +102,14 @@ private Q_SLOTS:
     void aViewAppearsAndVanishesAtItsTime();
     void aViewOfAScriptCanBeSwitchedTo();
     void windowsAndViewsOfAScriptLiveSideBySide();
+    void aViewOfAScriptHasExactlyTheRecordThatItSays();
+    void aViewOfAScriptChanges();
+    void viewsAreArranged();
+    void anyTextCanBeTheCurrentView();
     void aPropertyChangesAndIsSignalled_data();
     void aPropertyChangesAndIsSignalled();
     void theScreenSaverStartsAndEnds();
+    void theTimeoutBlanksOnlyWhereTheScriptPermitsIt();
     void aMethodIsCalled();
     void aNotificationIsPosted();
     void stepsOfOneTimeAreTakenInTheirOrder();
@@ -267,6 +272,93 @@ void CompositorScriptTest::windowsAndViewsOfAScriptLiveSideBySide()
     TRY_COMPARE(CompositorBus::views().size(), 0);
 }
 
+void CompositorScriptTest::aViewOfAScriptHasExactlyTheRecordThatItSays()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "", "pid": 0, "title": "Song", "attributes": {"volume": 11},
+                      "record": {"info1": "a", "info2": "", "info3": "c", "info4": "d", "sortIndex": 7,
+                                 "attributes": {"muted": true}}}},
+        {"add-view": {"uuid": "two", "appId": "", "pid": 1, "record": {"info3": "busy"}}}
+    ])");
+    const QList<View> views = CompositorBus::views();
+    const View one = views.at(0);
+    QCOMPARE(one.appId, QString());
+    QCOMPARE(one.pid, 0U);
+    QCOMPARE(QStringList({one.info1, one.info2, one.info3, one.info4}),
+             QStringList({QStringLiteral("a"), QString(), QStringLiteral("c"), QStringLiteral("d")}));
+    QCOMPARE(one.sortIndex, 7U);
+    QCOMPARE(one.attributes, QVariantMap({{QStringLiteral("muted"), true}}));
+
+    const View two = views.at(1);
+    QCOMPARE(two.info3, QStringLiteral("busy"));
+    QCOMPARE(two.info4, QStringLiteral("window"));
+    QCOMPARE(two.sortIndex, 8U);
+    QCOMPARE(two.attributes.value(QStringLiteral("current")), QVariant(true));
+}
+
+void CompositorScriptTest::aViewOfAScriptChanges()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "player", "pid": 1, "attributes": {"volume": 11}}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"},
+         "change-view": {"uuid": "one", "title": "Other song", "attributes": {"gain": 0.5}}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"},
+         "change-view": {"uuid": "one", "appId": "radio", "pid": 2, "processName": "tuner",
+                         "record": {"info1": "on air", "sortIndex": 3}}}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("views")).properties, QStringList(QStringLiteral("views")));
+    const View song = CompositorBus::views().constFirst();
+    QCOMPARE(song.info1, QStringLiteral("Other song"));
+    QCOMPARE(song.info2, QStringLiteral("player"));
+    QCOMPARE(song.attributes.value(QStringLiteral("title")), QVariant(QStringLiteral("Other song")));
+    QCOMPARE(song.attributes.value(QStringLiteral("gain")), QVariant(0.5));
+    QVERIFY(!song.attributes.contains(QStringLiteral("volume")));
+
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+    mMonitor->waitFor(QStringLiteral("views"));
+    const View radio = CompositorBus::views().constFirst();
+    QCOMPARE(radio.uuid, QStringLiteral("one"));
+    QCOMPARE(radio.appId, QStringLiteral("radio"));
+    QCOMPARE(radio.pid, 2U);
+    QCOMPARE(radio.sortIndex, 3U);
+    QCOMPARE(radio.info1, QStringLiteral("on air"));
+    QCOMPARE(radio.info2, QStringLiteral("tuner"));
+    QCOMPARE(radio.attributes.value(QStringLiteral("title")), QVariant(QStringLiteral("Other song")));
+}
+
+void CompositorScriptTest::viewsAreArranged()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "three", "appId": "app", "pid": 1}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "order-views": ["three", "one"]}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    mMonitor->waitFor(QStringLiteral("views"));
+    QCOMPARE(uuidsOf(CompositorBus::views()),
+             QStringList({QStringLiteral("three"), QStringLiteral("two"), QStringLiteral("one")}));
+    QCOMPARE(CompositorBus::currentView(), QStringLiteral("three"));
+}
+
+void CompositorScriptTest::anyTextCanBeTheCurrentView()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"current-view": ""},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "current-view": "home"},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "current-view": "one"}
+    ])");
+    QCOMPARE(CompositorBus::currentView(), QString());
+    QCOMPARE(CompositorBus::views().constFirst().info3, QStringLiteral("background"));
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).currentView, QStringLiteral("home"));
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).currentView, QStringLiteral("one"));
+    QCOMPARE(CompositorBus::views().constFirst().info3, QStringLiteral("current"));
+}
+
 void CompositorScriptTest::aPropertyChangesAndIsSignalled_data()
 {
     QTest::addColumn<QString>("path");
@@ -321,6 +413,20 @@ void CompositorScriptTest::theScreenSaverStartsAndEnds()
     QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.first(), QVariant(false));
     QCOMPARE(screen("screenSaverActive"), QVariant(false));
     QVERIFY(screenShot() != black);
+}
+
+void CompositorScriptTest::theTimeoutBlanksOnlyWhereTheScriptPermitsIt()
+{
+    QElapsedTimer timer;
+    timer.start();
+    play(R"([
+        {"blanking": "scripted"},
+        {"set": {"de.Telvaro.screen.screenSaverTimeoutSeconds": 1}},
+        {"at": 1.5, "blanking": "automatic"}
+    ])");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.first(), QVariant(true));
+    // The first timeout, after one second, has been ignored.
+    QVERIFY2(timer.elapsed() >= 2000, qPrintable(QString::number(timer.elapsed())));
 }
 
 void CompositorScriptTest::aMethodIsCalled()
@@ -734,6 +840,10 @@ void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
                                         << QByteArray("there is a view \"one\" already");
     QTest::newRow("view that is not there")
         << QByteArray(R"("remove-view": "two")") << QByteArray("there is no view \"two\"");
+    QTest::newRow("change of a view that is not there")
+        << QByteArray(R"("change-view": {"uuid": "two", "title": "t"})") << QByteArray("there is no view \"two\"");
+    QTest::newRow("order with a view that is not there")
+        << QByteArray(R"("order-views": ["one", "two"])") << QByteArray("there is no view \"two\"");
     QTest::newRow("current view that is not there")
         << QByteArray(R"("set": {"de.Telvaro.taskswitcher.currentView": "two"})")
         << QByteArray("org.freedesktop.DBus.Error.InvalidArgs: there is no view \"two\"; the uuid of one of the views "

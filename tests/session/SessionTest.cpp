@@ -57,6 +57,32 @@ QStringList shell(const char* script)
     return {QStringLiteral("sh"), QStringLiteral("-c"), QString::fromUtf8(script)};
 }
 
+/// Runs a shell outside of any session.
+Result inShell(const QString& script)
+{
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.run(QStringLiteral("sh"), {QStringLiteral("-c"), script});
+    return finish(process);
+}
+
+Result sessionOnDisplay(const QString& display)
+{
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    environment.insert(QStringLiteral("DISPLAY"), display);
+    process.setProcessEnvironment(environment);
+    start(process, {QStringLiteral("echo"), QStringLiteral("started")});
+    return finish(process);
+}
+
+bool isRunning(const QString& processId)
+{
+    return ::kill(static_cast<pid_t>(processId.toInt()), 0) == 0;
+}
+
 /// The bus of a running session, used from outside.
 class SessionBus
 {
@@ -98,6 +124,9 @@ private Q_SLOTS:
     void theCommandIsPartOfTheSession();
     void theCommandHasTheSessionsInputAndOutput();
     void theExitStatusIsTheCommands();
+    void whatTheCommandLeavesRunningIsTerminated_data();
+    void whatTheCommandLeavesRunningIsTerminated();
+    void aCommandThatIgnoresItsTerminationIsKilled();
     void aCommandThatCannotBeStartedIsSaid();
     void optionsAfterTheCommandAreTheCommands();
     void helpAndVersion();
@@ -112,11 +141,22 @@ private Q_SLOTS:
     void nothingIsLeftBehind();
     void aTerminatedSessionEndsItsCommand();
     void aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrupted();
+    void aSessionInTheBackgroundIsReadyWhenItsCallerReturns();
+    void aSessionInTheBackgroundRunsItsCommand();
+    void aSessionThatCannotStartInTheBackgroundIsSaidAtOnce();
+    void aSessionInTheBackgroundNeedsAFileForItsEnvironment();
+    void theEnvironmentFileExistsOnlyDuringTheSession();
+    void valuesAreQuotedForTheShell();
+    void onlyASessionCanBeEnded();
+    void anEmptyDisplayIsNone();
+    void aDisplayThatCannotBeOpenedIsAnsweredWithAdvice();
+    void aMachineWithoutTheManifestIsSaid();
     void aCompositorThatDiesEndsTheSession();
     void aKilledSessionTakesEverythingWithIt();
 
 private:
     QString script(const QByteArray& steps) const;
+    QString path(const char* name) const;
 
     QTemporaryDir mDirectory;
 };
@@ -128,6 +168,11 @@ QString SessionTest::script(const QByteArray& steps) const
         throw std::runtime_error("cannot write " + file.fileName().toStdString());
     }
     return file.fileName();
+}
+
+QString SessionTest::path(const char* name) const
+{
+    return mDirectory.filePath(QString::fromUtf8(name));
 }
 
 void SessionTest::theCommandIsPartOfTheSession()
@@ -159,6 +204,35 @@ void SessionTest::theExitStatusIsTheCommands()
 {
     QCOMPARE(inSession(shell("exit 3")).status, 3);
     QCOMPARE(inSession(shell("kill -KILL $$")).status, 128 + SIGKILL);
+}
+
+void SessionTest::whatTheCommandLeavesRunningIsTerminated_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::newRow("a child") << QStringLiteral("sleep 1000 & echo $!; exit 3");
+    QTest::newRow("a child in a session of its own") << QStringLiteral("setsid sleep 1000 & echo $!; exit 3");
+    QTest::newRow("a daemon") << QStringLiteral("(setsid sleep 1000 < /dev/null > /dev/null 2>&1 & echo $!); exit 3");
+    QTest::newRow("a child that ignores it") << QStringLiteral("trap '' TERM; sleep 1000 & echo $!; exit 3");
+}
+
+void SessionTest::whatTheCommandLeavesRunningIsTerminated()
+{
+    QFETCH(const QString, script);
+    const Result result = inSession({QStringLiteral("sh"), QStringLiteral("-c"), script});
+    QCOMPARE(result.status, 3);
+    QVERIFY2(result.output.toInt() > 0, qPrintable(result.output));
+    QVERIFY(!isRunning(result.output));
+}
+
+void SessionTest::aCommandThatIgnoresItsTerminationIsKilled()
+{
+    ChildProcess process;
+    start(process,
+          QStringList{QStringLiteral("--headless")} + shell("trap '' TERM; echo $$; while :; do sleep 1000; done"));
+    const QString command = QString::fromUtf8(process.readOutputLine());
+    process.terminate();
+    QCOMPARE(finish(process).status, 128 + SIGKILL);
+    QVERIFY(!isRunning(command));
 }
 
 void SessionTest::aCommandThatCannotBeStartedIsSaid()
@@ -317,6 +391,163 @@ void SessionTest::aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrup
     QCOMPARE(result.errors, QString());
 }
 
+void SessionTest::aSessionInTheBackgroundIsReadyWhenItsCallerReturns()
+{
+    const QString file = path("environment");
+    const Result started = inShell(
+        QStringLiteral("cd %1 && " TELVARO_PROGRAMS "/telvaro-session --headless --background --env-file environment")
+            .arg(mDirectory.path()));
+    QCOMPARE(started.errors, QString());
+    QCOMPARE(started.status, 0);
+    QCOMPARE(started.output,
+             QStringLiteral("Join the session:  . %1\nEnd it from there: telvaro-session --end\n").arg(file));
+
+    const Result joined = inShell(
+        QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaroctl views --json && echo $XDG_RUNTIME_DIR").arg(file));
+    QCOMPARE(joined.errors, QString());
+    QCOMPARE(joined.status, 0);
+    QVERIFY(joined.output.startsWith(QLatin1String("[\n]\n")));
+    const QDir directory(joined.output.section(QLatin1Char('\n'), 2, 2));
+    QVERIFY(directory.exists());
+
+    const Result ended = inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file));
+    QCOMPARE(ended.errors, QString());
+    QCOMPARE(ended.status, 0);
+    QVERIFY(!directory.exists());
+    QVERIFY(!QFile::exists(file));
+    QFile log(file + QStringLiteral(".log"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QCOMPARE(log.readAll(), QByteArray());
+}
+
+void SessionTest::aSessionInTheBackgroundRunsItsCommand()
+{
+    const QString file = path("with-a-command");
+    QCOMPARE(session(QStringList{QStringLiteral("--headless"), QStringLiteral("--background"),
+                                 QStringLiteral("--env-file"), file}
+                     + shell("echo runs; exec sleep 1000"))
+                 .status,
+             0);
+    QFile log(file + QStringLiteral(".log"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QTRY_VERIFY_WITH_TIMEOUT(log.bytesAvailable() > 0, ChildProcess::cDeadline);
+    QCOMPARE(log.readAll(), QByteArray("runs\n"));
+    QCOMPARE(inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file)).status, 0);
+}
+
+void SessionTest::aSessionThatCannotStartInTheBackgroundIsSaidAtOnce()
+{
+    const QString file = path("not-started");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--background"),
+                              QStringLiteral("--env-file")};
+    const Result refused = session(options + QStringList{file, QStringLiteral("--size"), QStringLiteral("huge")});
+    QCOMPARE(refused.status, 2);
+    QVERIFY2(refused.errors.startsWith(QLatin1String("telvaro-compositor: \"huge\" is not a size")),
+             qPrintable(refused.errors));
+    QVERIFY(!QFile::exists(file));
+    QVERIFY(!QFile::exists(file + QStringLiteral(".log")));
+
+    const Result unwritable = session(options + QStringList{QStringLiteral("/no/such/file")});
+    QCOMPARE(unwritable.status, 1);
+    QCOMPARE(unwritable.errors,
+             QStringLiteral("telvaro-session: cannot write /no/such/file.log: No such file or directory\n"));
+}
+
+void SessionTest::aSessionInTheBackgroundNeedsAFileForItsEnvironment()
+{
+    const Result result = session({QStringLiteral("--background")});
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-session: --background needs --env-file\n")),
+             qPrintable(result.errors));
+}
+
+void SessionTest::theEnvironmentFileExistsOnlyDuringTheSession()
+{
+    const QString file = path("during");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--env-file"), file};
+    const Result result = session(options + shell("echo $WAYLAND_DISPLAY $TELVARO_SESSION_PID"));
+    QCOMPARE(result.status, 0);
+    QVERIFY(!QFile::exists(file));
+
+    const Result read =
+        session(options + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("cat %1").arg(file)});
+    QVERIFY(read.output.contains(QLatin1String("\nexport TELVARO_SESSION_PID=")));
+
+    // The file of a later session stays.
+    QCOMPARE(session(options
+                     + QStringList{QStringLiteral("sh"), QStringLiteral("-c"),
+                                   QStringLiteral("rm %1; echo later > %1").arg(file)})
+                 .status,
+             0);
+    QVERIFY(QFile::remove(file));
+}
+
+void SessionTest::valuesAreQuotedForTheShell()
+{
+    const QString directory = path("it's a folder");
+    QVERIFY(QDir().mkpath(directory));
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TMPDIR"), directory);
+    process.setProcessEnvironment(environment);
+    start(process,
+          QStringList{QStringLiteral("--headless"), QStringLiteral("--env-file"), path("quoted")}
+              + shell(
+                  "runtime=$XDG_RUNTIME_DIR; unset XDG_RUNTIME_DIR; . \"$0\"; test \"$XDG_RUNTIME_DIR\" = \"$runtime\"")
+              + QStringList{path("quoted")});
+    const Result result = finish(process);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.status, 0);
+}
+
+void SessionTest::onlyASessionCanBeEnded()
+{
+    const QString end = QStringLiteral(TELVARO_PROGRAMS "/telvaro-session --end");
+    const Result outside = inShell(QStringLiteral("unset TELVARO_SESSION_PID; ") + end);
+    QCOMPARE(outside.status, 1);
+    QCOMPARE(outside.errors,
+             QStringLiteral("telvaro-session: this is not a session: TELVARO_SESSION_PID is not set\n"));
+
+    const Result another =
+        inShell(QStringLiteral("export TELVARO_SESSION_PID=$$; ") + end + QStringLiteral("; echo $?"));
+    QCOMPARE(another.output, QStringLiteral("1\n"));
+    QCOMPARE(another.errors, QStringLiteral("telvaro-session: the session has ended already\n"));
+}
+
+void SessionTest::anEmptyDisplayIsNone()
+{
+    const Result result = sessionOnDisplay(QString());
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, QStringLiteral("started\n"));
+}
+
+void SessionTest::aDisplayThatCannotBeOpenedIsAnsweredWithAdvice()
+{
+    const Result result = sessionOnDisplay(QStringLiteral(":no-such-display"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.output, QString());
+    QVERIFY2(result.errors.endsWith(QLatin1String("; without a usable display, add --headless\n")),
+             qPrintable(result.errors));
+}
+
+void SessionTest::aMachineWithoutTheManifestIsSaid()
+{
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.setWorkingDirectory(mDirectory.path());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"),
+                       QStringLiteral(TELVARO_PROGRAMS ":") + environment.value(QStringLiteral("PATH")));
+    process.setProcessEnvironment(environment);
+    process.run(QStringLiteral(TELVARO_SESSION_OF_OTHER_DEVICE),
+                {QStringLiteral("--headless"), QStringLiteral("true")});
+    const Result result = finish(process);
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.errors,
+             QStringLiteral("telvaro-session: the library does nothing on this machine: device-manifest.json does not "
+                            "hold {\"productCode\": \"481936\"}\n"));
+}
+
 void SessionTest::aCompositorThatDiesEndsTheSession()
 {
     ChildProcess process;
@@ -339,14 +570,16 @@ void SessionTest::aKilledSessionTakesEverythingWithIt()
     ChildProcess process;
     start(process,
           QStringList{QStringLiteral("--headless")}
-              + shell("echo $$; echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS; exec sleep 1000"));
-    const auto command = static_cast<pid_t>(process.readOutputLine().toInt());
+              + shell("sleep 1000 & echo $!; echo $$; echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS; "
+                      "exec sleep 1000"));
+    const QString child = QString::fromUtf8(process.readOutputLine());
+    const QString command = QString::fromUtf8(process.readOutputLine());
     QDir directory(QString::fromUtf8(process.readOutputLine()));
     const SessionBus bus(QString::fromUtf8(process.readOutputLine()));
     const pid_t compositor = bus.compositor();
     process.kill();
     QVERIFY(process.waitForFinished(ChildProcess::cDeadline));
-    QTRY_VERIFY_WITH_TIMEOUT(::kill(command, 0) != 0, ChildProcess::cDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!isRunning(child) && !isRunning(command), ChildProcess::cDeadline);
     QTRY_VERIFY_WITH_TIMEOUT(::kill(compositor, 0) != 0, ChildProcess::cDeadline);
     QTRY_VERIFY_WITH_TIMEOUT(!bus.isConnected(), ChildProcess::cDeadline);
     QVERIFY(directory.removeRecursively());

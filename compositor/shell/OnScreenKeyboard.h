@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "shell/InputLayer.h"
+#include "shell/KeyboardPage.h"
+#include "shell/Keymap.h"
+
+#include <QObject>
+#include <QString>
+#include <QVector>
+
+class Output;
+class Scene;
+
+/// The on-screen keyboard, below the work area. It has the keys of the applications' keyboard layout.
+class OnScreenKeyboard : public QObject, public InputLayer
+{
+    Q_OBJECT
+
+public:
+    OnScreenKeyboard(Output& output, Scene& scene, QObject* parent = nullptr);
+
+    void setKeymap(const Keymap& keymap);
+
+    bool isOpen() const;
+    /// Opens it with the letters, or with the digits.
+    void open(bool isNumeric = false);
+    void close();
+
+    bool contains(const QPoint& position) override;
+    void press(const QPoint& position) override;
+    void release(const QPoint& position) override;
+    bool keepsPopups() const override
+    {
+        return true;
+    }
+    QRegion update() override;
+    void paint(QPainter* painter) const override;
+
+Q_SIGNALS:
+    void characterTyped(const QString& character);
+    /// Of keys without a character, in the numbers of Qt.
+    void keyPressed(int key);
+    void keyReleased(int key);
+    void openChanged();
+
+private:
+    void layOut();
+    void changed();
+    int keyAt(const QPoint& position) const;
+    void trigger(const KeyboardPage::Key& key);
+    void show(KeyboardPage::Page page);
+    void paintKey(QPainter* painter, int index) const;
+
+    Output& mOutput;
+    Scene& mScene;
+    Keymap mKeymap{Keymap::Layout()};
+    KeyboardPage::Page mPage = KeyboardPage::Page::Letters;
+    /// Shift has been pressed twice.
+    bool mIsLocked = false;
+    QVector<KeyboardPage::Key> mKeys;
+    int mPressed = -1;
+    bool mHasChanged = false;
+};
