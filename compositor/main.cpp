@@ -66,6 +66,15 @@ int run(int argc, char* argv[], const Options& options)
         qCritical("%s", qUtf8Printable(error.text));
         QCoreApplication::exit(Failed);
     });
+    // Queued, since a first step may end the program before it runs.
+    QObject::connect(
+        &compositor.scriptPlayer(), &ScriptPlayer::ended, &application,
+        [](int status) {
+            std::printf("EXIT_STATUS=%d\n", status);
+            std::fflush(stdout);
+            QCoreApplication::exit(status);
+        },
+        Qt::QueuedConnection);
     if (const MaybeError error = compositor.start()) {
         qCritical("%s", qUtf8Printable(error->text));
         return Failed;

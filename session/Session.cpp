@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Session.h"
 
+#include "CompositorOptions.h"
 #include "ExitStatus.h"
 #include "RunningSession.h"
 #include "ShellWord.h"
@@ -22,6 +23,8 @@ namespace {
 const QString cRuntimeDirectory = QStringLiteral("XDG_RUNTIME_DIR");
 const QString cWaylandDisplay = QStringLiteral("WAYLAND_DISPLAY");
 const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
+
+const QString cExitStatus = QStringLiteral("EXIT_STATUS=");
 
 // The exit statuses of shells.
 constexpr int cCannotExecute = 127;
@@ -122,7 +125,8 @@ MaybeError Session::startCompositor()
         environment.insert(cPlatform, QStringLiteral("offscreen"));
     }
     mCompositor.setProcessEnvironment(environment);
-    mCompositor.start(compositorProgram(), mCompositorOptions);
+    mCompositor.start(compositorProgram(),
+                      mCompositorOptions + QStringList(QStringLiteral("--") + CompositorOptions::cRemoteControl));
 
     const Result<QString> line = mCompositor.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
@@ -205,10 +209,16 @@ void Session::end(int signal)
 
 void Session::onBackgroundProgramEnded()
 {
-    const auto* const program = qobject_cast<const SessionProcess*>(sender());
-    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
-    // The session has failed, whatever the command's own status will be.
+    // The session has ended, whatever the command's own status will be.
     mCommand.disconnect(this);
     mCommand.terminate();
+    // A script may end the session with a status that the compositor prints.
+    const QString line = QString::fromLocal8Bit(mCompositor.readLine()).trimmed();
+    if (line.startsWith(cExitStatus)) {
+        Q_EMIT ended(line.midRef(cExitStatus.size()).toInt());
+        return;
+    }
+    const auto* const program = qobject_cast<const SessionProcess*>(sender());
+    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
     Q_EMIT ended(Failed);
 }

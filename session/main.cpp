@@ -3,9 +3,8 @@
 #include "BackgroundProcess.h"
 #include "CommandLine.h"
 #include "CompositorOptions.h"
-#include "DeviceManifestManager.h"
 #include "EnvironmentFile.h"
-#include "ManifestAdvice.h"
+#include "Manifest.h"
 #include "RunningSession.h"
 #include "Session.h"
 #include "ShellWord.h"
@@ -32,8 +31,8 @@ CommandLine::Text text()
                        "ends, ends both, and everything that the command has started. Without a command, prints\n"
                        "the environment variables of a program in the session, and runs until it is interrupted.\n\n"
                        "The compositor is a window where there is a display; without one it draws into memory."),
-        QStringLiteral("Exit status: the command's; 1 if the session failed, 2 for wrong usage, 127 if the\n"
-                       "command cannot be started.")};
+        QStringLiteral("Exit status: the command's, or that of a script's end; 1 if the session failed, 2 for\n"
+                       "wrong usage, 127 if the command cannot be started.")};
 }
 
 QList<QCommandLineOption> options()
@@ -84,8 +83,8 @@ int run(QCoreApplication& application, const QCommandLineParser& parser, Backgro
     if (const MaybeError error = session.start()) {
         return session.areOptionsRejected() ? Usage : fail(*error);
     }
-    if (DeviceManifestManager::getProductCode() != QLatin1String(TELVARO_PRODUCT_CODE)) {
-        QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << manifestAdvice()
+    if (!Manifest::isOfCompositorDevice()) {
+        QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << Manifest::advice()
                             << '\n';
     }
     const QString environmentPath = parser.value(cEnvironmentFile);

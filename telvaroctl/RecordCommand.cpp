@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "Service.h"
+#include "TimeLimit.h"
 #include "UnixSignals.h"
 #include "record/BusStream.h"
 #include "record/Recorder.h"
@@ -30,16 +32,14 @@ template <typename Value> bool isFailure(const Result<Value>& result)
 
 ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("record");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
-    }
+    // Before Qt's D-Bus thread starts.
     UnixSignals::block();
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
                      &QCoreApplication::quit);
+    if (!Service::connect()) {
+        return Failed;
+    }
 
     Result<std::unique_ptr<BusStream>> stream = BusStream::open();
     Result<std::unique_ptr<BusStream>> sender = BusStream::open();
@@ -64,6 +64,8 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
         printError(error->text);
         return Failed;
     }
+    // A service that hangs is recorded, too.
+    TimeLimit::lift();
     const int status = QCoreApplication::exec();
     const Result<int> count = recorder.finish();
     if (isFailure(count)) {
@@ -78,16 +80,20 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
 QList<Command> recordCommands()
 {
     return {
-        {"record", "Records what the service does as a script, until interrupted.", "FILE",
-         "The reference compositor plays FILE with its option --script; it is '-' for standard\n"
-         "output. Prints 'recording' to standard error once it listens, and waits for a service\n"
-         "that is not registered yet.",
+        {"record",
+         "Records what the service does as a script, until interrupted.",
+         "",
+         "The reference compositor plays FILE as its script; '-' is standard output. Prints\n"
+         "'recording' to standard error once it listens, and waits for a service that is not\n"
+         "registered yet. The time limit ends when the bus has replied.",
          [] {
              return QList<QCommandLineOption>{
                  {cAnonymous, QStringLiteral("Replaces all texts but ids by 'text 1', 'text 2' and so on.")},
                  {cForce, QStringLiteral("Replaces FILE if it exists.")},
              };
          },
-         record},
+         record,
+         {QStringLiteral("FILE")},
+         1},
     };
 }

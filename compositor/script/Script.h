@@ -4,6 +4,7 @@
 
 #include "bus/BusCall.h"
 #include "bus/FaultTable.h"
+#include "shell/Gesture.h"
 #include "state/View.h"
 
 #include <QString>
@@ -87,13 +88,56 @@ struct Freeze
     int milliseconds = 0;
 };
 
-using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze,
-                            ChangeView, OrderViews, AnnounceCurrentView, SetBlanking>;
+/// Makes the input of a person.
+struct Input
+{
+    Gesture gesture;
+};
 
-/// What a step waits for: the n-th matching call, or the n-th view of an application.
+/// Stops the processes of an application, and lets its views of the script not respond.
+struct Hang
+{
+    QString appId;
+    /// For ever if there is none.
+    std::optional<int> milliseconds;
+};
+
+/// Ends the Wayland server and all that applications know of the compositor, and starts it again later.
+struct Restart
+{
+    int milliseconds = 0;
+};
+
+/// Ends the program.
+struct End
+{
+    int status = 0;
+};
+
+using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze,
+                            ChangeView, OrderViews, AnnounceCurrentView, SetBlanking, Input, Hang, Restart, End>;
+
+/// What a view of an application comes to.
+struct ViewPattern
+{
+    enum class State
+    {
+        Shown,
+        Current,
+        Unresponsive,
+        Gone
+    };
+
+    State state = State::Shown;
+    QString appId;
+    /// Any if there is none.
+    std::optional<QString> title;
+};
+
+/// What a step waits for: the n-th matching call, or the n-th time that a view comes to be as the pattern says.
 struct Event
 {
-    std::variant<CallPattern, QString> what;
+    std::variant<CallPattern, ViewPattern> what;
     int times = 1;
 };
 

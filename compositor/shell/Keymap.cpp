@@ -3,6 +3,7 @@
 #include "shell/Keymap.h"
 
 #include <QChar>
+#include <QKeySequence>
 #include <QRegularExpression>
 
 #include <memory>
@@ -164,4 +165,73 @@ Keymap::Place Keymap::placeOf(int key, const QString& text) const
         symbol = xkb_utf32_to_keysym(isPrintable ? characters.constFirst() : QChar::toLower(static_cast<uint>(key)));
     }
     return mPlaces.value(symbol);
+}
+
+Result<QVector<QVector<quint32>>> Keymap::readText(const QString& text) const
+{
+    QVector<QVector<quint32>> strokes;
+    const QVector<uint> characters = text.toUcs4();
+    for (const uint character : characters) {
+        const QString quoted = QString::fromUcs4(&character, 1);
+        const quint32 control = character == '\n' ? placeOf(Qt::Key_Return, QString()).code
+            : character == '\t'                   ? placeOf(Qt::Key_Tab, QString()).code
+                                                  : 0;
+        const QVector<quint32> stroke = control == 0 ? strokeOf(quoted) : QVector<quint32>{control};
+        if (stroke.isEmpty()) {
+            return Error{QStringLiteral("the keyboard layout has no key for %1")
+                             .arg(QChar::isPrint(character)
+                                      ? QLatin1Char('"') + quoted + QLatin1Char('"')
+                                      : QStringLiteral("U+%1").arg(character, 4, 16, QLatin1Char('0')))};
+        }
+        strokes.append(stroke);
+    }
+    return strokes;
+}
+
+Result<QVector<quint32>> Keymap::readKeys(const QString& text) const
+{
+    static const QHash<QString, Qt::Key> modifiers{
+        {QStringLiteral("ctrl"), Qt::Key_Control},  {QStringLiteral("alt"), Qt::Key_Alt},
+        {QStringLiteral("shift"), Qt::Key_Shift},   {QStringLiteral("altgr"), Qt::Key_AltGr},
+        {QStringLiteral("super"), Qt::Key_Super_L}, {QStringLiteral("meta"), Qt::Key_Super_L},
+    };
+    QStringList names = text.split(QLatin1Char('+'));
+    // The key "+" itself.
+    if (names.size() > 1 && names.constLast().isEmpty() && names.at(names.size() - 2).isEmpty()) {
+        names.removeLast();
+        names.last() = QStringLiteral("+");
+    }
+    QVector<quint32> codes;
+    for (int i = 0; i < names.size(); ++i) {
+        const QString& name = names.at(i);
+        const auto modifier = modifiers.constFind(name.toLower());
+        if (modifier == modifiers.cend() && i < names.size() - 1) {
+            return Error{QStringLiteral("\"%1\" is not a modifier: one of Ctrl, Alt, Shift, AltGr, Super is expected "
+                                        "before a \"+\"")
+                             .arg(name)};
+        }
+        const quint32 code = modifier == modifiers.cend() ? scanCodeOfName(name) : scanCodeOf(*modifier, QString());
+        if (code == 0) {
+            return Error{QStringLiteral("the keyboard layout has no key \"%1\"").arg(name)};
+        }
+        codes.append(code);
+    }
+    return codes;
+}
+
+quint32 Keymap::scanCodeOfName(const QString& name) const
+{
+    if (name.toUcs4().size() == 1) {
+        const QVector<quint32> stroke = strokeOf(name.toLower());
+        return stroke.size() == 1 ? stroke.constFirst() : 0;
+    }
+    // Qt's Enter is the one of the keypad.
+    const int key = name.compare(QLatin1String("enter"), Qt::CaseInsensitive) == 0
+        ? static_cast<int>(Qt::Key_Return)
+        : QKeySequence::fromString(name, QKeySequence::PortableText)[0];
+    const xkb_keysym_t symbol = keysymOfKey(key);
+    return mPlaces
+        .value(symbol == XKB_KEY_NoSymbol ? xkb_keysym_from_name(name.toUtf8().constData(), XKB_KEYSYM_CASE_INSENSITIVE)
+                                          : symbol)
+        .code;
 }

@@ -44,7 +44,15 @@ public:
         return mRows;
     }
 
+    /// Returns the strokes that type the text, each as strokeOf() returns it.
+    Result<QVector<QVector<quint32>>> readText(const QString& text) const;
+    /// Returns the scan codes of keys that are named as in "Ctrl+Alt+Right".
+    Result<QVector<quint32>> readKeys(const QString& text) const;
+
 private:
+    /// Returns 0 when the layout has no such key.
+    quint32 scanCodeOfName(const QString& name) const;
+
     struct Place
     {
         quint32 code = 0;

@@ -100,7 +100,7 @@ void Menu::refresh()
         Row row;
         row.uuid = uuid;
         row.text = sanitizedText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
-        row.detail = sanitizedText(view->appId, cLongestTitle);
+        row.detail = view->isResponding ? sanitizedText(view->appId, cLongestTitle) : QStringLiteral("not responding");
         row.canClose = mMode == Mode::Everything && mStack.canClose(uuid);
         mRows.append(row);
     }

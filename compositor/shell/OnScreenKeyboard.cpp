@@ -107,10 +107,18 @@ bool OnScreenKeyboard::isOpen() const
     return !mOutput.keyboardRect().isEmpty();
 }
 
-void OnScreenKeyboard::open(bool isNumeric)
+void OnScreenKeyboard::setNumeric(bool isNumeric)
+{
+    if (isNumeric != mIsNumeric) {
+        mIsNumeric = isNumeric;
+        show(isNumeric ? Page::Symbols : Page::Letters);
+    }
+}
+
+void OnScreenKeyboard::open()
 {
     if (!isOpen()) {
-        show(isNumeric ? Page::Symbols : Page::Letters);
+        show(mIsNumeric ? Page::Symbols : Page::Letters);
         mOutput.setKeyboardOpen(true);
         Q_EMIT openChanged();
     }

@@ -24,9 +24,10 @@ public:
     void setKeymap(const Keymap& keymap);
 
     bool isOpen() const;
-    /// Opens it with the letters, or with the digits.
-    void open(bool isNumeric = false);
+    /// Opens it with the letters, or with the digits where numbers are typed.
+    void open();
     void close();
+    void setNumeric(bool isNumeric);
 
     bool contains(const QPoint& position) override;
     void press(const QPoint& position) override;
@@ -57,6 +58,7 @@ private:
     Scene& mScene;
     Keymap mKeymap{Keymap::Layout()};
     KeyboardPage::Page mPage = KeyboardPage::Page::Letters;
+    bool mIsNumeric = false;
     /// Shift has been pressed twice.
     bool mIsLocked = false;
     QVector<KeyboardPage::Key> mKeys;

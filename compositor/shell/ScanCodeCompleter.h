@@ -21,6 +21,6 @@ public:
     bool sendEvent(QWindowSystemInterfacePrivate::WindowSystemEvent* event) override;
 
 private:
-    const Keymap mKeymap;
+    const Keymap& mKeymap;
     QWindowSystemEventHandler* mNext;
 };

@@ -61,6 +61,7 @@ void SeatInput::pointerMotion(const QPointF& position)
 {
     mPosition = position;
     mIsInside = true;
+    Q_EMIT pointerMoved(position);
     if (!wakesScreen()) {
         updatePointerFocus();
     }

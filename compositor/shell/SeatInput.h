@@ -54,6 +54,7 @@ public:
 Q_SIGNALS:
     /// A button or a key has been pressed.
     void pressed();
+    void pointerMoved(const QPointF& position);
 
 private:
     /// Returns whether the input has ended the screen saver; it has no other effect then.

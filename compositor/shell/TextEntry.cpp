@@ -55,8 +55,7 @@ void TextEntry::toggle()
         mKeyboard.close();
     } else {
         mIsByHand = true;
-        const TextInput* const input = mInputs.active();
-        mKeyboard.open(input != nullptr && input->isNumeric());
+        mKeyboard.open();
     }
 }
 
@@ -64,13 +63,15 @@ void TextEntry::handlePanelRequest()
 {
     mClosing.stop();
     if (mIsByFinger) {
-        mKeyboard.open(mInputs.active() != nullptr && mInputs.active()->isNumeric());
+        mKeyboard.open();
     }
 }
 
 void TextEntry::handleActiveChange()
 {
-    if (mInputs.active() == nullptr && mKeyboard.isOpen() && !mIsByHand) {
+    if (const TextInput* const input = mInputs.active()) {
+        mKeyboard.setNumeric(input->isNumeric());
+    } else if (mKeyboard.isOpen() && !mIsByHand) {
         mClosing.start();
     }
 }

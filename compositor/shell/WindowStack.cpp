@@ -35,6 +35,10 @@ WindowStack::WindowStack(Output& output, ViewList& views, Scene& scene, QObject*
     // Popups stay open: the text field that has opened the on-screen keyboard may be in one.
     connect(&output, &Output::workAreaChanged, this, &WindowStack::configureAll);
     connect(&views, &ViewList::currentChanged, this, &WindowStack::handleCurrentChanged);
+    connect(&views, &ViewList::panelChanged, this, [this] {
+        configureAll();
+        rearrange();
+    });
 }
 
 void WindowStack::addWindow(ClientWindow* window)
@@ -79,6 +83,18 @@ ClientWindow* WindowStack::current() const
     return windowOfView(mViews.current());
 }
 
+QRect WindowStack::currentFrame() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr ? QRect() : frameOf(window, window->windowGeometry().size());
+}
+
+bool WindowStack::isSettled() const
+{
+    const ClientWindow* const window = current();
+    return window == nullptr || window->isSettled();
+}
+
 bool WindowStack::canClose(const QString& uuid) const
 {
     return windowOfView(uuid) != nullptr;
@@ -86,7 +102,10 @@ bool WindowStack::canClose(const QString& uuid) const
 
 void WindowStack::close(const QString& uuid)
 {
-    if (ClientWindow* const window = windowOfView(uuid)) {
+    ClientWindow* const window = windowOfView(uuid);
+    if (window != nullptr && !window->isResponding()) {
+        window->endProcess();
+    } else if (window != nullptr) {
         window->close();
     }
 }
@@ -107,7 +126,32 @@ ClientWindow* WindowStack::windowOf(const XdgToplevel* toplevel) const
     return toplevel == nullptr || found == mWindows.cend() ? nullptr : *found;
 }
 
+ClientWindow* WindowStack::panel() const
+{
+    return windowOfView(mViews.panel().uuid);
+}
+
+bool WindowStack::isPanel(const ClientWindow* window) const
+{
+    return window->isMapped() ? window->uuid() == mViews.panel().uuid
+                              : mViews.wantsPanel(window->appId()) && window->parentToplevel() == nullptr;
+}
+
 QVector<ClientWindow*> WindowStack::visibleWindows() const
+{
+    QVector<ClientWindow*> windows = stackedWindows();
+    if (ClientWindow* const window = panel()) {
+        windows.prepend(window);
+    }
+    return windows;
+}
+
+QRegion WindowStack::visibleArea() const
+{
+    return QRegion(mOutput.workArea()) + mOutput.panelRect();
+}
+
+QVector<ClientWindow*> WindowStack::stackedWindows() const
 {
     QVector<ClientWindow*> windows;
     for (ClientWindow* window = current(); window != nullptr; window = windowOf(window->parentToplevel())) {
@@ -146,6 +190,9 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
 
 QRect WindowStack::areaOf(const ClientWindow* window) const
 {
+    if (isPanel(window)) {
+        return mOutput.panelRect();
+    }
     return window->wantsFullScreen() ? mOutput.fullScreenArea() : mOutput.maximizedArea();
 }
 
@@ -190,7 +237,8 @@ QRect WindowStack::boundsOf(const ClientPopup* popup) const
     }
     const bool isResized = parent->toplevel() != nullptr && !popup->parentSize().isEmpty();
     const QPoint origin = isResized ? frameOf(window, popup->parentSize()).topLeft() : originOf(parent);
-    return areaOf(window).translated(-origin);
+    const QRect area = isPanel(window) ? visibleArea().boundingRect() : areaOf(window);
+    return area.translated(-origin);
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -205,8 +253,10 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
         }
     }
     // Only the topmost window receives input: dialogs are modal.
-    ClientWindow* const window = current();
-    if (window != nullptr && window->surface() != nullptr && mOutput.workArea().contains(position.toPoint())) {
+    const bool isOnPanel = mOutput.panelRect().contains(position.toPoint());
+    ClientWindow* const window = isOnPanel ? panel() : current();
+    if (window != nullptr && window->surface() != nullptr
+        && (isOnPanel || mOutput.workArea().contains(position.toPoint()))) {
         hit.surface = window->surface()->surfaceAt(position - surfacePosition(window->xdgSurface()), &hit.position);
         hit.window = hit.surface == nullptr ? nullptr : window;
     }
@@ -256,8 +306,15 @@ bool WindowStack::inhibitsIdle() const
 
 void WindowStack::paint(QPainter* painter) const
 {
+    const ClientWindow* const panelWindow = panel();
+    if (panelWindow != nullptr && panelWindow->surface() != nullptr) {
+        painter->save();
+        painter->setClipRect(mOutput.panelRect(), Qt::IntersectClip);
+        panelWindow->surface()->paint(painter, surfacePosition(panelWindow->xdgSurface()));
+        painter->restore();
+    }
     painter->setClipRect(mOutput.workArea(), Qt::IntersectClip);
-    const QVector<ClientWindow*> windows = visibleWindows();
+    const QVector<ClientWindow*> windows = stackedWindows();
     for (const ClientWindow* window : windows) {
         if (window->surface() == nullptr) {
             continue;
@@ -274,13 +331,16 @@ void WindowStack::paint(QPainter* painter) const
 
 void WindowStack::configureAll()
 {
-    const QVector<ClientWindow*> visible = visibleWindows();
-    mOutput.setStatusBarHidden(std::any_of(visible.cbegin(), visible.cend(), [](const ClientWindow* window) {
+    const QVector<ClientWindow*> stacked = stackedWindows();
+    mOutput.setStatusBarHidden(std::any_of(stacked.cbegin(), stacked.cend(), [](const ClientWindow* window) {
         return window->wantsFullScreen();
     }));
     const ClientWindow* const active = current();
     for (ClientWindow* window : qAsConst(mWindows)) {
-        window->configure(areaOf(window).size(), mOutput.isFullScreen() || window->wantsFullScreen(), window == active);
+        // A panel gets no size until it has a strip: it chooses the thickness of that.
+        const QSize size = areaOf(window).size();
+        const bool isFullScreen = !isPanel(window) && (mOutput.isFullScreen() || window->wantsFullScreen());
+        window->configure(size.isEmpty() ? QSize(0, 0) : size, isFullScreen, window == active);
     }
 }
 
@@ -348,5 +408,5 @@ QRegion WindowStack::update()
         replaceReactivePopups();
         Q_EMIT arrangementChanged();
     }
-    return std::exchange(mIsRearranged, false) ? mOutput.workArea() : damage & mOutput.workArea();
+    return std::exchange(mIsRearranged, false) ? visibleArea() : damage & visibleArea();
 }

@@ -19,7 +19,7 @@ class XdgSurface;
 class XdgToplevel;
 
 /// The clients' windows and popups: which of them are visible, where, and which surface is under the pointer. Visible
-/// are the window of the current view, below it the parents of a dialog, and above it their popups.
+/// are the panel and the window of the current view, below it the parents of a dialog, and above it their popups.
 class WindowStack : public QObject, public SceneLayer
 {
     Q_OBJECT
@@ -43,12 +43,16 @@ public:
     /// Returns the surface that receives keys: that of the topmost popup with a grab, or else that of the current
     /// window. Null when there is none.
     ClientSurface* keyboardSurface() const;
+    /// Returns the geometry of the current view's window on the output; empty when it has none.
+    QRect currentFrame() const;
+    /// Returns false while the size of the current view's window is about to change.
+    bool isSettled() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
     /// Returns whether the view has a window, which its client can be asked to close.
     bool canClose(const QString& uuid) const;
-    /// Asks the client to close the window of the view, if it has one.
+    /// Asks the client to close the window of the view, if it has one, or ends a client that does not respond.
     void close(const QString& uuid);
     /// Sends the frame callbacks of all visible surfaces.
     void sendFrameCallbacks();
@@ -70,8 +74,16 @@ private:
     ClientWindow* windowOf(const XdgToplevel* toplevel) const;
     /// Null when the view has no window.
     ClientWindow* windowOfView(const QString& uuid) const;
-    /// From the bottom to the top.
+    /// Null when there is none.
+    ClientWindow* panel() const;
+    /// Whether a window is the panel, or will be when it is mapped.
+    bool isPanel(const ClientWindow* window) const;
+    /// The windows of the current view, from the bottom to the top.
+    QVector<ClientWindow*> stackedWindows() const;
+    /// As above, with the panel.
     QVector<ClientWindow*> visibleWindows() const;
+    /// The work area and the panel.
+    QRegion visibleArea() const;
     QVector<ClientPopup*> visiblePopups() const;
     ClientWindow* windowOfPopup(const ClientPopup* popup) const;
     QPoint originOf(const XdgSurface* xdgSurface) const;

@@ -83,8 +83,23 @@ void ViewList::add(View view, const std::optional<quint32>& sortIndex)
     Q_EMIT currentChanged();
 }
 
+void ViewList::addWindow(const View& view)
+{
+    if (wantsPanel(view.appId) && !view.isDialog) {
+        mPanel = view;
+        Q_EMIT panelChanged();
+    } else {
+        add(view);
+    }
+}
+
 void ViewList::remove(const QString& uuid)
 {
+    if (uuid == mPanel.uuid && !uuid.isEmpty()) {
+        mPanel = {};
+        Q_EMIT panelChanged();
+        return;
+    }
     const QString oldCurrent = current();
     const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
         return view.uuid == uuid;
@@ -141,6 +156,10 @@ void ViewList::setTitle(const QString& uuid, const QString& title)
 
 void ViewList::setSize(const QString& uuid, const QSize& size)
 {
+    if (uuid == mPanel.uuid && size != mPanel.size) {
+        mPanel.size = size;
+        Q_EMIT panelChanged();
+    }
     assign(uuid, &View::size, size);
 }
 

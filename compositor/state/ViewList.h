@@ -42,8 +42,26 @@ public:
     /// Makes any text the current one, also one that is no view's or empty, until a view is made current or added.
     void announceAsCurrent(const QString& text);
 
+    /// Sets whose window is the panel instead of a view.
+    void setPanelAppId(const QString& appId)
+    {
+        mPanelAppId = appId;
+    }
+    /// Returns whether a new window of the application would be the panel.
+    bool wantsPanel(const QString& appId) const
+    {
+        return !mPanelAppId.isEmpty() && appId == mPanelAppId && mPanel.uuid.isEmpty();
+    }
+    /// The panel, which is none of views(); its uuid is empty while there is none.
+    const View& panel() const
+    {
+        return mPanel;
+    }
+
     /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`.
     void add(View view, const std::optional<quint32>& sortIndex = {});
+    /// Adds the view of a window, or makes it the panel.
+    void addWindow(const View& view);
     /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
 
@@ -61,6 +79,7 @@ Q_SIGNALS:
     /// Emitted before currentChanged() when both change.
     void viewsChanged();
     void currentChanged();
+    void panelChanged();
 
 private:
     View* find(const QString& uuid);
@@ -70,5 +89,7 @@ private:
     QVector<View> mViews;
     /// The uuids, the most recently current one at the end.
     QStringList mRecent;
+    QString mPanelAppId;
+    View mPanel;
     std::optional<QString> mAnnounced;
 };

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int cPatienceMilliseconds = 3000;
+constexpr int cPatienceSeconds = 3;
 constexpr int cIntervalMilliseconds = 1000;
 constexpr int cEventsPerPing = 32;
 /// Half of the small events that a connection buffers.
@@ -23,11 +23,8 @@ ClientLiveness::ClientLiveness(const XdgShell& shell, QWaylandClient* client, QO
     : QObject(parent)
     , mClient(client)
 {
-    mDeadline.setSingleShot(true);
-    mDeadline.setInterval(cPatienceMilliseconds);
-    connect(&mDeadline, &QTimer::timeout, this, [this] {
-        setResponding(false);
-    });
+    mSeconds.setInterval(cIntervalMilliseconds);
+    connect(&mSeconds, &QTimer::timeout, this, &ClientLiveness::handleSecond);
     connect(&shell, &XdgShell::pong, this, [this](wl_client* from, uint32_t serial) {
         if (mClient != nullptr && mClient->client() == from) {
             handlePong(serial);
@@ -42,6 +39,31 @@ void ClientLiveness::setShellObject(wl_resource* object)
     mShellListener = std::make_unique<ResourceListener>(object, [this] {
         mShellObject = nullptr;
     });
+}
+
+void ClientLiveness::addWindow()
+{
+    ++mWindows;
+    ping();
+}
+
+void ClientLiveness::removeWindow()
+{
+    --mWindows;
+}
+
+void ClientLiveness::handleSecond()
+{
+    if (mWaiting) {
+        if (++mPassedSeconds >= cPatienceSeconds) {
+            mSeconds.stop();
+            setResponding(false);
+        }
+    } else if (mWindows > 0) {
+        ping();
+    } else {
+        mSeconds.stop();
+    }
 }
 
 bool ClientLiveness::admitEvent()
@@ -68,7 +90,8 @@ void ClientLiveness::ping()
     mWaiting = true;
     mSerial = mClient->compositor()->nextSerial();
     xdg_wm_base_send_ping(mShellObject, mSerial);
-    mDeadline.start();
+    mPassedSeconds = 0;
+    mSeconds.start();
 }
 
 void ClientLiveness::handlePong(uint serial)
@@ -77,7 +100,7 @@ void ClientLiveness::handlePong(uint serial)
         return;
     }
     mWaiting = false;
-    mDeadline.stop();
+    mSeconds.start();
     mUnconfirmed = mSincePingCount;
     setResponding(true);
     if (std::exchange(mHeldBack, false)) {

@@ -14,8 +14,8 @@
 
 class XdgShell;
 
-/// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. Pings are
-/// sent on occasions, not on a timer: an idle client is left alone.
+/// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. A client
+/// with a mapped window is pinged once a second, others only on occasions.
 class ClientLiveness : public QObject
 {
     Q_OBJECT
@@ -32,6 +32,10 @@ public:
         return mResponding;
     }
 
+    /// To be called when a window of the client is mapped and when it is unmapped.
+    void addWindow();
+    void removeWindow();
+
     /// Sends a ping, unless a pong is already due.
     void ping();
     /// Must be asked before an input or configure event. Returns false when the client does not respond or has left
@@ -45,6 +49,7 @@ Q_SIGNALS:
 
 private:
     void handlePong(uint serial);
+    void handleSecond();
     void setResponding(bool responding);
 
     QPointer<QWaylandClient> mClient;
@@ -59,5 +64,9 @@ private:
     int mSincePingCount = 0;
     bool mHeldBack = false;
     QElapsedTimer mSincePing;
-    QTimer mDeadline;
+    int mWindows = 0;
+    /// Runs while a pong is due or a window is mapped, and no longer when the client does not respond.
+    QTimer mSeconds;
+    /// Since the ping. Counted rather than measured: while the compositor is blocked, no client can respond.
+    int mPassedSeconds = 0;
 };

@@ -11,7 +11,12 @@
 
 #include <xdg-shell-server-protocol.h>
 
+#include <csignal>
+
 namespace {
+
+/// Some clients draw their first frame in a size of their own.
+constexpr int cSettlingMilliseconds = 2000;
 
 QString processNameOf(qint64 pid)
 {
@@ -47,6 +52,7 @@ ClientWindow::ClientWindow(XdgToplevel* toplevel, ClientLiveness* liveness, View
     });
     connect(toplevel, &XdgToplevel::appIdChanged, this, [this] {
         mViews.setAppId(mUuid, appId());
+        Q_EMIT configureRequested();
     });
     connect(toplevel, &XdgToplevel::parentChanged, this, [this] {
         mViews.setDialog(mUuid, parentToplevel() != nullptr);
@@ -103,6 +109,15 @@ bool ClientWindow::admitEvent()
     return mLiveness != nullptr && mLiveness->admitEvent();
 }
 
+void ClientWindow::endProcess() const
+{
+    const View* const view = std::as_const(mViews).find(mUuid);
+    // A process that has taken over the socket of an ended one keeps that one's number, which may be in use again.
+    if (view != nullptr && view->pid > 1 && processNameOf(view->pid) == mProcessName) {
+        kill(static_cast<pid_t>(view->pid), SIGKILL);
+    }
+}
+
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)
 {
     // A dialog chooses its own size.
@@ -126,8 +141,18 @@ void ClientWindow::sendConfigure()
 {
     if (mConfigureIsDue && mToplevel != nullptr && mXdgSurface->isInitialized() && admitEvent()) {
         mConfigureIsDue = false;
+        mSinceConfigure.start();
         mToplevel->sendConfigure(mSize, mStates);
     }
+}
+
+bool ClientWindow::isSettled() const
+{
+    // The geometry may precede the buffer that it is for.
+    const QRect geometry = windowGeometry();
+    const bool isDrawn = mSurface != nullptr && QRect(QPoint(), mSurface->size()).contains(geometry);
+    return (isDrawn && (mSize.isEmpty() || geometry.size() == mSize))
+        || mSinceConfigure.hasExpired(cSettlingMilliseconds);
 }
 
 void ClientWindow::handleCaughtUp()
@@ -164,17 +189,24 @@ void ClientWindow::map()
     view.size = windowGeometry().size();
     view.isDialog = parentToplevel() != nullptr;
     view.isResponding = isResponding();
-    mViews.add(view);
+    mViews.addWindow(view);
+    if (mLiveness != nullptr) {
+        mLiveness->addWindow();
+    }
 }
 
 void ClientWindow::unmap()
 {
-    if (isMapped()) {
-        mViews.remove(std::exchange(mUuid, QString()));
+    if (!isMapped()) {
+        return;
+    }
+    mViews.remove(std::exchange(mUuid, QString()));
+    if (mLiveness != nullptr) {
+        mLiveness->removeWindow();
     }
 }
 
 QString ClientWindow::appId() const
 {
-    return mToplevel->appId().isEmpty() ? mProcessName : mToplevel->appId();
+    return mToplevel == nullptr || mToplevel->appId().isEmpty() ? mProcessName : mToplevel->appId();
 }

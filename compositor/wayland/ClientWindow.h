@@ -6,6 +6,7 @@
 #include "wayland/XdgSurface.h"
 #include "wayland/XdgToplevel.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
@@ -41,6 +42,8 @@ public:
     {
         return mXdgSurface;
     }
+    /// The process name of a client that sets none.
+    QString appId() const;
     const XdgToplevel* parentToplevel() const;
     const XdgToplevel* toplevel() const
     {
@@ -59,6 +62,12 @@ public:
     /// See ClientLiveness::admitEvent().
     bool admitEvent();
 
+    /// Ends the client's process, which does not respond.
+    void endProcess() const;
+    /// Returns whether the client has drawn the window in the size that it was configured to, or has had the time for
+    /// it.
+    bool isSettled() const;
+
     /// Sends a configure event if the size or the states have changed. Nothing is sent before the client's initial
     /// commit. The event for a client that does not respond is delayed until it does: events that it does not read
     /// would fill its connection.
@@ -68,7 +77,7 @@ Q_SIGNALS:
     void committed();
     /// See ClientLiveness::caughtUp().
     void caughtUp();
-    /// The client has requested a state, or its parent window has changed.
+    /// The client has requested a state, or its parent window or its application has changed.
     void configureRequested();
 
 private:
@@ -77,7 +86,6 @@ private:
     void handleCaughtUp();
     void map();
     void unmap();
-    QString appId() const;
     void sendConfigure();
 
     QPointer<XdgToplevel> mToplevel;
@@ -90,4 +98,5 @@ private:
     QSize mSize;
     QVector<uint32_t> mStates;
     bool mConfigureIsDue = false;
+    QElapsedTimer mSinceConfigure;
 };

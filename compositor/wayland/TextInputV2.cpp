@@ -51,11 +51,11 @@ const void* TextInputV2::requests()
             of(resource)->disable(surface);
         },
         [](wl_client*, wl_resource* resource) {
-            if (of(resource)->isActive()) {
-                Q_EMIT of(resource)->panelRequested();
-            }
+            of(resource)->mWantsPanel = true;
+            of(resource)->requestPanel();
         },
         [](wl_client*, wl_resource* resource) {
+            of(resource)->mWantsPanel = false;
             if (of(resource)->isActive()) {
                 Q_EMIT of(resource)->panelDismissed();
             }
@@ -82,11 +82,22 @@ void TextInputV2::enable(wl_resource* surface)
         Q_EMIT stateChanged();
     });
     Q_EMIT stateChanged();
+    requestPanel();
+}
+
+void TextInputV2::requestPanel()
+{
+    // Qt requests the panel before it enables the text input.
+    if (mWantsPanel && isActive()) {
+        mWantsPanel = false;
+        Q_EMIT panelRequested();
+    }
 }
 
 void TextInputV2::disable(wl_resource* surface)
 {
     if (surface == mSurface) {
+        mWantsPanel = false;
         mSurface = nullptr;
         mSurfaceListener.reset();
         Q_EMIT stateChanged();

@@ -42,10 +42,12 @@ private:
     }
     void enable(wl_resource* surface);
     void disable(wl_resource* surface);
+    void requestPanel();
 
     QWaylandSeat& mSeat;
     /// The surface for which the text input is enabled, which need not have the focus.
     wl_resource* mSurface = nullptr;
     std::unique_ptr<ResourceListener> mSurfaceListener;
     uint32_t mPendingPurpose = 0;
+    bool mWantsPanel = false;
 };

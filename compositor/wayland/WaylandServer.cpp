@@ -31,6 +31,9 @@
 
 #include <QtWaylandCompositor/private/qwaylandoutput_p.h>
 #include <QtWaylandCompositor/private/qwaylandseat_p.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <wayland-server.h>
 
 // This header is not made for QT_NO_KEYWORDS.
@@ -42,6 +45,8 @@ namespace {
 
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
+/// Of clients that wait to be accepted, as libwayland has it.
+constexpr int cLongestQueue = 128;
 
 /// Hides Qt's plugins for client buffers in a GPU's memory. Only shared memory can be painted, and without those
 /// globals that is what clients use.
@@ -129,6 +134,36 @@ void WaylandServer::start(const QByteArray& socketName)
     announceGlobals();
     SharedMemoryImage::announceFormats(display());
     mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
+}
+
+QByteArray WaylandServer::socketPath() const
+{
+    return qgetenv("XDG_RUNTIME_DIR") + '/' + socketName();
+}
+
+void WaylandServer::hangUp()
+{
+    // libwayland has no function that closes a socket before the display is destroyed. Without its file nobody can
+    // connect to it.
+    ::unlink(socketPath().constData());
+    wl_display_destroy_clients(display());
+}
+
+MaybeError WaylandServer::reopen()
+{
+    const QByteArray path = socketPath();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, path.constData(), sizeof(address.sun_path));
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
+        || ::listen(descriptor, cLongestQueue) != 0) {
+        const QString reason = qt_error_string();
+        ::close(descriptor);
+        return Error{QStringLiteral("cannot open the socket %1: %2").arg(QString::fromLocal8Bit(path), reason)};
+    }
+    addSocketDescriptor(descriptor);
+    return {};
 }
 
 QWaylandSeat* WaylandServer::createSeat()

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "wayland/RequestGuard.h"
 
 #include <QHash>
@@ -39,6 +40,10 @@ public:
 
     /// Opens the socket.
     void start(const QByteArray& socketName);
+    /// Removes the socket and disconnects all clients, as if the compositor had ended.
+    void hangUp();
+    /// Opens a socket of the same name again.
+    MaybeError reopen();
     RequestGuard& guard()
     {
         return mGuard;
@@ -69,6 +74,8 @@ private:
     const ClientRecord& recordOf(QWaylandClient* client);
     void announceGlobals();
     void describeOutput();
+    /// Returns the path of the socket.
+    QByteArray socketPath() const;
 
     const Output& mOutput;
     ViewList& mViews;

@@ -10,7 +10,7 @@ log_directory=$project_directory/build/logs
 build_packages=(
     cmake g++ make ninja-build pkg-config
     qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
-    qtbase5-private-dev qtwayland5-private-dev libdbus-1-dev libwayland-dev libxkbcommon-dev
+    qtbase5-private-dev qtwayland5-private-dev libdbus-1-dev libwayland-dev libxcb1-dev libxkbcommon-dev
     wayland-protocols
 )
 session_packages=(
@@ -26,7 +26,7 @@ test_build_packages=(
 )
 test_packages=(
     "${documentation_packages[@]}"
-    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus
+    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus python3-jsonschema
     qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
     zsh
 )

@@ -83,7 +83,7 @@ Result<std::unique_ptr<BusStream>> BusStream::open()
     BusError error;
     DBusConnection* const connection = dbus_bus_get_private(cBus, error.get());
     if (connection == nullptr) {
-        return *error.toMaybeError();
+        return Error{QStringLiteral("cannot connect to the bus: %1").arg(error.toMaybeError()->text)};
     }
     dbus_connection_set_exit_on_disconnect(connection, FALSE);
     return std::unique_ptr<BusStream>(new BusStream(connection));
@@ -136,7 +136,7 @@ MaybeError BusStream::subscribe(const QStringList& rules)
     for (const QString& rule : rules) {
         BusError error;
         dbus_bus_add_match(mConnection, rule.toUtf8().constData(), error.get());
-        if (const MaybeError failure = error.toMaybeError()) {
+        if (MaybeError failure = error.toMaybeError()) {
             return failure;
         }
     }

@@ -5,6 +5,8 @@
 #include "BusMessage.h"
 #include "ServiceInterfaces.h"
 
+#include <TelvaroDBusDefinitions.h>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -14,8 +16,6 @@ namespace {
 
 /// A reply within this time is not late: a service that works needs much less.
 constexpr qint64 cLateMilliseconds = 100;
-
-const QString cProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 
 } // namespace
 
@@ -87,7 +87,7 @@ QVector<QJsonObject> CallLog::finish(qint64 time)
 
 QVector<CallLog::Kind> CallLog::kindsOf(const BusMessage& message)
 {
-    if (message.interface() != cProperties) {
+    if (message.interface() != TelvaroDBusDefinitions::getPropertyInterface()) {
         const ServiceInterface* const interface = ServiceInterface::find(message.interface());
         const bool isKnown = interface != nullptr && interface->path == message.path()
             && interface->methods.contains(message.member())

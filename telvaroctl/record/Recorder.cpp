@@ -20,16 +20,16 @@ constexpr int cMomentMilliseconds = 50;
 /// For how long changes wait for the values that the service has not notified but is asked for.
 constexpr int cPatienceMilliseconds = 2000;
 
-const QString cProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString cBus = QStringLiteral("org.freedesktop.DBus");
 
 QStringList signalRules()
 {
     const QString service = TelvaroDBusDefinitions::getServiceName();
     return {
-        QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'").arg(service, cProperties),
-        QStringLiteral("type='signal',sender='%1',interface='%1',member='NameOwnerChanged',arg0='%2'")
-            .arg(cBus, service),
+        QStringLiteral("type='signal',sender='%1',interface='%2',member='PropertiesChanged'")
+            .arg(service, TelvaroDBusDefinitions::getPropertyInterface()),
+        // dbus-broker does not show this one to a monitor that names its sender.
+        QStringLiteral("type='signal',interface='%1',member='NameOwnerChanged',arg0='%2'").arg(cBus, service),
     };
 }
 
@@ -52,7 +52,13 @@ bool isWholeNumber(const QVariant& value)
         || type == QMetaType::ULongLong;
 }
 
-/// The service accepts nothing else, and so does not a compositor that plays the script.
+bool isKnown(const QString& interface, const QString& property)
+{
+    const ServiceInterface* const known = ServiceInterface::find(interface);
+    return known != nullptr && known->properties.contains(property);
+}
+
+/// Returns whether a compositor that plays the script accepts the value.
 bool canBeSet(const QString& property, const QVariant& value)
 {
     if (property == QLatin1String("orientation")) {
@@ -93,7 +99,7 @@ MaybeError Recorder::start()
                             "recorded: %1")
                  .arg(refusal->text));
         mStream = nullptr;
-        if (const MaybeError error = mSender->subscribe(signalRules())) {
+        if (MaybeError error = mSender->subscribe(signalRules())) {
             return error;
         }
     }
@@ -105,8 +111,8 @@ MaybeError Recorder::start()
     });
     // The timeout of the device goes by its input, which a script does not have.
     mWriter->append({{{QStringLiteral("blanking"), QStringLiteral("scripted")}}}, 0);
-    mClock.start();
     mOwner = mSender->ownerOf(TelvaroDBusDefinitions::getServiceName());
+    mClock.start();
     mState.isThere = !mOwner.isEmpty();
     beginMoment();
     if (mState.isThere) {
@@ -150,10 +156,15 @@ void Recorder::noteMessage(const BusMessage& message)
     } else if (message.member() == QLatin1String("PropertiesChanged")
                && message.signature() == QLatin1String("sa{sv}as") && mState.isThere) {
         const QString interface = arguments.at(0).toString();
-        noteProperties(interface, arguments.at(1).toMap());
+        const QVariantMap changed = arguments.at(1).toMap();
+        for (auto property = changed.cbegin(); property != changed.cend(); ++property) {
+            noteProperty(interface, property.key(), property.value());
+        }
         const QVariantList invalidated = arguments.at(2).toList();
         for (const QVariant& name : invalidated) {
-            read(message.path(), QStringLiteral("Get"), {interface, name.toString()});
+            if (isKnown(interface, name.toString())) {
+                read(message.path(), {interface, name.toString()});
+            }
         }
     }
 }
@@ -181,17 +192,9 @@ void Recorder::noteOwner(const QString& owner)
     }
 }
 
-void Recorder::noteProperties(const QString& interface, const QVariantMap& properties)
-{
-    for (auto property = properties.cbegin(); property != properties.cend(); ++property) {
-        noteProperty(interface, property.key(), property.value());
-    }
-}
-
 void Recorder::noteProperty(const QString& interface, const QString& name, const QVariant& value)
 {
-    const ServiceInterface* const known = ServiceInterface::find(interface);
-    if (known == nullptr || !known->properties.contains(name)) {
+    if (!isKnown(interface, name)) {
         return;
     }
     beginMoment();
@@ -276,18 +279,21 @@ QJsonObject Recorder::toAttributes(const QVariantMap& attributes)
 void Recorder::readAll()
 {
     for (const ServiceInterface& interface : ServiceInterface::all()) {
-        if (!interface.properties.isEmpty()) {
-            read(interface.path, QStringLiteral("GetAll"), {interface.name});
+        const QStringList properties = interface.properties.keys();
+        for (const QString& property : properties) {
+            read(interface.path, {interface.name, property});
         }
     }
 }
 
-void Recorder::read(const QString& path, const QString& member, const QStringList& arguments)
+void Recorder::read(const QString& path, const QStringList& property)
 {
     beginMoment();
     mTimer.start(cPatienceMilliseconds);
-    mReads.insert(mSender->call(TelvaroDBusDefinitions::getServiceName(), path, cProperties, member, arguments),
-                  arguments);
+    mReads.insert(mSender->call(TelvaroDBusDefinitions::getServiceName(), path,
+                                TelvaroDBusDefinitions::getPropertyInterface(),
+                                TelvaroDBusDefinitions::getPropertyMehodGet(), property),
+                  property);
 }
 
 void Recorder::noteReadReply(const BusMessage& message)
@@ -295,14 +301,12 @@ void Recorder::noteReadReply(const BusMessage& message)
     if (!mReads.contains(message.replySerial())) {
         return;
     }
-    const QStringList arguments = mReads.take(message.replySerial());
+    const QStringList property = mReads.take(message.replySerial());
     const QVariant value = message.arguments().value(0);
     if (message.type() == BusMessage::Type::Error) {
-        warn(QStringLiteral("%1 cannot be read: %2").arg(arguments.join(QLatin1Char('.')), value.toString()));
-    } else if (arguments.size() > 1) {
-        noteProperty(arguments.at(0), arguments.at(1), value);
+        warn(QStringLiteral("%1 cannot be read: %2").arg(property.join(QLatin1Char('.')), value.toString()));
     } else {
-        noteProperties(arguments.at(0), value.toMap());
+        noteProperty(property.at(0), property.at(1), value);
     }
     if (mReads.isEmpty()) {
         mTimer.start(cMomentMilliseconds);

@@ -45,14 +45,14 @@ Q_SIGNALS:
 private:
     void noteMessage(const BusMessage& message);
     void noteOwner(const QString& owner);
-    void noteProperties(const QString& interface, const QVariantMap& properties);
     void noteProperty(const QString& interface, const QString& name, const QVariant& value);
     void noteViews(const QVariantList& records);
     std::optional<QJsonObject> toView(const QVariant& record);
     QJsonObject toAttributes(const QVariantMap& attributes);
 
     void readAll();
-    void read(const QString& path, const QString& member, const QStringList& arguments);
+    /// `property` is the interface and the name.
+    void read(const QString& path, const QStringList& property);
     void noteReadReply(const BusMessage& message);
 
     /// Begins a moment, if there is none: changes that follow each other closely become one.
@@ -75,7 +75,7 @@ private:
     ServiceState mWritten;
     ServiceState mState;
     QString mOwner;
-    /// The arguments of the reads that wait for a reply, by their serials.
+    /// The properties whose values are waited for, by the serials of the calls.
     QHash<quint32, QStringList> mReads;
 
     QElapsedTimer mClock;

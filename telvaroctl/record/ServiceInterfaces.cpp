@@ -48,7 +48,7 @@ const QVector<ServiceInterface>& ServiceInterface::all()
 {
     static const QVector<ServiceInterface> interfaces = [] {
         QVector<ServiceInterface> found;
-        const QDir directory(QStringLiteral(":/dbus"));
+        const QDir directory(QStringLiteral(":/interfaces"));
         const QStringList names = directory.entryList();
         for (const QString& name : names) {
             found.append(readFile(directory.filePath(name)));

@@ -5,6 +5,7 @@
 #include "InterfaceFiles.h"
 #include "TestMain.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDBusReply>
@@ -91,6 +92,15 @@ QString pathOf(const QString& interface)
                                                       : QLatin1Char('/') + interface.section(QLatin1Char('.'), -1);
 }
 
+/// The state of a process in the kernel's letters.
+char stateOf(qint64 process)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    file.open(QIODevice::ReadOnly);
+    const QByteArray content = file.readAll();
+    return content.mid(content.lastIndexOf(')') + 2, 1).at(0);
+}
+
 } // namespace
 
 class CompositorScriptTest : public CompositorFixture
@@ -115,6 +125,10 @@ private Q_SLOTS:
     void stepsOfOneTimeAreTakenInTheirOrder();
     void aStepWaitsForAsManyCallsAsItSays();
     void aStepWaitsForTheViewOfAnApplication();
+    void aStepWaitsForATitle();
+    void aStepWaitsUntilAViewIsTheCurrentOne();
+    void aStepWaitsForTheEndOfAView();
+    void aStepWaitsUntilAViewDoesNotRespond();
     void theTimeOfAStepThatWaitsBeginsWithTheEvent();
     void whatTheScriptItselfCallsIsNoEventAndMeetsNoFault();
     void everyMemberOfTheInterfacesCanFail();
@@ -133,6 +147,14 @@ private Q_SLOTS:
     void aSilentCallIsNeverAnswered();
     void theServiceGoesAndComesBack();
     void aFrozenCompositorAnswersWhenItHasThawed();
+    void aHangingViewDoesNotRespond();
+    void aHangingApplicationIsStopped();
+    void aFrozenCompositorDoesNotBlameTheApplications();
+    void aStoppedApplicationRunsOnAfterTheCompositorsEnd();
+    void aRestartLosesClientsAndTheService();
+    void theEndHasItsStatus_data();
+    void theEndHasItsStatus();
+    void buttonsArePressedWhenTheirViewIsThere();
     void aStepThatCannotBeTakenEndsTheCompositor_data();
     void aStepThatCannotBeTakenEndsTheCompositor();
 
@@ -516,6 +538,62 @@ void CompositorScriptTest::aStepWaitsForTheViewOfAnApplication()
     QCOMPARE(CompositorBus::views().last().info1, QStringLiteral("Answer"));
 }
 
+void CompositorScriptTest::aStepWaitsForATitle()
+{
+    play(R"([
+        {"after": {"view": "org.example.App", "title": "Saved"}, "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"after": {"view": "org.example.App", "title": "Saved", "times": 2},
+         "set": {"de.Telvaro.screen.orientation": "180"}}
+    ])");
+    const auto client = testClient();
+    client->send("open org.example.App New");
+    client->waitFor("activated 1");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    client->send("title 1 Saved");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
+    client->send("title 1 Saved again");
+    client->send("title 1 Saved");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("180")));
+}
+
+void CompositorScriptTest::aStepWaitsUntilAViewIsTheCurrentOne()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "first", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "second", "pid": 1}},
+        {"after": {"current": "first", "times": 2}, "set": {"de.Telvaro.screen.orientation": "90"}}
+    ])");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       QStringLiteral("one"));
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::aStepWaitsForTheEndOfAView()
+{
+    play(R"([{"after": {"gone": "org.example.App"}, "set": {"de.Telvaro.screen.orientation": "90"}}])");
+    const auto client = testClient();
+    client->send("open org.example.App Window");
+    client->waitFor("activated 1");
+    client->send("title 1 Other");
+    TRY_COMPARE(CompositorBus::views().first().info1, QStringLiteral("Other"));
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    client->send("close 1");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::aStepWaitsUntilAViewDoesNotRespond()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"after": {"unresponsive": "app"}, "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app"}}
+    ])");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
+}
+
 void CompositorScriptTest::theTimeOfAStepThatWaitsBeginsWithTheEvent()
 {
     play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Show"}, "at": 0.3,
@@ -832,6 +910,142 @@ void CompositorScriptTest::aFrozenCompositorAnswersWhenItHasThawed()
     QVERIFY2(timer.elapsed() >= 599, qPrintable(QString::number(timer.elapsed())));
 }
 
+void CompositorScriptTest::aHangingViewDoesNotRespond()
+{
+    // The process with the view's number is not the script's.
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": )"
+         + QByteArray::number(QCoreApplication::applicationPid()) + R"(}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app", "seconds": 0.3}}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    TRY_COMPARE(CompositorBus::views().first().info3, QStringLiteral("current unresponsive"));
+    TRY_COMPARE(CompositorBus::views().first().info3, QStringLiteral("current"));
+}
+
+void CompositorScriptTest::aFrozenCompositorDoesNotBlameTheApplications()
+{
+    play(R"([
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "freeze": 4.5},
+        {"after": {"unresponsive": "app"}, "end": 1}
+    ])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("activated 1");
+    showOverlay();
+    // The first calls may be handled before the client's pong is.
+    for (int i = 0; i < 10; ++i) {
+        QCOMPARE(CompositorBus::views().first().info3, QStringLiteral("current"));
+    }
+}
+
+void CompositorScriptTest::aHangingApplicationIsStopped()
+{
+    play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app", "seconds": 0.3}}])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("activated 1");
+    QElapsedTimer timer;
+    timer.start();
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    CompositorBus::currentView();
+    TRY_COMPARE(stateOf(client->processId()), 'T');
+    client->send("ping");
+    client->waitFor("pong");
+    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+}
+
+void CompositorScriptTest::aStoppedApplicationRunsOnAfterTheCompositorsEnd()
+{
+    play(R"([{"after": {"current": "app"}, "hang": {"view": "app"}}])");
+    const auto client = protocolClient();
+    client->send("open app Window");
+    TRY_COMPARE(stateOf(client->processId()), 'T');
+    QCOMPARE(mCompositor->end(), 0);
+    client->waitFor("disconnected");
+    // The cleanup expects a running compositor.
+    mCompositor = std::make_unique<CompositorProcess>();
+    play("[]");
+}
+
+void CompositorScriptTest::aRestartLosesClientsAndTheService()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "script", "pid": 1}},
+        {"call": {"org.freedesktop.Notifications.Notify": ["", 0, "", "Mail", "", [], {}, 0]}},
+        {"call": {"de.Telvaro.globaloverlay.Show": ["text"]}},
+        {"after": {"current": "app"}, "restart": 0.5},
+        {"after": {"current": "app", "times": 2}, "set": {"de.Telvaro.screen.orientation": "90"}}
+    ])");
+    // Reads the properties that have changed, which the service does not live to see.
+    mMonitor.reset();
+    const QString service = QStringLiteral(TELVARO_SERVICE_NAME);
+    const QString socket = mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display();
+    QDBusServiceWatcher watcher(service, PrivateBus::connection());
+    const QSignalSpy gone(&watcher, &QDBusServiceWatcher::serviceUnregistered);
+    const QSignalSpy back(&watcher, &QDBusServiceWatcher::serviceRegistered);
+
+    const auto client = protocolClient();
+    client->send("open app Window");
+    client->waitFor("disconnected");
+    QVERIFY(!QFile::exists(socket));
+    TRY_COMPARE(gone.count(), 1);
+    TRY_COMPARE(back.count(), 1);
+    TRY_VERIFY(QFile::exists(socket));
+    TRY_VERIFY(isOwned(cNotificationName));
+    QCOMPARE(CompositorBus::views().size(), 0);
+    QCOMPARE(CompositorBus::currentView(), QString());
+    QCOMPARE(CompositorBus::call(CompositorBus::cNotificationsPath, CompositorBus::cNotifications,
+                                 QStringLiteral("CloseNotification"), {1U})
+                 .type(),
+             QDBusMessage::ErrorMessage);
+
+    const auto other = testClient();
+    other->send("open app Window");
+    other->waitFor("activated 1");
+    QCOMPARE(CompositorBus::views().size(), 1);
+    TRY_COMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::theEndHasItsStatus_data()
+{
+    QTest::addColumn<QByteArray>("steps");
+    QTest::addColumn<int>("status");
+    QTest::newRow("at once") << QByteArray(R"([{"end": 3}])") << 3;
+    QTest::newRow("later") << QByteArray(R"([{"at": 0.05, "end": 255}])") << 255;
+    QTest::newRow("success") << QByteArray(R"([{"at": 0.05, "end": 0}])") << 0;
+}
+
+void CompositorScriptTest::theEndHasItsStatus()
+{
+    QFETCH(QByteArray, steps);
+    QFETCH(int, status);
+    write(steps);
+    CompositorProcess compositor;
+    QCOMPARE(compositor.runToEnd({QStringLiteral("--script"), scriptFile()}), status);
+    QCOMPARE(compositor.errors(), QByteArray());
+    QVERIFY(compositor.output().endsWith("\nEXIT_STATUS=" + QByteArray::number(status) + '\n'));
+    QCOMPARE(compositor.sockets(), QStringList());
+    // The cleanup expects a running compositor.
+    play("[]");
+}
+
+void CompositorScriptTest::buttonsArePressedWhenTheirViewIsThere()
+{
+    play(R"([
+        {"after": {"current": "app"}, "click": {"x": 300, "y": 200, "in": "view"}},
+        {"after": {"current": "app"}, "type": "Hi"},
+        {"after": {"current": "app"}, "key": "Shift+x"}
+    ])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("press 1 300,200");
+    client->waitFor("release 1 300,200");
+    client->waitFor("keypress 1 H");
+    client->waitFor("keypress 1 i");
+    client->waitFor("keypress 1 X");
+}
+
 void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
 {
     QTest::addColumn<QByteArray>("action");
@@ -855,6 +1069,10 @@ void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
     QTest::newRow("screen saver that is disabled")
         << QByteArray(R"("set": {"de.Telvaro.screen.screenSaverActive": true})")
         << QByteArray("the screen saver is disabled");
+    QTest::newRow("application without a view to hang")
+        << QByteArray(R"("hang": {"view": "nobody"})") << QByteArray("there is no view of the application \"nobody\"");
+    QTest::newRow("tap outside") << QByteArray(R"("tap": {"x": 5000, "y": 1})")
+                                 << QByteArray("the position 5000,1 is outside of the output, whose size is 1024x600");
     QTest::newRow("method that fails") << QByteArray(
         R"("call": {"de.Telvaro.screenshot.ScreenShot": ["/proc/no/such/directory"]})")
                                        << QByteArray();

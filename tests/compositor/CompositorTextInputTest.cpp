@@ -70,6 +70,7 @@ private Q_SLOTS:
     void shiftIsForOneLetterAndTwiceForMore();
     void theKeyboardHasDigitsAndSymbols();
     void aNumericFieldStartsWithDigits();
+    void thePanelMayBeRequestedBeforeTheFieldIsEnabled();
     void otherKeysAreKeys();
     void twoThumbsLoseNothing();
     void theKeyboardFollowsTheLayout();
@@ -293,6 +294,22 @@ void CompositorTextInputTest::aNumericFieldStartsWithDigits()
     enable(field);
     tap(cW);
     TRY_COMPARE(text(field), QStringLiteral("2"));
+    // The next field is for all characters.
+    field.client->send(WireMessage(field.input, cSetContentTypeV2).number(0U).number(0U));
+    field.client->send(WireMessage(field.input, cUpdateStateV2).number(0U).number(3U));
+    field.client->synchronise();
+    tap(cW);
+    TRY_COMPARE(text(field), QStringLiteral("2w"));
+}
+
+void CompositorTextInputTest::thePanelMayBeRequestedBeforeTheFieldIsEnabled()
+{
+    Field field = openField(false);
+    tapView(field);
+    field.client->send(WireMessage(field.input, cShowPanelV2));
+    QCOMPARE(height(field), cWhole);
+    field.client->send(WireMessage(field.input, cEnableV2).number(field.window.surface));
+    TRY_COMPARE(height(field), cBesideKeyboard);
 }
 
 void CompositorTextInputTest::otherKeysAreKeys()

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void aClientWithoutTouchGetsThePointer();
     void aFingerOpensTheMenuAndSwitches();
     void aFingerClosesACard();
+    void aFingerReachesTheViewBelowTheOverlay();
     void aSwitchOfViewsCancelsTheFingers();
     void theScreenSaverTakesTheFinger();
     void aFingerThatEndsTheScreenSaverDoesNothingElse();
@@ -175,6 +176,16 @@ void CompositorTouchTest::aFingerClosesACard()
     put({{1, {700, 60}}});
     put({});
     QCOMPARE(notifications.waitForEvent(), QStringLiteral("closed %1 2").arg(id));
+}
+
+void CompositorTouchTest::aFingerReachesTheViewBelowTheOverlay()
+{
+    View view = openView("Window");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"),
+                               {QStringLiteral("Please wait")});
+    put({{1, {512, 300}}});
+    put({});
+    TRY_COMPARE(opcodes(view), QVector<quint16>({cDown, cFrame, cUp, cFrame}));
 }
 
 void CompositorTouchTest::aSwitchOfViewsCancelsTheFingers()

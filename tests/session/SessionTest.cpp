@@ -136,6 +136,12 @@ private Q_SLOTS:
     void theScriptIsPlayedWhenTheCommandBegins();
     void aScriptThatIsWrongIsWrongUsage();
     void aStepThatCannotBeTakenEndsTheSession();
+    void aScriptEndsTheSessionWithItsStatus();
+    void theToolTapsAndTypes();
+    void theToolSaysWhatItCannotDo_data();
+    void theToolSaysWhatItCannotDo();
+    void theToolTakesStepsOfAScript();
+    void theToolTakesNoStepsOfAServiceThatHasNone();
     void theSizeIsTheOutputs();
     void theCompositorsOtherOptionsArePassedOn();
     void nothingIsLeftBehind();
@@ -329,10 +335,112 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
              qPrintable(result.errors));
 }
 
+void SessionTest::aScriptEndsTheSessionWithItsStatus()
+{
+    for (const int status : {0, 3}) {
+        const Result result = session({QStringLiteral("--headless"), QStringLiteral("--script"),
+                                       script("[{\"at\": 0.1, \"end\": " + QByteArray::number(status) + "}]"),
+                                       QStringLiteral("sleep"), QStringLiteral("1000")});
+        QCOMPARE(result.status, status);
+        QCOMPARE(result.errors, QString());
+    }
+}
+
+void SessionTest::theToolTapsAndTypes()
+{
+    ChildProcess process;
+    start(process,
+          QStringList{QStringLiteral("--headless")}
+              + shell("set -e; PATH=" TELVARO_PROGRAMS ":$PATH; {"
+                      "  echo open app Window; telvaroctl wait --app app --current --timeout 20;"
+                      "  telvaroctl tap 300 334; telvaroctl tap --view --seconds 0.1 310 300;"
+                      "  telvaroctl click 320 334; telvaroctl click --button right --view 330 300;"
+                      "  telvaroctl drag 340 334 440 434; telvaroctl drag --pointer --seconds 0.1 350 334 450 434;"
+                      "  telvaroctl scroll 300 300 down 2; telvaroctl scroll 300 300 up;"
+                      "  telvaroctl type Hi; telvaroctl key Shift+x; telvaroctl key --press Shift; telvaroctl key y;"
+                      "  telvaroctl key --release Shift; telvaroctl key --seconds 0.1 z; sleep 1000;"
+                      "} | exec " TELVARO_TEST_CLIENT));
+    for (const char* const expected :
+         {"press 1 300,300", "release 1 300,300", "press 1 310,300", "press 1 320,300", "press 1 330,300",
+          "press 1 340,300", "release 1 440,400", "press 1 350,300", "release 1 450,400", "wheel 1 -240", "wheel 1 120",
+          "keypress 1 H", "keypress 1 i", "keypress 1 X", "keypress 1 Y", "keypress 1 z", "keyrelease 1 z"}) {
+        while (process.readOutputLine() != expected) { }
+    }
+    process.terminate();
+    finish(process);
+}
+
+void SessionTest::theToolSaysWhatItCannotDo_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<int>("status");
+    const QString outside = QStringLiteral("the position %1 is outside of the output, whose size is 1024x600");
+    QTest::newRow("tap") << QStringLiteral("tap 2000 1") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("click") << QStringLiteral("click 1 2000") << outside.arg(QStringLiteral("1,2000")) << 1;
+    QTest::newRow("drag") << QStringLiteral("drag 2000 1 2 3") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("scroll") << QStringLiteral("scroll 2000 1 left") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("no view") << QStringLiteral("tap --view 1 1")
+                             << QStringLiteral("there is no current view with a window") << 1;
+    QTest::newRow("text") << QString::fromUtf8("type é")
+                          << QString::fromUtf8("the step, \"type\": the keyboard layout has no key for \"é\"") << 1;
+    QTest::newRow("key") << QStringLiteral("key Any")
+                         << QStringLiteral("the step, \"key\": the keyboard layout has no key \"Any\"") << 1;
+    QTest::newRow("step") << QStringLiteral("step {}") << QStringLiteral("the step: one of ") << 1;
+    QTest::newRow("word for a number") << QStringLiteral("tap one 1") << QStringLiteral("'one' is not a number") << 2;
+    QTest::newRow("word for a time") << QStringLiteral("tap --seconds one 1 1")
+                                     << QStringLiteral("'one' is not a number") << 2;
+    QTest::newRow("too few numbers") << QStringLiteral("drag 1 2 3") << QStringLiteral("Y2 is missing") << 2;
+    QTest::newRow("two ways") << QStringLiteral("key --press --release a")
+                              << QStringLiteral("expected only one of --press, --release and --seconds") << 2;
+    QTest::newRow("no steps") << QStringLiteral("scroll 1 1 up 0")
+                              << QStringLiteral("'0' is not a number from 1 to 1000") << 2;
+}
+
+void SessionTest::theToolSaysWhatItCannotDo()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, reason);
+    QFETCH(int, status);
+    const Result result =
+        inSession(QStringList{QStringLiteral(TELVARO_PROGRAMS "/telvaroctl")} + arguments.split(QLatin1Char(' ')));
+    QVERIFY2(result.errors.startsWith(QStringLiteral("telvaroctl: ") + reason), qPrintable(result.errors));
+    QCOMPARE(result.status, status);
+    QCOMPARE(result.output, QString());
+}
+
+void SessionTest::theToolTakesStepsOfAScript()
+{
+    const Result result =
+        inSession(shell("PATH=" TELVARO_PROGRAMS ":$PATH; set -e;"
+                        "telvaroctl step '{\"add-view\": {\"uuid\": \"one\", \"appId\": \"app\", \"pid\": 1}}';"
+                        "telvaroctl switch one; telvaroctl key Ctrl+Alt+R; telvaroctl orientation;"
+                        "telvaroctl step '{\"end\": 4}'; sleep 1000"));
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, QStringLiteral("90\n"));
+    QCOMPARE(result.status, 4);
+}
+
+void SessionTest::theToolTakesNoStepsOfAServiceThatHasNone()
+{
+    // A compositor without the option, on the bus of a session whose own has left.
+    const Result result = inSession(
+        shell("PATH=" TELVARO_PROGRAMS ":$PATH; telvaroctl step '{\"service\": \"gone\"}'; telvaroctl key F1;"
+              "QT_QPA_PLATFORM=offscreen telvaro-compositor --socket other > /dev/null & telvaroctl wait --service;"
+              "telvaroctl key F1"));
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaroctl: the service de.Telvaro is not on the bus\n"
+                       "telvaroctl: the service takes no steps: it is not the compositor of a telvaro-session, nor "
+                       "one with --remote-control\n"));
+    QCOMPARE(result.status, 1);
+}
+
 void SessionTest::theCompositorsOtherOptionsArePassedOn()
 {
-    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--touch"), QStringLiteral("--turn-window"),
-                              QStringLiteral("--keyboard-layout")};
+    const QStringList options{QStringLiteral("--headless"),    QStringLiteral("--touch"),
+                              QStringLiteral("--turn-window"), QStringLiteral("--panel"),
+                              QStringLiteral("bar:left:80"),   QStringLiteral("--keyboard-layout")};
     const Result done = session(options + QStringList{QStringLiteral("de(nodeadkeys)"), QStringLiteral("true")});
     QCOMPARE(done.errors, QString());
     QCOMPARE(done.status, 0);
@@ -543,9 +651,10 @@ void SessionTest::aMachineWithoutTheManifestIsSaid()
                 {QStringLiteral("--headless"), QStringLiteral("true")});
     const Result result = finish(process);
     QCOMPARE(result.status, 0);
-    QCOMPARE(result.errors,
-             QStringLiteral("telvaro-session: the library does nothing on this machine: device-manifest.json does not "
-                            "hold {\"productCode\": \"481936\"}\n"));
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaro-session: the library does nothing on this machine: its manifest device-manifest.json "
+                       "does not exist; it must hold {\"productCode\": \"481936\"}\n"));
 }
 
 void SessionTest::aCompositorThatDiesEndsTheSession()

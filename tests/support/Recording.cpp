@@ -12,12 +12,16 @@
 Recording::Recording(const QString& telvaroctl, const QStringList& options)
 {
     mProcess.setProcessChannelMode(QProcess::SeparateChannels);
-    mProcess.run(telvaroctl, QStringList{QStringLiteral("record")} + options + QStringList{fileName()});
+    const QString limit = QString::number(ChildProcess::cDeadline / 1000);
+    mProcess.run(telvaroctl,
+                 QStringList{QStringLiteral("record"), QStringLiteral("--timeout"), limit} + options
+                     + QStringList{fileName()});
     mProcess.setReadChannel(QProcess::StandardError);
-    QByteArray line;
-    do {
+    QByteArray line = mProcess.readOutputLine();
+    while (line != "telvaroctl: recording " TELVARO_SERVICE_NAME) {
+        mWarnings.append(line);
         line = mProcess.readOutputLine();
-    } while (line != "telvaroctl: recording " TELVARO_SERVICE_NAME);
+    }
 }
 
 QByteArray Recording::content() const

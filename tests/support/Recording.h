@@ -4,6 +4,7 @@
 
 #include "ChildProcess.h"
 
+#include <QByteArrayList>
 #include <QJsonArray>
 #include <QString>
 #include <QStringList>
@@ -33,10 +34,16 @@ public:
     {
         return mProcess;
     }
-    /// What it has printed to standard error since it records.
+    /// The lines on standard error before it has recorded.
+    QByteArrayList warnings() const
+    {
+        return mWarnings;
+    }
+    /// What it has printed to standard error since.
     QString errors();
 
 private:
     QTemporaryDir mDirectory;
     ChildProcess mProcess;
+    QByteArrayList mWarnings;
 };
