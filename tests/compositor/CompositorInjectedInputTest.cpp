@@ -117,7 +117,7 @@ std::unique_ptr<WireClient> CompositorInjectedInputTest::openWire(quint16 reques
     *device = client->newId();
     client->send(WireMessage(seat, request).number(*device));
     const WireClient::Window window = client->createWindow();
-    client->commit(window.surface);
+    client->configure(window.surface, window.xdgSurface);
     client->attach(window.surface, client->createBuffer(cWorkArea));
     client->damage(window.surface, QRect(QPoint(), cWorkArea));
     client->commit(window.surface);
