@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
 #include "CompositorFixture.h"
+#include "ProcessMemory.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void aClientThatTakesItsMemoryAwayHarmsOnlyItself();
     void aClientThatDiesWhileItDraws();
     void clientsThatComeAndGoLeaveNothingBehind();
+    void theMemoryOfACrowdIsReturned();
     void garbageOnTheSocket();
     void aConnectionThatSaysNothing();
     void surfacesInACircle();
@@ -203,6 +205,37 @@ void CompositorRobustnessTest::clientsThatComeAndGoLeaveNothingBehind()
     QCOMPARE(mCompositor->descriptorCount(), openBefore);
     const qint64 growth = mCompositor->residentMemory() - memoryBefore;
     QVERIFY2(growth < 4 * 1024 * 1024, qPrintable(QString::number(growth)));
+}
+
+void CompositorRobustnessTest::theMemoryOfACrowdIsReturned()
+{
+    constexpr int count = 50;
+    // What the first client and the first picture load stays.
+    {
+        const auto client = testClient();
+        client->send("open a First");
+        TRY_COMPARE(CompositorBus::views().size(), 1);
+        screenShot();
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+    const qint64 idle = mCompositor->anonymousMemory();
+    {
+        std::vector<std::unique_ptr<LineClient>> crowd;
+        for (int i = 0; i < count; ++i) {
+            crowd.push_back(testClient());
+            crowd.back()->send("open a Guest");
+        }
+        TRY_COMPARE(CompositorBus::views().size(), count);
+        for (const CompositorBus::View& view : CompositorBus::views()) {
+            CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher,
+                               QStringLiteral("currentView"), view.uuid);
+            screenShot();
+        }
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+    if (ProcessMemory::isMeaningful()) {
+        TRY_VERIFY(mCompositor->anonymousMemory() - idle <= 8 * 1024 * 1024);
+    }
 }
 
 void CompositorRobustnessTest::garbageOnTheSocket()
