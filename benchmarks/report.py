@@ -102,7 +102,7 @@ APPLICATION_TITLES = {
     "sdbus-notified": "sd-bus, values of the signals",
 }
 APPLICATION_ROWS = [
-    ("times", "start", "start, until the list stands", None),
+    ("times", "start", "start, until the list is complete", None),
     ("times", "title", "a title, until shown", 0.80),
     ("times", "switch", "a switch, until list and current view are shown", 0.35),
     ("times", "switch held", "a switch: time that the event loop is held", 0.25),

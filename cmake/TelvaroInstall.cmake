@@ -20,16 +20,6 @@ function(telvaro_install_library target)
         DESTINATION "${TELVARO_CMAKE_PACKAGE_DIRECTORY}"
         COMPONENT Development)
 
-    set(pkgconfig_directory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-    # The prefix in the pkg-config file is relative to the file, so that the installation can be moved, unless the library
-    # directory is absolute.
-    if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
-        set(pkgconfig_prefix "${CMAKE_INSTALL_PREFIX}")
-    else()
-        file(RELATIVE_PATH pkgconfig_prefix
-            "${CMAKE_INSTALL_PREFIX}/${pkgconfig_directory}" "${CMAKE_INSTALL_PREFIX}")
-        string(REGEX REPLACE "/$" "" pkgconfig_prefix "\${pcfiledir}/${pkgconfig_prefix}")
-    endif()
     foreach(kind IN ITEMS LIB INCLUDE)
         if(IS_ABSOLUTE "${CMAKE_INSTALL_${kind}DIR}")
             set(pkgconfig_${kind}DIR "${CMAKE_INSTALL_${kind}DIR}")
@@ -37,8 +27,14 @@ function(telvaro_install_library target)
             set(pkgconfig_${kind}DIR "\${prefix}/${CMAKE_INSTALL_${kind}DIR}")
         endif()
     endforeach()
-    configure_file("${PROJECT_SOURCE_DIR}/cmake/${target}.pc.in" "${PROJECT_BINARY_DIR}/${target}.pc" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/${target}.pc"
-        DESTINATION "${pkgconfig_directory}"
+    # The prefix is known when the file is installed: cmake --install has an option for it.
+    set(pkgconfig_prefix "@CMAKE_INSTALL_PREFIX@")
+    set(template "${PROJECT_BINARY_DIR}/${target}.pc.in")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/${target}.pc.in" "${template}" @ONLY)
+    string(REPLACE "\${prefix}" "\${CMAKE_INSTALL_PREFIX}" destination "${pkgconfig_LIBDIR}/pkgconfig")
+    install(CODE "
+        string(MD5 place \"\${CMAKE_INSTALL_PREFIX}\")
+        configure_file(\"${template}\" \"${PROJECT_BINARY_DIR}/pkgconfig/\${place}/${target}.pc\" @ONLY)
+        file(INSTALL \"${PROJECT_BINARY_DIR}/pkgconfig/\${place}/${target}.pc\" DESTINATION \"${destination}\" TYPE FILE)"
         COMPONENT Development)
 endfunction()

@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include "Printable.h"
+#include "Suggestion.h"
 
 #include <QTextStream>
 
@@ -43,7 +44,7 @@ CommandLine::CommandLine(Kind kind, const Text& text, const QList<QCommandLineOp
 std::optional<ExitStatus> CommandLine::parse(const QStringList& arguments)
 {
     if (!mParser.parse(QStringList(mText.command) + arguments)) {
-        return refuse(mText.command, mParser.errorText());
+        return refuse(mText.command, problem());
     }
     if (mParser.isSet(cHelp)) {
         QTextStream(stdout) << helpText();
@@ -64,19 +65,38 @@ ExitStatus CommandLine::refuse(const QString& command, const QString& message)
     return Usage;
 }
 
+QString CommandLine::problem() const
+{
+    QString text = mParser.errorText();
+    const QStringList unknown = mParser.unknownOptionNames();
+    if (unknown.isEmpty()) {
+        return text;
+    }
+    QStringList names;
+    for (const QCommandLineOption& option : mOptions) {
+        names.append(QStringLiteral("--") + option.names().constLast());
+    }
+    const QString question = Suggestion::question(QStringLiteral("--") + unknown.constFirst(), names);
+    return question.isEmpty() ? text : text.chopped(1) + question;
+}
+
 QString CommandLine::helpText() const
 {
+    // Longer ones have a line of their own.
+    const int longest = 32;
     int width = 0;
     for (const QCommandLineOption& option : mOptions) {
-        width = std::max(width, syntaxOf(option).size());
+        const int size = syntaxOf(option).size();
+        width = std::max(width, size > longest ? 0 : size);
     }
     QString text =
         QStringLiteral("Usage: %1 %2\n\n%3\n\nOptions:\n").arg(mText.command, mText.synopsis, mText.description);
     const QString nextLine = QLatin1Char('\n') + QString(width + 4, QLatin1Char(' '));
     for (const QCommandLineOption& option : mOptions) {
-        text +=
-            QStringLiteral("  %1  %2\n")
-                .arg(syntaxOf(option).leftJustified(width), option.description().replace(QLatin1Char('\n'), nextLine));
+        const QString syntax = syntaxOf(option);
+        text += QStringLiteral("  %1%2%3\n")
+                    .arg(syntax.leftJustified(width), syntax.size() > width ? nextLine : QStringLiteral("  "),
+                         option.description().replace(QLatin1Char('\n'), nextLine));
     }
     return mText.notes.isEmpty() ? text : text + QLatin1Char('\n') + mText.notes + QLatin1Char('\n');
 }

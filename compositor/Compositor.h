@@ -6,6 +6,7 @@
 #include "Result.h"
 #include "bus/BusService.h"
 #include "bus/CallGate.h"
+#include "bus/DeskObject.h"
 #include "bus/GlobalOverlayObject.h"
 #include "bus/NotificationsObject.h"
 #include "bus/ScreenObject.h"
@@ -14,14 +15,19 @@
 #include "script/ScriptPlayer.h"
 #include "shell/Background.h"
 #include "shell/DeskCommands.h"
+#include "shell/DragImage.h"
+#include "shell/InputInjector.h"
+#include "shell/Keymap.h"
 #include "shell/Menu.h"
 #include "shell/NotificationCards.h"
+#include "shell/OnScreenKeyboard.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
 #include "shell/ScanCodeCompleter.h"
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/StatusBar.h"
+#include "shell/TextEntry.h"
 #include "shell/TouchInput.h"
 #include "shell/WindowStack.h"
 #include "state/NotificationCenter.h"
@@ -56,6 +62,10 @@ public:
 
 private:
     MaybeError publishObjects();
+    /// Gives the panel its strip of the output when it appears.
+    void placePanel();
+    /// Disconnects the clients, and forgets what they and other programs have made the compositor show.
+    void hangUp();
     /// Stores a screenshot among the person's pictures and posts a notification about it.
     void takeScreenShot();
 
@@ -70,15 +80,20 @@ private:
     Background mBackground;
     WindowStack mWindowStack;
     StatusBar mStatusBar;
+    OnScreenKeyboard mKeyboard;
     NotificationCards mNotificationCards;
     DeskCommands mCommands;
     Menu mMenu;
+    DragImage mDragImage;
     OverlayPanel mOverlayPanel;
     OutputWindow mWindow;
 
+    const Keymap mKeymap;
     WaylandServer mServer;
+    InputInjector mInputInjector;
     std::unique_ptr<SeatInput> mSeatInput;
     std::unique_ptr<TouchInput> mTouchInput;
+    std::unique_ptr<TextEntry> mTextEntry;
     std::unique_ptr<ScanCodeCompleter> mScanCodeCompleter;
 
     CallGate mCallGate;
@@ -87,6 +102,7 @@ private:
     GlobalOverlayObject mGlobalOverlayObject;
     ScreenShotObject mScreenShotObject;
     NotificationsObject mNotificationsObject;
+    DeskObject mDeskObject;
     BusService mBusService;
     ScriptPlayer mScriptPlayer;
 };

@@ -7,6 +7,7 @@
 #include "state/Limits.h"
 
 #include <QCommandLineParser>
+#include <QHash>
 #include <QRegularExpression>
 
 namespace {
@@ -49,10 +50,27 @@ Result<int> readSeconds(const QString& text)
     return seconds;
 }
 
+Result<Options::Panel> readPanel(const QString& text)
+{
+    static const QHash<QString, Qt::Edge> edges{{QString(), Qt::BottomEdge},
+                                                {QStringLiteral("bottom"), Qt::BottomEdge},
+                                                {QStringLiteral("top"), Qt::TopEdge},
+                                                {QStringLiteral("left"), Qt::LeftEdge},
+                                                {QStringLiteral("right"), Qt::RightEdge}};
+    static const QRegularExpression pattern(
+        QStringLiteral("^([^:]+)(?::(bottom|top|left|right)(?::([1-9][0-9]{0,3}))?)?$"));
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch()) {
+        return Error{QStringLiteral("\"%1\" is not a panel: APPID[:EDGE[:SIZE]] is expected, with an edge of bottom, "
+                                    "top, left and right and a size from 1 to 9999")
+                         .arg(text)};
+    }
+    return Options::Panel{match.captured(1), edges.value(match.captured(2)), match.captured(3).toInt()};
+}
+
 /// Stores the option's value, converted by `read`, in `target` if the option is given.
-template <typename Value>
-MaybeError assign(const QCommandLineParser& parser, const QString& option, Result<Value> (*read)(const QString&),
-                  Value* target)
+template <typename Value, typename Read>
+MaybeError assign(const QCommandLineParser& parser, const QString& option, const Read& read, Value* target)
 {
     if (!parser.isSet(option)) {
         return {};
@@ -74,7 +92,9 @@ QList<QCommandLineOption> Options::declarations()
                 QStringLiteral(
                     "Name of the Wayland socket; by default the first free one\nof wayland-1, wayland-2, ..."),
                 QStringLiteral("NAME")},
-               {cFullScreenWindow, QStringLiteral("Fills the desktop's screen, whatever its size.")}}
+               {cFullScreenWindow, QStringLiteral("Fills the desktop's screen, whatever its size.")},
+               {CompositorOptions::cRemoteControl,
+                QStringLiteral("Lets programs on the bus tap, type and take other steps\nof scripts.")}}
     + CompositorOptions::declarations();
 }
 
@@ -83,17 +103,22 @@ Result<Options> Options::read(const QCommandLineParser& parser)
     Options options;
     options.isFullScreenWindow = parser.isSet(cFullScreenWindow);
     options.isWindowTurning = parser.isSet(CompositorOptions::cTurnWindow);
+    options.isRemoteControlled = parser.isSet(CompositorOptions::cRemoteControl);
     options.isMouseFinger = parser.isSet(CompositorOptions::cTouch);
     if (options.isFullScreenWindow && options.isWindowTurning) {
         return Error{
             QStringLiteral("--%1 and --%2 exclude each other").arg(cFullScreenWindow, CompositorOptions::cTurnWindow)};
     }
+    const auto readScript = [&options](const QString& fileName) {
+        return ScriptFile::read(fileName, Keymap(options.keyboardLayout));
+    };
     for (const MaybeError& error :
          {assign(parser, CompositorOptions::cSize, readSize, &options.size),
           assign(parser, cSocket, readSocketName, &options.socketName),
           assign(parser, CompositorOptions::cScreenSaverTimeout, readSeconds, &options.screenSaverTimeoutSeconds),
+          assign(parser, CompositorOptions::cPanel, readPanel, &options.panel),
           assign(parser, CompositorOptions::cKeyboardLayout, Keymap::readLayout, &options.keyboardLayout),
-          assign(parser, CompositorOptions::cScript, ScriptFile::read, &options.script)}) {
+          assign(parser, CompositorOptions::cScript, readScript, &options.script)}) {
         if (error) {
             return *error;
         }

@@ -23,7 +23,17 @@ struct Options
     bool isFullScreenWindow = false;
     bool isWindowTurning = false;
     bool isMouseFinger = false;
+    bool isRemoteControlled = false;
     Keymap::Layout keyboardLayout;
+    struct Panel
+    {
+        /// Empty for no panel.
+        QString appId;
+        Qt::Edge edge = Qt::BottomEdge;
+        /// 0 for the size of the window.
+        int thickness = 0;
+    };
+    Panel panel;
     /// Empty where no script is given.
     Script::Plan script;
 

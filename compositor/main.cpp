@@ -12,6 +12,9 @@
 
 #include <csignal>
 #include <cstdio>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -21,6 +24,16 @@ CommandLine::Text text()
             QStringLiteral("Shows Wayland applications, one at a time, and publishes their views, the screen's\n"
                            "settings, the global overlay, notifications and screenshots on D-Bus."),
             QStringLiteral("Prints one line WAYLAND_DISPLAY=NAME when everything is up.")};
+}
+
+/// Makes freed pictures go back to the system. glibc would raise its threshold to the size of the first one that is
+/// freed, take the next ones from the heap, and keep the memory of many clients after they have gone.
+void prepareMemory()
+{
+#ifdef __GLIBC__
+    constexpr int largestOnHeap = 128 * 1024;
+    mallopt(M_MMAP_THRESHOLD, largestOnHeap);
+#endif
 }
 
 /// Settings of Qt that must be made before the application object.
@@ -48,6 +61,7 @@ void prepareIcons()
 
 int run(int argc, char* argv[], const Options& options)
 {
+    prepareMemory();
     Log::install();
     std::signal(SIGPIPE, SIG_IGN);
     UnixSignals::block();
@@ -66,6 +80,15 @@ int run(int argc, char* argv[], const Options& options)
         qCritical("%s", qUtf8Printable(error.text));
         QCoreApplication::exit(Failed);
     });
+    // Queued, since a first step may end the program before it runs.
+    QObject::connect(
+        &compositor.scriptPlayer(), &ScriptPlayer::ended, &application,
+        [](int status) {
+            std::printf("EXIT_STATUS=%d\n", status);
+            std::fflush(stdout);
+            QCoreApplication::exit(status);
+        },
+        Qt::QueuedConnection);
     if (const MaybeError error = compositor.start()) {
         qCritical("%s", qUtf8Printable(error->text));
         return Failed;

@@ -2,7 +2,10 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Session.h"
 
+#include "CompositorOptions.h"
 #include "ExitStatus.h"
+#include "RunningSession.h"
+#include "ShellWord.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -10,6 +13,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTextStream>
+#include <QUrl>
 
 #include <csignal>
 #include <utility>
@@ -19,6 +23,8 @@ namespace {
 const QString cRuntimeDirectory = QStringLiteral("XDG_RUNTIME_DIR");
 const QString cWaylandDisplay = QStringLiteral("WAYLAND_DISPLAY");
 const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
+
+const QString cExitStatus = QStringLiteral("EXIT_STATUS=");
 
 // The exit statuses of shells.
 constexpr int cCannotExecute = 127;
@@ -89,8 +95,10 @@ MaybeError Session::startBus()
     mBus.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
     mBus.start(QStringLiteral("dbus-daemon"),
                {QStringLiteral("--config-file=%1").arg(configurationPath),
-                QStringLiteral("--address=unix:dir=%1").arg(mDirectory.path()), QStringLiteral("--nofork"),
-                QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"), QStringLiteral("--print-address")});
+                QStringLiteral("--address=unix:dir=%1")
+                    .arg(QString::fromLatin1(QUrl::toPercentEncoding(mDirectory.path(), "/", "~"))),
+                QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
+                QStringLiteral("--print-address")});
     const Result<QString> line = mBus.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
         return *error;
@@ -111,16 +119,19 @@ MaybeError Session::startCompositor()
     environment.insert(cRuntimeDirectory, mDirectory.path());
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), mBusAddress);
     environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), mBusAddress);
-    const bool hasDisplay = !desktopDisplay.isEmpty() || environment.contains(QStringLiteral("DISPLAY"));
+    const bool hasDisplay = !desktopDisplay.isEmpty() || !environment.value(QStringLiteral("DISPLAY")).isEmpty();
+    const bool isDisplayUsed = !mIsHeadless && hasDisplay && !environment.contains(cPlatform);
     if (mIsHeadless || (!hasDisplay && !environment.contains(cPlatform))) {
         environment.insert(cPlatform, QStringLiteral("offscreen"));
     }
     mCompositor.setProcessEnvironment(environment);
-    mCompositor.start(compositorProgram(), mCompositorOptions);
+    mCompositor.start(compositorProgram(),
+                      mCompositorOptions + QStringList(QStringLiteral("--") + CompositorOptions::cRemoteControl));
 
     const Result<QString> line = mCompositor.readFirstLine();
     if (const auto* const error = std::get_if<Error>(&line)) {
-        return *error;
+        return isDisplayUsed ? Error{error->text + QStringLiteral("; without a usable display, add --headless")}
+                             : *error;
     }
     const QString expected = cWaylandDisplay + QLatin1Char('=');
     if (!std::get<QString>(line).startsWith(expected)) {
@@ -141,7 +152,20 @@ QStringList Session::environment() const
         QStringLiteral("XDG_SESSION_TYPE=wayland"),
         cPlatform + QStringLiteral("=wayland"),
         QStringLiteral("GDK_BACKEND=wayland"),
+        RunningSession::cProcessVariable + QStringLiteral("=%1").arg(QCoreApplication::applicationPid()),
     };
+}
+
+QString Session::environmentScript() const
+{
+    QString result;
+    const QStringList variables = environment();
+    for (const QString& variable : variables) {
+        const int separator = variable.indexOf(QLatin1Char('='));
+        result +=
+            QStringLiteral("export %1=%2\n").arg(variable.left(separator), shellWord(variable.mid(separator + 1)));
+    }
+    return result;
 }
 
 QProcessEnvironment Session::commandEnvironment() const
@@ -185,10 +209,16 @@ void Session::end(int signal)
 
 void Session::onBackgroundProgramEnded()
 {
-    const auto* const program = qobject_cast<const SessionProcess*>(sender());
-    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
-    // The session has failed, whatever the command's own status will be.
+    // The session has ended, whatever the command's own status will be.
     mCommand.disconnect(this);
     mCommand.terminate();
+    // A script may end the session with a status that the compositor prints.
+    const QString line = QString::fromLocal8Bit(mCompositor.readLine()).trimmed();
+    if (line.startsWith(cExitStatus)) {
+        Q_EMIT ended(line.midRef(cExitStatus.size()).toInt());
+        return;
+    }
+    const auto* const program = qobject_cast<const SessionProcess*>(sender());
+    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
     Q_EMIT ended(Failed);
 }

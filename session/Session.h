@@ -29,8 +29,8 @@ public:
     /// Starts the command with this process's input and output; emits ended() when it has ended.
     void run(const QStringList& command);
 
-    /// Returns the environment variables of a program in the session, as NAME=VALUE.
-    QStringList environment() const;
+    /// Returns the environment variables of a program in the session, as a shell exports them.
+    QString environmentScript() const;
 
 public Q_SLOTS:
     /// Terminates the command, or ends the session where it has none. Ignores SIGINT while a command runs: the terminal
@@ -44,6 +44,8 @@ Q_SIGNALS:
 private:
     MaybeError startBus();
     MaybeError startCompositor();
+    /// Returns the variables as NAME=VALUE.
+    QStringList environment() const;
     QProcessEnvironment commandEnvironment() const;
     void onBackgroundProgramEnded();
 

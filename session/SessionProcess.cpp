@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "SessionProcess.h"
 
+#include "CommandGuard.h"
+
 #include <csignal>
 #include <cstring>
 
@@ -11,7 +13,8 @@
 namespace {
 
 constexpr int cStartDeadline = 20000;
-constexpr int cEndDeadline = 5000;
+// Longer than the guard of a command takes.
+constexpr int cEndDeadline = 10000;
 
 } // namespace
 
@@ -68,11 +71,13 @@ QString SessionProcess::ending() const
 void SessionProcess::setupChildProcess()
 {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (mRole == Role::Background) {
-        ::setpgid(0, 0);
-    }
     // The child inherits the signal mask, and the session blocks the signals that it reads from a descriptor.
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (mRole == Role::Background) {
+        ::setpgid(0, 0);
+    } else {
+        guardCommand();
+    }
 }

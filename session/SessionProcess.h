@@ -16,7 +16,7 @@ public:
     {
         /// Has a process group of its own: interrupts from the terminal reach only the command.
         Background,
-        /// Has the session's own input, output and terminal.
+        /// Has the session's own input, output and terminal, and ends with all that it has started.
         Command
     };
 

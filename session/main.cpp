@@ -1,33 +1,61 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "BackgroundProcess.h"
 #include "CommandLine.h"
 #include "CompositorOptions.h"
+#include "EnvironmentFile.h"
+#include "Manifest.h"
+#include "RunningSession.h"
 #include "Session.h"
+#include "ShellWord.h"
 #include "UnixSignals.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTextStream>
+
+#include <clocale>
 
 namespace {
 
 const QString cHeadless = QStringLiteral("headless");
+const QString cBackground = QStringLiteral("background");
+const QString cEnvironmentFile = QStringLiteral("env-file");
+const QString cEnd = QStringLiteral("end");
 
 CommandLine::Text text()
 {
-    return {QStringLiteral("telvaro-session"), QStringLiteral("[options] [--] [COMMAND [ARGUMENT]...]"),
-            QStringLiteral("Starts a private bus, the reference compositor and the command in it, and ends all of\n"
-                           "it together when the command ends. Without a command, prints the environment variables\n"
-                           "of a program in the session, and runs until it is interrupted.\n\n"
-                           "The compositor is a window where there is a display; without one it draws into memory."),
-            QStringLiteral("Exit status: the command's; 1 if the session failed, 2 for wrong usage, 127 if the\n"
-                           "command cannot be started.")};
+    return {
+        QStringLiteral("telvaro-session"), QStringLiteral("[options] [--] [COMMAND [ARGUMENT]...]"),
+        QStringLiteral("Starts a private bus, the reference compositor and the command in it. When the command\n"
+                       "ends, ends both, and everything that the command has started. Without a command, prints\n"
+                       "the environment variables of a program in the session, and runs until it is interrupted.\n\n"
+                       "The compositor is a window where there is a display; without one it draws into memory."),
+        QStringLiteral("Exit status: the command's, or that of a script's end; 1 if the session failed, 2 for\n"
+                       "wrong usage, 127 if the command cannot be started.")};
+}
+
+QList<QCommandLineOption> options()
+{
+    return CompositorOptions::declarations()
+        + QList<QCommandLineOption>{
+            {cHeadless, QStringLiteral("Draws into memory even where there is a display.")},
+            {cEnvironmentFile,
+             QStringLiteral("Writes the environment to FILE, for '. FILE' in a shell, as soon\n"
+                            "as the session is ready. Removes FILE when the session ends."),
+             QStringLiteral("FILE")},
+            {cBackground,
+             QStringLiteral("Returns as soon as the session is ready, and keeps it running;\n"
+                            "its messages go to FILE.log. Needs --env-file.")},
+            {cEnd, QStringLiteral("Ends the session that it is called in, and waits for its end.")},
+        };
 }
 
 QStringList compositorArguments(const QCommandLineParser& parser)
 {
     QStringList arguments;
-    const QList<QCommandLineOption> options = CompositorOptions::declarations();
-    for (const QCommandLineOption& option : options) {
+    const QList<QCommandLineOption> compositorOptions = CompositorOptions::declarations();
+    for (const QCommandLineOption& option : compositorOptions) {
         if (parser.isSet(option)) {
             arguments.append(QStringLiteral("--%1").arg(option.names().constFirst()));
             if (!option.valueName().isEmpty()) {
@@ -38,42 +66,81 @@ QStringList compositorArguments(const QCommandLineParser& parser)
     return arguments;
 }
 
+ExitStatus fail(const Error& error)
+{
+    QTextStream(stderr) << "telvaro-session: " << error.text << '\n';
+    return Failed;
+}
+
+/// Runs the session until it ends. Lets `background`, if any, return to the caller when it is ready.
+int run(QCoreApplication& application, const QCommandLineParser& parser, BackgroundProcess* background)
+{
+    const UnixSignals unixSignals;
+    Session session(compositorArguments(parser), parser.isSet(cHeadless));
+    EnvironmentFile environmentFile;
+    QObject::connect(&session, &Session::ended, &application, &QCoreApplication::exit, Qt::QueuedConnection);
+    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &session, &Session::end);
+    if (const MaybeError error = session.start()) {
+        return session.areOptionsRejected() ? Usage : fail(*error);
+    }
+    if (!Manifest::isOfCompositorDevice()) {
+        QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << Manifest::advice()
+                            << '\n';
+    }
+    const QString environmentPath = parser.value(cEnvironmentFile);
+    if (!environmentPath.isEmpty()) {
+        if (const MaybeError error = environmentFile.write(environmentPath, session.environmentScript())) {
+            return fail(*error);
+        }
+    }
+    if (background != nullptr
+        && !background->release(QStringLiteral("Join the session:  . %1\n"
+                                               "End it from there: telvaro-session --end\n")
+                                    .arg(shellWord(QFileInfo(environmentPath).absoluteFilePath())))) {
+        return Failed;
+    }
+    const QStringList command = parser.positionalArguments();
+    if (!command.isEmpty()) {
+        session.run(command);
+    } else if (background == nullptr) {
+        QTextStream(stdout) << session.environmentScript();
+    }
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    UnixSignals::block();
-    const QCoreApplication application(argc, argv);
-    const UnixSignals unixSignals;
-
-    CommandLine commandLine(CommandLine::Kind::Program, text(),
-                            CompositorOptions::declarations()
-                                + QList<QCommandLineOption>{
-                                    {cHeadless, QStringLiteral("Draws into memory even where there is a display.")}});
-    if (const std::optional<ExitStatus> status = commandLine.parse(QCoreApplication::arguments().mid(1))) {
+    // The arguments are parsed before there is an application object, which would do this.
+    std::setlocale(LC_ALL, "");
+    QStringList arguments;
+    for (int index = 1; index < argc; ++index) {
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    }
+    CommandLine commandLine(CommandLine::Kind::Program, text(), options());
+    if (const std::optional<ExitStatus> status = commandLine.parse(arguments)) {
         return *status;
     }
     const QCommandLineParser& parser = commandLine.parser();
+    if (parser.isSet(cEnd)) {
+        const MaybeError error = RunningSession::end();
+        return error ? fail(*error) : Done;
+    }
 
-    Session session(compositorArguments(parser), parser.isSet(cHeadless));
-    QObject::connect(&session, &Session::ended, &application, &QCoreApplication::exit, Qt::QueuedConnection);
-    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &session, &Session::end);
-    if (const MaybeError error = session.start()) {
-        if (session.areOptionsRejected()) {
-            return Usage;
+    std::optional<BackgroundProcess> background;
+    if (parser.isSet(cBackground)) {
+        if (!parser.isSet(cEnvironmentFile)) {
+            return CommandLine::refuse(text().command, QStringLiteral("--background needs --env-file"));
         }
-        QTextStream(stderr) << "telvaro-session: " << error->text << '\n';
-        return Failed;
-    }
-    const QStringList command = parser.positionalArguments();
-    if (command.isEmpty()) {
-        QTextStream output(stdout);
-        const QStringList variables = session.environment();
-        for (const QString& variable : variables) {
-            output << "export " << variable << '\n';
+        Result<BackgroundProcess> result =
+            BackgroundProcess::start(parser.value(cEnvironmentFile) + QStringLiteral(".log"));
+        if (const auto* const error = std::get_if<Error>(&result)) {
+            return fail(*error);
         }
-    } else {
-        session.run(command);
+        background = std::get<BackgroundProcess>(result);
     }
-    return QCoreApplication::exec();
+    UnixSignals::block();
+    QCoreApplication application(argc, argv);
+    return run(application, parser, background ? &*background : nullptr);
 }

@@ -2,10 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Console.h"
 
+#include "TimeLimit.h"
+
 #include <QByteArray>
 #include <QMessageLogContext>
 
-#include <atomic>
 #include <cstdio>
 
 #include <sys/ioctl.h>
@@ -13,7 +14,9 @@
 
 namespace {
 
-std::atomic<int> warnings{0};
+bool isVerbose = false;
+// Of the main thread, the only one in which the library is used.
+QString warning;
 
 /// The sources of libTelvaro bear its name, and its messages carry their file in every build; those of Qt and its
 /// plugins do not. A compiler cache may have put a relative directory before the name.
@@ -23,12 +26,15 @@ bool isLibrarys(const QMessageLogContext& context)
     return path.mid(path.lastIndexOf('/') + 1).startsWith("Telvaro");
 }
 
-void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+void handleMessage(QtMsgType /*type*/, const QMessageLogContext& context, const QString& message)
 {
-    if (type != QtDebugMsg && type != QtInfoMsg && isLibrarys(context)) {
-        ++warnings;
+    const bool isFromLibrary = isLibrarys(context);
+    if (isFromLibrary) {
+        warning = message;
     }
-    printError(message);
+    if (!isFromLibrary || isVerbose) {
+        printError(message);
+    }
 }
 
 } // namespace
@@ -38,13 +44,20 @@ void installMessageHandler()
     qInstallMessageHandler(handleMessage);
 }
 
-int warningCount()
+void setVerbose(bool verbose)
 {
-    return warnings;
+    isVerbose = verbose;
+}
+
+QString lastWarning()
+{
+    return warning;
 }
 
 void printText(const QString& text)
 {
+    // What is printed has come in time, and the reader of a pipe may take its time.
+    TimeLimit::lift();
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
     std::fflush(stdout);

@@ -6,11 +6,13 @@
 
 #include <QString>
 
-/// Prints all messages of Qt's logging to standard error, prefixed with the tool's name, and counts the library's
-/// warnings: an operation of the library that reports failure by an empty result has failed if it has warned. A warning
-/// of Qt or of a plugin says nothing about the operation and is not counted.
+/// Prints the messages of Qt's logging to standard error, prefixed with the tool's name; those of the library only if
+/// the tool is verbose.
 void installMessageHandler();
-int warningCount();
+void setVerbose(bool verbose);
+
+/// Returns the last warning of the library.
+QString lastWarning();
 
 /// Prints the text to standard output and flushes it.
 void printText(const QString& text);

@@ -4,73 +4,26 @@
 
 #include "Console.h"
 
-#include <QDBusArgument>
-#include <QDBusObjectPath>
-#include <QDBusSignature>
-#include <QDBusVariant>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMetaType>
 #include <QVariant>
 
-namespace {
-
-QJsonValue argumentToJson(const QDBusArgument& argument)
-{
-    switch (argument.currentType()) {
-    case QDBusArgument::ArrayType: {
-        QJsonArray array;
-        argument.beginArray();
-        while (!argument.atEnd()) {
-            array.append(argumentToJson(argument));
-        }
-        argument.endArray();
-        return array;
-    }
-    case QDBusArgument::StructureType: {
-        QJsonArray array;
-        argument.beginStructure();
-        while (!argument.atEnd()) {
-            array.append(argumentToJson(argument));
-        }
-        argument.endStructure();
-        return array;
-    }
-    case QDBusArgument::MapType: {
-        QJsonObject object;
-        argument.beginMap();
-        while (!argument.atEnd()) {
-            argument.beginMapEntry();
-            const QString key = argument.asVariant().toString();
-            object.insert(key, argumentToJson(argument));
-            argument.endMapEntry();
-        }
-        argument.endMap();
-        return object;
-    }
-    default:
-        return toJson(argument.asVariant());
-    }
-}
-
-} // namespace
-
+// QJsonValue::fromVariant() makes a string of bytes, and null of one.
 QJsonValue toJson(const QVariant& value)
 {
-    const int type = value.userType();
-    if (type == qMetaTypeId<QDBusArgument>()) {
-        return argumentToJson(value.value<QDBusArgument>());
+    switch (static_cast<QMetaType::Type>(value.userType())) {
+    case QMetaType::QVariantList: {
+        QJsonArray array;
+        const QVariantList list = value.toList();
+        for (const QVariant& element : list) {
+            array.append(toJson(element));
+        }
+        return array;
     }
-    if (type == qMetaTypeId<QDBusVariant>()) {
-        return toJson(value.value<QDBusVariant>().variant());
-    }
-    if (type == qMetaTypeId<QDBusObjectPath>()) {
-        return value.value<QDBusObjectPath>().path();
-    }
-    if (type == qMetaTypeId<QDBusSignature>()) {
-        return value.value<QDBusSignature>().signature();
-    }
-    if (type == QMetaType::QByteArray) {
+    case QMetaType::QVariantMap:
+        return toJson(value.toMap());
+    case QMetaType::QByteArray: {
         QJsonArray bytes;
         const QByteArray array = value.toByteArray();
         for (const char byte : array) {
@@ -78,29 +31,20 @@ QJsonValue toJson(const QVariant& value)
         }
         return bytes;
     }
-    if (type == QMetaType::UChar) {
+    case QMetaType::UChar:
         return value.toInt();
+    default:
+        return QJsonValue::fromVariant(value);
     }
-    return QJsonValue::fromVariant(value);
 }
 
-QJsonObject toJson(const TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry& view)
+QJsonObject toJson(const QVariantMap& map)
 {
-    QJsonObject attributes;
-    for (auto attribute = view.attributes.cbegin(); attribute != view.attributes.cend(); ++attribute) {
-        attributes.insert(attribute.key(), toJson(attribute.value()));
+    QJsonObject object;
+    for (auto member = map.cbegin(); member != map.cend(); ++member) {
+        object.insert(member.key(), toJson(member.value()));
     }
-    return {
-        {QStringLiteral("uuid"), view.uuid},
-        {QStringLiteral("appId"), view.appId},
-        {QStringLiteral("info1"), view.info1},
-        {QStringLiteral("info2"), view.info2},
-        {QStringLiteral("info3"), view.info3},
-        {QStringLiteral("info4"), view.info4},
-        {QStringLiteral("pid"), static_cast<qint64>(view.pid)},
-        {QStringLiteral("sortIndex"), static_cast<qint64>(view.sortIndex)},
-        {QStringLiteral("attributes"), attributes},
-    };
+    return object;
 }
 
 void printJson(const QJsonObject& object)

@@ -2,19 +2,16 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroTaskSwitcherDBusConnector.h>
-
 #include <QJsonObject>
 #include <QJsonValue>
-#include <QString>
+#include <QVariantMap>
 
 class QJsonArray;
 class QVariant;
 
-/// Converts a value from the bus; nested arrays, structures (to arrays), dictionaries and variants included.
+/// Converts a plain value of the live layer.
 QJsonValue toJson(const QVariant& value);
-
-QJsonObject toJson(const TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry& view);
+QJsonObject toJson(const QVariantMap& map);
 
 void printJson(const QJsonObject& object);
 void printJson(const QJsonArray& array);

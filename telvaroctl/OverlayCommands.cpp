@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
+#include "Service.h"
 
-#include <TelvaroGlobalOverlayDBusConnector.h>
+#include <TelvaroRequests.h>
 
 #include <QString>
 
@@ -10,22 +11,18 @@ namespace {
 
 ExitStatus overlay(const QStringList& arguments)
 {
-    const QString action = arguments.value(0);
-    const bool isShow = action == QLatin1String("show") && arguments.size() == 2;
-    const bool isHide = action == QLatin1String("hide") && arguments.size() == 1;
-    if (!isShow && !isHide) {
-        return usageError("overlay", QStringLiteral("expected 'show TEXT' or 'hide'"));
+    const QString command = QStringLiteral("overlay");
+    const bool isShow = arguments.constFirst() == QLatin1String("show");
+    if (isShow && arguments.size() < 2) {
+        return usageError(command, QStringLiteral("TEXT is missing"));
     }
-    if (!isOnCompositorDevice()) {
-        return Failed;
+    if (!isShow && arguments.size() > 1) {
+        return usageError(command, QStringLiteral("unexpected argument '%1'").arg(arguments.at(1)));
     }
-    TelvaroGlobalOverlayDBusConnector connector;
-    if (isShow) {
-        connector.showGlobalOverlay(arguments.at(1));
-    } else {
-        connector.hideGlobalOverlay();
-    }
-    return doneUnlessWarned();
+    const bool isDone = Service::connect()
+        && Service::waitFor(isShow ? TelvaroRequests::showGlobalOverlay(arguments.at(1))
+                                   : TelvaroRequests::hideGlobalOverlay());
+    return isDone ? Done : Failed;
 }
 
 } // namespace
@@ -33,11 +30,15 @@ ExitStatus overlay(const QStringList& arguments)
 QList<Command> overlayCommands()
 {
     return {
-        {"overlay", "Shows a message over everything on the screen, or hides it.", "show TEXT | hide",
-         "The library does not report whether the service accepted; the exit status says\nwhether it was asked.",
+        {"overlay",
+         "Shows a message over everything on the screen, or hides it.",
+         "show TEXT | hide",
+         "",
          noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return overlay(arguments);
-         }},
+         },
+         {QStringLiteral("show|hide"), QStringLiteral("TEXT")},
+         1},
     };
 }

@@ -3,9 +3,12 @@
 #include "Command.h"
 #include "Console.h"
 #include "Json.h"
+#include "Service.h"
+#include "TimeLimit.h"
 
-#include <TelvaroScreenShotDBusConnector.h>
+#include <TelvaroRequests.h>
 
+#include <QDBusPendingReply>
 #include <QDir>
 #include <QJsonObject>
 #include <QString>
@@ -14,22 +17,23 @@ namespace {
 
 ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("screenshot");
-    }
-    if (!isOnCompositorDevice()) {
+    // The service has a working directory of its own.
+    const QString directory = QDir(arguments.constFirst()).absolutePath();
+    if (!QDir(directory).exists()) {
+        printError(QStringLiteral("there is no directory '%1'").arg(directory));
         return Failed;
     }
-    // The path is made absolute here, because the service has a working directory of its own.
-    const std::optional<QString> answer =
-        TelvaroScreenShotDBusConnector().captureScreenShot(QDir(arguments.constFirst()).absolutePath());
-    if (!answer) {
+    if (!Service::connect()) {
+        return Failed;
+    }
+    const QDBusPendingReply<QString> reply = TelvaroRequests::captureScreenShot(directory, TimeLimit::remaining());
+    if (!Service::waitFor(reply)) {
         return Failed;
     }
     if (isJsonWanted(parser)) {
-        printJson(QJsonObject{{QStringLiteral("path"), *answer}});
+        printJson(QJsonObject{{QStringLiteral("path"), reply.value()}});
     } else {
-        printLine(*answer);
+        printLine(reply.value());
     }
     return Done;
 }
@@ -39,7 +43,13 @@ ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList
 QList<Command> screenShotCommands()
 {
     return {
-        {"screenshot", "Stores a screenshot in a directory and prints the path that the service returns.", "DIR", "",
-         jsonOption, captureScreenShot},
+        {"screenshot",
+         "Stores a screenshot in a directory and prints the path that the service returns.",
+         "",
+         "",
+         jsonOption,
+         captureScreenShot,
+         {QStringLiteral("DIRECTORY")},
+         1},
     };
 }

@@ -2,87 +2,189 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "DeepStatus.h"
 #include "Json.h"
+#include "Manifest.h"
+#include "Service.h"
 #include "Table.h"
+#include "TimeLimit.h"
 
 #include <TelvaroDBusDefinitions.h>
 #include <TelvaroDeviceDistinction.h>
-#include <TelvaroGlobalOverlayDBusConnector.h>
-#include <TelvaroNotificationDBusConnector.h>
 #include <TelvaroScreenDBusConnector.h>
-#include <TelvaroScreenShotDBusConnector.h>
 #include <TelvaroTaskSwitcherDBusConnector.h>
 
+#include <QCommandLineParser>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QJsonArray>
 #include <QJsonObject>
+#include <QString>
+
+#include <map>
 
 namespace {
 
-/// Gives access to the proxy of a connector, which is protected.
-template <typename Connector> class Probe : public Connector
-{
-public:
-    bool isServiceThere() const
-    {
-        const QDBusConnectionInterface* const busDaemon = this->mInterface.connection().interface();
-        return busDaemon != nullptr && busDaemon->isServiceRegistered(this->mInterface.service());
-    }
+using Names = TelvaroDBusDefinitions;
 
-    bool isProxyValid() const
-    {
-        return this->mInterface.isValid();
-    }
+const QString cDeep = QStringLiteral("deep");
+
+struct Owner
+{
+    QString name;
+    uint pid = 0;
 };
 
-template <typename Connector> bool isProxyValid()
+QDBusPendingCall askBus(const QString& method, const QString& name)
 {
-    return Probe<Connector>().isProxyValid();
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), method);
+    question << name;
+    return Service::bus().asyncCall(question, TimeLimit::remaining());
 }
 
-QString yesOrNo(bool answer)
+Owner serviceOwner()
 {
-    return answer ? QStringLiteral("yes") : QStringLiteral("no");
+    QDBusPendingReply<QString> name = askBus(QStringLiteral("GetNameOwner"), Names::getServiceName());
+    name.waitForFinished();
+    if (name.isError()) {
+        return {};
+    }
+    QDBusPendingReply<uint> pid = askBus(QStringLiteral("GetConnectionUnixProcessID"), name.value());
+    pid.waitForFinished();
+    return {name.value(), pid.isError() ? 0 : pid.value()};
 }
 
-ExitStatus showStatus(bool asJson)
+QDBusPendingCall ask(const QString& path, const QString& interface, const QString& method, const QStringList& arguments)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(Names::getServiceName(), path, interface, method);
+    question.setAutoStartService(false);
+    for (const QString& argument : arguments) {
+        question << argument;
+    }
+    return Service::bus().asyncCall(question, TimeLimit::remainingButReserve());
+}
+
+QDBusPendingCall askProperty(const QString& path, const QString& interface, const QString& property)
+{
+    return ask(path, Names::getPropertyInterface(), Names::getPropertyMehodGet(), {interface, property});
+}
+
+/// Asks for the description of an object, all of whose methods have an effect.
+QDBusPendingCall askDescription(const QString& path)
+{
+    return ask(path, QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {});
+}
+
+/// Returns the state of each object by its name: empty if it answers, or what is wrong.
+std::map<QString, QString> askObjects()
+{
+    std::map<QString, QDBusPendingCall> questions = {
+        {QStringLiteral("globaloverlay"), askDescription(Names::getGlobalOverlayPath())},
+        {QStringLiteral("notifications"),
+         ask(Names::getNotificationsPath(), Names::getNotificationsInterface(), QStringLiteral("GetServerInformation"),
+             {})},
+        {QStringLiteral("screen"),
+         askProperty(Names::getScreenPath(), Names::getScreenInterface(),
+                     TelvaroScreenDBusConnector::cScreenSaverActiveProperty)},
+        {QStringLiteral("screenshot"), askDescription(Names::getScreenShotPath())},
+        {QStringLiteral("taskswitcher"),
+         askProperty(Names::getTaskSwitcherPath(), Names::getTaskSwitcherInterface(),
+                     TelvaroTaskSwitcherDBusConnector::cViewsProperty)},
+    };
+    std::map<QString, QString> states;
+    for (auto& [name, question] : questions) {
+        question.waitForFinished();
+        const bool isSilent = question.isError() && question.error().type() == QDBusError::NoReply;
+        states[name] = isSilent  ? QStringLiteral("does not answer")
+            : question.isError() ? Service::reason(question.error())
+                                 : QString();
+    }
+    return states;
+}
+
+ExitStatus showStatus(bool asJson, bool isDeep)
 {
     const bool isDevice = TelvaroDeviceDistinction::isCompositorDevice();
-    const bool isServiceThere = Probe<TelvaroGlobalOverlayDBusConnector>().isServiceThere();
+    const bool isBusThere = Service::connectToBus();
+    const Owner owner = isBusThere ? serviceOwner() : Owner();
+    const bool isServiceThere = !owner.name.isEmpty();
+
+    std::map<QString, QString> states;
+    bool isEachAnswering = isServiceThere;
+    if (isServiceThere) {
+        states = askObjects();
+        for (const auto& [name, state] : states) {
+            isEachAnswering = isEachAnswering && state.isEmpty();
+        }
+    }
+    const bool isUsable = isDevice && isEachAnswering;
+    const QList<DeepStatus::Item> items = isUsable && isDeep ? DeepStatus::examine() : QList<DeepStatus::Item>();
+    bool isFlawless = true;
 
     QJsonObject proxies;
-    bool areProxiesValid = true;
-    const auto addProxy = [&](const char* name, auto isProxyValid) {
-        // Without the service no proxy is valid, and the screen connector's constructor would log a warning.
-        const bool isValid = isServiceThere && isProxyValid();
-        proxies.insert(QLatin1String(name), isValid);
-        areProxiesValid = areProxiesValid && isValid;
-    };
-    addProxy("globaloverlay", isProxyValid<TelvaroGlobalOverlayDBusConnector>);
-    addProxy("notifications", isProxyValid<TelvaroNotificationDBusConnector>);
-    addProxy("screen", isProxyValid<TelvaroScreenDBusConnector>);
-    addProxy("screenshot", isProxyValid<TelvaroScreenShotDBusConnector>);
-    addProxy("taskswitcher", isProxyValid<TelvaroTaskSwitcherDBusConnector>);
+    QJsonObject objects;
+    QJsonObject deep;
+    QJsonArray unchanged;
+    Table table({QStringLiteral("WHAT"), QStringLiteral("STATE")});
+    table.addRow({QStringLiteral("compositor device"), isDevice ? QStringLiteral("yes") : QStringLiteral("no")});
+    table.addRow({QStringLiteral("manifest"), Manifest::path()});
+    const QString code = Manifest::productCode();
+    table.addRow({QStringLiteral("product code"), code.isEmpty() ? QStringLiteral("unknown") : code});
+    table.addRow({QStringLiteral("%1 bus").arg(Service::builtBus()), Service::busAddress()});
+    table.addRow({QStringLiteral("service %1").arg(Names::getServiceName()),
+                  isServiceThere ? QStringLiteral("registered") : QStringLiteral("not registered")});
+    if (isServiceThere) {
+        table.addRow({QStringLiteral("owner"), QStringLiteral("%1, process %2").arg(owner.name).arg(owner.pid)});
+    }
+    for (const char* name : {"globaloverlay", "notifications", "screen", "screenshot", "taskswitcher"}) {
+        const QString object = QLatin1String(name);
+        const QString state = !isServiceThere ? QStringLiteral("is not there")
+            : states.at(object).isEmpty()     ? QStringLiteral("answers")
+                                              : states.at(object);
+        proxies.insert(object, isServiceThere && states.at(object).isEmpty());
+        objects.insert(object, state);
+        table.addRow({QStringLiteral("object %1").arg(object), state});
+    }
+    for (const DeepStatus::Item& item : items) {
+        isFlawless = isFlawless && item.problems.isEmpty();
+        deep.insert(item.name, QJsonArray::fromStringList(item.problems));
+        QString state = item.problems.isEmpty() ? QStringLiteral("agrees") : item.problems.join(QStringLiteral("; "));
+        if (item.isUnchanged) {
+            unchanged.append(item.name);
+            state += QStringLiteral("; not changed, so its notifications are unknown");
+        }
+        table.addRow({item.name, state});
+    }
 
     if (asJson) {
-        printJson(QJsonObject{
+        QJsonObject object{
             {QStringLiteral("compositorDevice"), isDevice},
-            {QStringLiteral("service"), TelvaroDBusDefinitions::getServiceName()},
+            {QStringLiteral("manifest"), Manifest::path()},
+            {QStringLiteral("productCode"), code},
+            {QStringLiteral("bus"), Service::builtBus()},
+            {QStringLiteral("busAddress"), Service::busAddress()},
+            {QStringLiteral("service"), Names::getServiceName()},
             {QStringLiteral("serviceRegistered"), isServiceThere},
+            {QStringLiteral("owner"), owner.name},
+            {QStringLiteral("ownerPid"), static_cast<qint64>(owner.pid)},
             {QStringLiteral("proxies"), proxies},
-        });
-    } else {
-        Table table({QStringLiteral("WHAT"), QStringLiteral("STATE")});
-        table.addRow({QStringLiteral("compositor device"), yesOrNo(isDevice)});
-        table.addRow({QStringLiteral("service %1").arg(TelvaroDBusDefinitions::getServiceName()),
-                      isServiceThere ? QStringLiteral("registered") : QStringLiteral("not registered")});
-        for (auto proxy = proxies.constBegin(); proxy != proxies.constEnd(); ++proxy) {
-            table.addRow({QStringLiteral("proxy %1").arg(proxy.key()),
-                          proxy.value().toBool() ? QStringLiteral("valid") : QStringLiteral("not valid")});
+            {QStringLiteral("objects"), objects},
+        };
+        if (isDeep) {
+            object.insert(QStringLiteral("deep"), deep);
+            object.insert(QStringLiteral("deepUnchanged"), unchanged);
         }
+        printJson(object);
+    } else {
         printText(table.toText(terminalWidth()));
     }
-    return isDevice && isServiceThere && areProxiesValid ? Done : Failed;
+    if (!isDevice) {
+        printError(QStringLiteral("this is not a compositor device: %1").arg(Manifest::advice()));
+    }
+    return isUsable && isFlawless ? Done : Failed;
 }
 
 } // namespace
@@ -91,14 +193,18 @@ QList<Command> statusCommands()
 {
     return {
         {"status", "Shows whether the compositor can be used from here.", "",
-         "Exits with 0 if this is a compositor device, the service is registered on the bus\nand the proxies of its "
-         "objects are valid, else with 1.",
-         jsonOption,
-         [](const QCommandLineParser& parser, const QStringList& arguments) {
-             if (!arguments.isEmpty()) {
-                 return wrongArgumentCount("status");
-             }
-             return showStatus(isJsonWanted(parser));
+         "Exits with 0 if this is a compositor device, the service is registered on the bus\nand each of its objects "
+         "answers, else with 1.",
+         [] {
+             return jsonOption()
+                 + QList<QCommandLineOption>{
+                     {cDeep,
+                      QStringLiteral("Compares what the service describes, answers and notifies, for those\n"
+                                     "who bring up a device. Changes each setting of the screen and the\n"
+                                     "current view for a moment.")}};
+         },
+         [](const QCommandLineParser& parser, const QStringList& /*arguments*/) {
+             return showStatus(isJsonWanted(parser), parser.isSet(cDeep));
          }},
     };
 }

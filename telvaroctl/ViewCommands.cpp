@@ -3,178 +3,175 @@
 #include "Command.h"
 #include "Console.h"
 #include "Json.h"
+#include "Service.h"
 #include "Table.h"
+#include "Template.h"
+#include "ViewFields.h"
 
-#include <TelvaroTaskSwitcherDBusConnector.h>
+#include <TelvaroTaskSwitcher.h>
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
-#include <QDBusError>
+#include <QDBusPendingReply>
 #include <QJsonArray>
-#include <QJsonObject>
 #include <QString>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
 
 namespace {
 
-using View = TelvaroTaskSwitcherDBusConnector::TaskSwitcherEntry;
+using View = TelvaroViewModel::View;
 
 const QString cApp = QStringLiteral("app");
 const QString cIndex = QStringLiteral("index");
 
-QString title(const View& view)
+QList<QCommandLineOption> formatOptions()
 {
-    return view.attributes.value(QStringLiteral("title"), view.info1).toString();
+    return Template::options(ViewFields::names());
 }
 
-ExitStatus listViews(const QCommandLineParser& parser, const QStringList& arguments)
+/// Calls the function with the service's views and with the template, if there is one.
+ExitStatus withViews(const char* command, const QCommandLineParser& parser,
+                     const std::function<ExitStatus(const TelvaroTaskSwitcher&, const std::optional<Template>&)>& show)
 {
-    if (!arguments.isEmpty()) {
-        return wrongArgumentCount("views");
+    const auto format = Template::fromOption(parser, ViewFields::names());
+    if (const Error* const error = std::get_if<Error>(&format)) {
+        return usageError(QLatin1String(command), error->text);
     }
-    TelvaroTaskSwitcherDBusConnector connector;
-    if (!isOnCompositorDevice() || !connector.isInterfaceValid()) {
-        return Failed;
-    }
-    const QList<View> views = connector.getViews();
-    if (warningCount() > 0) {
-        return Failed;
-    }
-    if (isJsonWanted(parser)) {
-        QJsonArray array;
-        for (const View& view : views) {
-            array.append(toJson(view));
-        }
-        printJson(array);
-        return Done;
-    }
-    Table table({QStringLiteral("UUID"), QStringLiteral("APPLICATION"), QStringLiteral("INDEX"), QStringLiteral("PID"),
-                 QStringLiteral("TITLE")});
-    for (const View& view : views) {
-        table.addRow({view.uuid, view.appId, QString::number(view.sortIndex), QString::number(view.pid), title(view)});
-    }
-    printText(table.toText(terminalWidth()));
-    return Done;
+    return Service::withTaskSwitcher([&show, &format](const TelvaroTaskSwitcher& taskSwitcher) {
+        return show(taskSwitcher, std::get<std::optional<Template>>(format));
+    });
 }
 
-ExitStatus showCurrentView(const QCommandLineParser& parser, const QStringList& arguments)
+ExitStatus listViews(const QCommandLineParser& parser, const QStringList& /*arguments*/)
 {
-    if (!arguments.isEmpty()) {
-        return wrongArgumentCount("current");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
-    }
-    const View view = TelvaroTaskSwitcherDBusConnector().getCurrentView();
-    if (warningCount() > 0) {
-        return Failed;
-    }
-    if (isJsonWanted(parser)) {
-        printJson(toJson(view));
-        return Done;
-    }
-    printLine(
-        QStringLiteral("%1  %2 %3  %4")
-            .arg(printable(view.uuid), printable(view.appId), QString::number(view.sortIndex), printable(title(view))));
-    return Done;
+    return withViews(
+        "views", parser, [&parser](const TelvaroTaskSwitcher& switcher, const std::optional<Template>& format) {
+            QJsonArray array;
+            QString lines;
+            Table table({QStringLiteral("UUID"), QStringLiteral("APPLICATION"), QStringLiteral("INDEX"),
+                         QStringLiteral("PID"), QStringLiteral("CURRENT"), QStringLiteral("TITLE")});
+            for (const View& view : switcher.getViews()->getViews()) {
+                const bool isCurrent = view.uuid == switcher.getCurrentView();
+                const QVariantMap fields = ViewFields::of(view, isCurrent);
+                if (format) {
+                    lines += format->render(fields) + QLatin1Char('\n');
+                }
+                array.append(toJson(fields));
+                table.addRow({view.uuid, view.appId, QString::number(view.sortIndex), QString::number(view.pid),
+                              isCurrent ? QStringLiteral("*") : QString(), ViewFields::title(view)});
+            }
+            if (isJsonWanted(parser)) {
+                printJson(array);
+            } else {
+                printText(format ? lines : table.toText(terminalWidth()));
+            }
+            return Done;
+        });
 }
 
-ExitStatus switchToUuid(const QString& uuid)
+ExitStatus showCurrentView(const QCommandLineParser& parser, const QStringList& /*arguments*/)
 {
-    View view;
-    view.uuid = uuid;
-    const QDBusError error = TelvaroTaskSwitcherDBusConnector().setCurrentView(view);
-    if (error.isValid()) {
-        printError(QStringLiteral("%1: %2").arg(error.name(), error.message()));
+    return withViews(
+        "current", parser, [&parser](const TelvaroTaskSwitcher& switcher, const std::optional<Template>& format) {
+            const View view = switcher.getViews()->getView(switcher.getCurrentView());
+            if (view.uuid.isEmpty()) {
+                printError(QStringLiteral("no view is current"));
+                return Failed;
+            }
+            const QVariantMap fields = ViewFields::of(view, true);
+            if (isJsonWanted(parser)) {
+                printJson(toJson(fields));
+            } else if (format) {
+                printLine(format->render(fields));
+            } else {
+                printLine(printable(
+                    QStringList({view.uuid, view.appId, QString::number(view.sortIndex), ViewFields::title(view)})
+                        .join(QStringLiteral("  "))));
+            }
+            return Done;
+        });
+}
+
+ExitStatus sent(const QDBusPendingReply<>& request)
+{
+    return Service::waitFor(request) ? Done : Failed;
+}
+
+/// Makes the application's view with the lowest index current, if none of them is current already.
+ExitStatus switchToApplication(TelvaroTaskSwitcher& switcher, const QString& appId)
+{
+    QList<View> views;
+    const QList<View>& all = switcher.getViews()->getViews();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(views), [&appId](const View& view) {
+        return view.appId == appId;
+    });
+    if (views.isEmpty()) {
+        printError(QStringLiteral("the application '%1' has no view").arg(appId));
         return Failed;
     }
-    return Done;
+    const auto rank = [&switcher](const View& view) {
+        return std::make_pair(view.uuid != switcher.getCurrentView(), view.sortIndex);
+    };
+    const View view = *std::min_element(views.begin(), views.end(), [&rank](const View& left, const View& right) {
+        return rank(left) < rank(right);
+    });
+    if (views.size() > 1) {
+        printError(QStringLiteral("'%1' has %2 views; this is the one with the index %3")
+                       .arg(appId)
+                       .arg(views.size())
+                       .arg(view.sortIndex));
+    }
+    return sent(switcher.switchTo(view.uuid));
 }
 
 ExitStatus switchView(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    const bool isById = parser.isSet(cApp) || parser.isSet(cIndex);
-    if (isById ? !arguments.isEmpty() : arguments.size() != 1) {
-        return usageError("switch", QStringLiteral("expected either UUID or --app and --index"));
+    const QString command = QStringLiteral("switch");
+    if (parser.isSet(cApp) != arguments.isEmpty()) {
+        return usageError(command, QStringLiteral("expected either UUID or --app"));
     }
-    if (!isById) {
-        return isOnCompositorDevice() ? switchToUuid(arguments.constFirst()) : Failed;
+    if (!parser.isSet(cIndex)) {
+        if (parser.isSet(cApp)) {
+            return Service::withTaskSwitcher([&parser](TelvaroTaskSwitcher& switcher) {
+                return switchToApplication(switcher, parser.value(cApp));
+            });
+        }
+        return Service::connect() ? sent(TelvaroTaskSwitcher().switchTo(arguments.constFirst())) : Failed;
     }
-    if (!parser.isSet(cApp) || !parser.isSet(cIndex)) {
-        return usageError("switch", QStringLiteral("--app and --index go together"));
+    if (!parser.isSet(cApp)) {
+        return usageError(command, QStringLiteral("--index goes with --app"));
     }
-    bool isNumber = false;
-    const uint index = parser.value(cIndex).toUInt(&isNumber);
-    if (!isNumber) {
-        return usageError("switch",
-                          QStringLiteral("'%1' is not a number from 0 to 4294967295").arg(parser.value(cIndex)));
+    const auto index = toNumber(command, parser.value(cIndex), 0, std::numeric_limits<uint32_t>::max());
+    if (!index) {
+        return Usage;
     }
-    const bool isDone =
-        isOnCompositorDevice() && TelvaroTaskSwitcherDBusConnector().switchToView(parser.value(cApp), index);
-    return isDone ? Done : Failed;
+    return Service::withTaskSwitcher([&parser, index](TelvaroTaskSwitcher& switcher) {
+        const QString appId = parser.value(cApp);
+        const QList<View>& views = switcher.getViews()->getViews();
+        const bool isThere = std::any_of(views.begin(), views.end(), [&appId, index](const View& view) {
+            return view.appId == appId && view.sortIndex == *index;
+        });
+        if (!isThere) {
+            printError(QStringLiteral("the application '%1' has no view with the index %2").arg(appId).arg(*index));
+            return Failed;
+        }
+        return sent(switcher.switchToView(appId, static_cast<uint32_t>(*index)));
+    });
 }
 
-ExitStatus step(const char* command, bool backward, const QStringList& arguments)
+ExitStatus step(QDBusPendingReply<> (TelvaroTaskSwitcher::*step)())
 {
-    if (!arguments.isEmpty()) {
-        return wrongArgumentCount(command);
-    }
-    const bool isDone = isOnCompositorDevice() && TelvaroTaskSwitcherDBusConnector().iterateViews(backward);
-    return isDone ? Done : Failed;
-}
-
-ExitStatus bringToTop(const QStringList& arguments)
-{
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("top");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
-    }
-    TelvaroTaskSwitcherDBusConnector connector;
-    connector.surfaceToTop(arguments.constFirst());
-    if (warningCount() > 0) {
-        return Failed;
-    }
-    const bool isCurrent = connector.isCurrentView(arguments.constFirst());
-    if (warningCount() > 0) {
-        return Failed;
-    }
-    if (!isCurrent) {
-        printError(
-            QStringLiteral("the service did not make a view of '%1' the current one").arg(arguments.constFirst()));
-        return Failed;
-    }
-    return Done;
-}
-
-ExitStatus isCurrent(const QStringList& arguments)
-{
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("is-current");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
-    }
-    const bool answer = TelvaroTaskSwitcherDBusConnector().isCurrentView(arguments.constFirst());
-    // The library compares two unknown process ids as equal, so a warning outweighs the result.
-    return answer && warningCount() == 0 ? Done : Failed;
-}
-
-ExitStatus showPid(const QCommandLineParser& parser, const QStringList& arguments)
-{
-    if (arguments.size() != 1) {
-        return wrongArgumentCount("pid");
-    }
-    const uint32_t pid = TelvaroTaskSwitcherDBusConnector().processNameToPid(arguments.constFirst());
-    if (warningCount() > 0) {
-        return Failed;
-    }
-    if (isJsonWanted(parser)) {
-        printJson(QJsonObject{{QStringLiteral("pid"), static_cast<qint64>(pid)}});
-    } else {
-        printLine(QString::number(pid));
-    }
-    return Done;
+    return Service::withTaskSwitcher([step](TelvaroTaskSwitcher& switcher) {
+        if (switcher.getViews()->getCurrentRow() < 0) {
+            printError(QStringLiteral("no view is current"));
+            return Failed;
+        }
+        return sent((switcher.*step)());
+    });
 }
 
 } // namespace
@@ -182,35 +179,29 @@ ExitStatus showPid(const QCommandLineParser& parser, const QStringList& argument
 QList<Command> viewCommands()
 {
     return {
-        {"views", "Lists the views in the service's order.", "", "", jsonOption, listViews},
-        {"current", "Shows the current view.", "", "Exits with 1 where no view is current.", jsonOption,
+        {"views", "Lists the views in the service's order.", "", "The current view is marked with a star.",
+         formatOptions, listViews},
+        {"current", "Shows the current view.", "", "Exits with 1 if no view is current.", formatOptions,
          showCurrentView},
-        {"switch", "Makes a view the current one.", "UUID | --app ID --index N", "",
+        {"switch",
+         "Makes a view the current one.",
+         "UUID | --app APP [--index INDEX]",
+         "Without an index it is the application's view with the lowest one, unless one of them\nis current already.",
          [] {
              return QList<QCommandLineOption>{
-                 {cApp, QStringLiteral("The view's application."), QStringLiteral("ID")},
-                 {cIndex, QStringLiteral("The view's sort index in its application."), QStringLiteral("N")}};
+                 {cApp, QStringLiteral("The view's application."), QStringLiteral("APP")},
+                 {cIndex, QStringLiteral("The view's sort index in its application."), QStringLiteral("INDEX")}};
          },
-         switchView},
+         switchView,
+         {QStringLiteral("UUID")}},
         {"next", "Steps to the next view of the current application, from the last to the first.", "", "", noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return step("next", false, arguments);
+         [](const QCommandLineParser& /*parser*/, const QStringList& /*arguments*/) {
+             return step(&TelvaroTaskSwitcher::next);
          }},
         {"previous", "Steps to the previous view of the current application, from the first to the last.", "", "",
          noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return step("previous", true, arguments);
+         [](const QCommandLineParser& /*parser*/, const QStringList& /*arguments*/) {
+             return step(&TelvaroTaskSwitcher::previous);
          }},
-        {"top", "Makes the view of a process, given by its name, the current one.", "PROCESS",
-         "Reads the current view back and exits with 1 if it is not one of that process.", noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return bringToTop(arguments);
-         }},
-        {"is-current", "Tests whether the current view belongs to a process, given by its name.", "PROCESS",
-         "Prints nothing: exits with 0 if it does and with 1 if not.", noOptions,
-         [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
-             return isCurrent(arguments);
-         }},
-        {"pid", "Prints the process id of the one running process of a name.", "PROCESS", "", jsonOption, showPid},
     };
 }

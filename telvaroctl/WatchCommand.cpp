@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "BusEnd.h"
 #include "Command.h"
 #include "Console.h"
+#include "Json.h"
+#include "Service.h"
+#include "Template.h"
+#include "TimeLimit.h"
 #include "UnixSignals.h"
+#include "ViewFields.h"
 
 #include <TelvaroDBusDefinitions.h>
 #include <TelvaroScreen.h>
 #include <TelvaroTaskSwitcher.h>
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDBusConnection>
+#include <QDateTime>
 #include <QJsonDocument>
-#include <QJsonObject>
-#include <QJsonValue>
 #include <QObject>
 #include <QString>
 
@@ -20,19 +25,30 @@
 
 namespace {
 
-void report(bool asJson, const char* signal, const QJsonValue& value)
+const QString cTimestamps = QStringLiteral("timestamps");
+const QString cSignal = QStringLiteral("signal");
+const QString cValue = QStringLiteral("value");
+const QString cTime = QStringLiteral("time");
+const QString cAppId = QStringLiteral("appId");
+const QString cTitle = QStringLiteral("title");
+
+QStringList fieldNames()
 {
-    if (asJson) {
-        QJsonObject object{{QStringLiteral("signal"), QLatin1String(signal)}};
-        if (!value.isUndefined()) {
-            object.insert(QStringLiteral("value"), value);
-        }
-        printLine(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
-        return;
-    }
-    const QString text = printable(value.toVariant().toString());
-    printLine(text.isEmpty() ? QString(QLatin1String(signal)) : QLatin1String(signal) + QLatin1Char(' ') + text);
+    return QStringList({cTime, cSignal, cValue}) + ViewFields::names();
 }
+
+QString now()
+{
+    const QDateTime time = QDateTime::currentDateTime();
+    return time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs);
+}
+
+struct Form
+{
+    std::optional<Template> format;
+    bool asJson;
+    bool hasTimestamps;
+};
 
 /// Prints what changes in the service, by the names of the connectors' signals, whenever its state is known.
 class Watch : public QObject
@@ -40,19 +56,15 @@ class Watch : public QObject
     Q_OBJECT
 
 public:
-    explicit Watch(bool asJson)
-        : mAsJson(asJson)
+    explicit Watch(const Form& form)
+        : mForm(form)
     {
         const std::array<const TelvaroLiveObject*, 3> objects = {&mService, &mTaskSwitcher, &mScreen};
         for (const TelvaroLiveObject* const object : objects) {
             connect(object, &TelvaroLiveObject::statusChanged, this, &Watch::onStatusChanged);
         }
-        // To the live objects the end of the bus is that of the service, which may be absent already.
-        bus().connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                      QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                      SLOT(onDisconnected()));
         connect(&mTaskSwitcher, &TelvaroTaskSwitcher::viewsChanged, this, [this] {
-            reportChange(mTaskSwitcher, "viewsChanged", QJsonValue::Undefined);
+            reportChange(mTaskSwitcher, "viewsChanged", {});
         });
         connect(&mTaskSwitcher, &TelvaroTaskSwitcher::currentViewChanged, this, [this] {
             reportChange(mTaskSwitcher, "currentViewChanged", mTaskSwitcher.getCurrentView());
@@ -68,24 +80,50 @@ public:
         });
     }
 
-    static QDBusConnection bus()
-    {
-        return QDBusConnection::TELVARO_BUS();
-    }
-
-private Q_SLOTS:
-    void onDisconnected()
-    {
-        QCoreApplication::exit(Failed);
-    }
-
 private:
-    // The first values, and the empty ones of a service that has gone, are no changes.
-    void reportChange(const TelvaroLiveObject& object, const char* signal, const QJsonValue& value)
+    void report(const char* signal, const QVariant& value, const QVariantMap& view = {}) const
     {
-        if (mIsServiceKnown && object.getStatus() != TelvaroLiveObject::Absent) {
-            report(mAsJson, signal, value);
+        QVariantMap fields{{cSignal, QLatin1String(signal)}};
+        if (value.isValid()) {
+            fields.insert(cValue, value);
         }
+        if (mForm.hasTimestamps || mForm.format) {
+            fields.insert(cTime, now());
+        }
+        if (mForm.format) {
+            for (auto field = view.begin(); field != view.end(); ++field) {
+                fields.insert(field.key(), field.value());
+            }
+            printLine(mForm.format->render(fields));
+            return;
+        }
+        if (mForm.asJson) {
+            for (const QString& name : {cAppId, cTitle}) {
+                if (view.contains(name)) {
+                    fields.insert(name, view.value(name));
+                }
+            }
+            printLine(QString::fromUtf8(QJsonDocument(toJson(fields)).toJson(QJsonDocument::Compact)));
+            return;
+        }
+        QStringList words;
+        for (const QVariant& word : {fields.value(cTime), fields.value(cSignal), value, view.value(cAppId)}) {
+            if (!word.toString().isEmpty()) {
+                words.append(printable(word.toString()));
+            }
+        }
+        printLine(words.join(QLatin1Char(' ')));
+    }
+
+    // The first values, and the empty ones of a service that has gone, are no changes.
+    void reportChange(const TelvaroLiveObject& object, const char* signal, const QVariant& value)
+    {
+        if (!mIsServiceKnown || object.getStatus() == TelvaroLiveObject::Absent) {
+            return;
+        }
+        const auto view =
+            &object == &mTaskSwitcher ? mTaskSwitcher.getViews()->getView(value.toString()) : TelvaroViewModel::View();
+        report(signal, value, view.uuid.isEmpty() ? QVariantMap() : ViewFields::of(view, true));
     }
 
     void onStatusChanged()
@@ -97,9 +135,10 @@ private:
         }
         if (!mIsAnnounced) {
             mIsAnnounced = true;
+            TimeLimit::lift();
             printError(QStringLiteral("watching %1").arg(TelvaroDBusDefinitions::getServiceName()));
         } else if (isKnown != mIsServiceKnown) {
-            report(mAsJson, isKnown ? "serviceBack" : "serviceGone", QJsonValue::Undefined);
+            report(isKnown ? "serviceBack" : "serviceGone", {});
         }
         mIsServiceKnown = isKnown;
     }
@@ -109,7 +148,7 @@ private:
         return object.getStatus() == TelvaroLiveObject::Ready || object.getStatus() == TelvaroLiveObject::Failed;
     }
 
-    bool mAsJson;
+    Form mForm;
     bool mIsAnnounced = false;
     bool mIsServiceKnown = false;
     TelvaroLiveObject mService;
@@ -117,31 +156,23 @@ private:
     TelvaroScreen mScreen;
 };
 
-ExitStatus watch(const QCommandLineParser& parser, const QStringList& arguments)
+ExitStatus watch(const QCommandLineParser& parser, const QStringList& /*arguments*/)
 {
-    if (!arguments.isEmpty()) {
-        return wrongArgumentCount("watch");
-    }
-    if (!isOnCompositorDevice()) {
-        return Failed;
+    const auto format = Template::fromOption(parser, fieldNames());
+    if (const Error* const error = std::get_if<Error>(&format)) {
+        return usageError(QStringLiteral("watch"), error->text);
     }
     // Before Qt's D-Bus thread starts.
     UnixSignals::block();
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-
-    // Qt aborts where a closed connection is subscribed to.
-    if (!Watch::bus().isConnected()) {
-        printError(QStringLiteral("there is no bus"));
+    if (!Service::connect()) {
         return Failed;
     }
-    const Watch watch(isJsonWanted(parser));
-    if (QCoreApplication::exec() != Done) {
-        printError(QStringLiteral("there is no bus"));
-        return Failed;
-    }
-    return Done;
+    const BusEnd busEnd;
+    const Watch watch({std::get<std::optional<Template>>(format), isJsonWanted(parser), parser.isSet(cTimestamps)});
+    return static_cast<ExitStatus>(QCoreApplication::exec());
 }
 
 } // namespace
@@ -151,8 +182,13 @@ QList<Command> watchCommands()
     return {
         {"watch", "Prints each change as it comes, until interrupted.", "",
          "Prints 'watching' to standard error once it listens. Waits for a service that is not\n"
-         "registered yet, and prints 'serviceGone' and 'serviceBack' when it goes and comes.",
-         jsonOption, watch},
+         "registered yet, and prints 'serviceGone' and 'serviceBack' when it goes and comes.\n"
+         "The time limit ends when it listens.",
+         [] {
+             return Template::options(fieldNames())
+                 + QList<QCommandLineOption>{{cTimestamps, QStringLiteral("Prints the time before each change.")}};
+         },
+         watch},
     };
 }
 

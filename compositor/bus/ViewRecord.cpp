@@ -12,6 +12,20 @@ QString stateOf(const View& view, bool isCurrent)
     return view.isResponding ? state : state + QStringLiteral(" unresponsive");
 }
 
+QVariantMap attributesOf(const View& view, bool isCurrent)
+{
+    QVariantMap attributes{
+        {QStringLiteral("title"), view.title},          {QStringLiteral("processName"), view.processName},
+        {QStringLiteral("current"), isCurrent},         {QStringLiteral("responding"), view.isResponding},
+        {QStringLiteral("dialog"), view.isDialog},      {QStringLiteral("width"), view.size.width()},
+        {QStringLiteral("height"), view.size.height()},
+    };
+    for (auto attribute = view.attributes.cbegin(); attribute != view.attributes.cend(); ++attribute) {
+        attributes.insert(attribute.key(), attribute.value());
+    }
+    return attributes;
+}
+
 } // namespace
 
 ViewRecordList viewRecordsOf(const ViewList& views)
@@ -21,24 +35,15 @@ ViewRecordList viewRecordsOf(const ViewList& views)
         ViewRecord record;
         record.uuid = view.uuid;
         record.appId = view.appId;
-        record.info1 = view.title;
-        record.info2 = view.processName;
-        record.info3 = stateOf(view, view.uuid == views.current());
-        record.info4 = view.isDialog ? QStringLiteral("dialog") : QStringLiteral("window");
+        const bool isCurrent = view.uuid == views.current();
+        const auto& infos = view.record.infos;
+        record.info1 = infos[0].value_or(view.title);
+        record.info2 = infos[1].value_or(view.processName);
+        record.info3 = infos[2].value_or(stateOf(view, isCurrent));
+        record.info4 = infos[3].value_or(view.isDialog ? QStringLiteral("dialog") : QStringLiteral("window"));
         record.pid = view.pid;
         record.sortIndex = view.sortIndex;
-        record.attributes = {
-            {QStringLiteral("title"), view.title},
-            {QStringLiteral("processName"), view.processName},
-            {QStringLiteral("current"), view.uuid == views.current()},
-            {QStringLiteral("responding"), view.isResponding},
-            {QStringLiteral("dialog"), view.isDialog},
-            {QStringLiteral("width"), view.size.width()},
-            {QStringLiteral("height"), view.size.height()},
-        };
-        for (auto attribute = view.attributes.cbegin(); attribute != view.attributes.cend(); ++attribute) {
-            record.attributes.insert(attribute.key(), attribute.value());
-        }
+        record.attributes = view.record.attributes ? *view.record.attributes : attributesOf(view, isCurrent);
         records.append(record);
     }
     return records;

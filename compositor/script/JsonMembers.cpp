@@ -11,19 +11,34 @@ JsonMembers::JsonMembers(const JsonReader& object)
     }
 }
 
+bool JsonMembers::has(const QString& key)
+{
+    if (!mKnown.contains(key)) {
+        mKnown.append(key);
+    }
+    return mMembers.contains(key);
+}
+
 JsonReader JsonMembers::take(const QString& key)
 {
-    if (!has(key)) {
-        mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
-    }
+    require({key});
     return mObject.part(JsonReader::quoted(key), mMembers.take(key));
 }
 
-QString JsonMembers::choose(const QStringList& keys) const
+void JsonMembers::require(const QStringList& keys)
+{
+    for (const QString& key : keys) {
+        if (!has(key)) {
+            mObject.reject(QStringLiteral("%1 is missing").arg(JsonReader::quoted(key)));
+        }
+    }
+}
+
+QString JsonMembers::choose(const QStringList& keys)
 {
     QStringList found;
     for (const QString& key : keys) {
-        if (has(key)) {
+        if (mMembers.contains(key)) {
             found.append(key);
         }
     }
@@ -37,12 +52,14 @@ QString JsonMembers::choose(const QStringList& keys) const
     if (found.size() > 1) {
         mObject.reject(QStringLiteral("only one of %1 is expected").arg(JsonReader::quotedList(found)));
     }
+    has(found.constFirst());
     return found.constFirst();
 }
 
 void JsonMembers::finish() const
 {
     if (!mMembers.isEmpty()) {
-        mObject.reject(QStringLiteral("unknown key %1").arg(JsonReader::quoted(mMembers.begin().key())));
+        mObject.reject(QStringLiteral("unknown key %1; the keys here are %2")
+                           .arg(JsonReader::quoted(mMembers.begin().key()), JsonReader::quotedList(mKnown)));
     }
 }

@@ -7,12 +7,6 @@
 #include <QJsonObject>
 #include <QMetaType>
 
-namespace {
-
-constexpr double cMostSeconds = 1000000;
-
-} // namespace
-
 JsonReader::JsonReader(const QByteArray& content)
 {
     QJsonParseError error;
@@ -51,13 +45,32 @@ bool JsonReader::readBool() const
     return mValue.toBool();
 }
 
-int JsonReader::readMilliseconds() const
+double JsonReader::readDecimal() const
+{
+    constexpr int cLargest = 1000000;
+    const double number = mValue.toDouble();
+    if (!mValue.isDouble() || std::abs(number) > cLargest) {
+        reject(QStringLiteral("a number from -%1 to %1 is expected").arg(cLargest));
+    }
+    return number;
+}
+
+int JsonReader::readMilliseconds(int mostSeconds) const
 {
     const double seconds = mValue.toDouble();
-    if (!mValue.isDouble() || seconds < 0 || seconds > cMostSeconds) {
-        reject(QStringLiteral("a number of seconds from 0 to %1 is expected").arg(int(cMostSeconds)));
+    if (!mValue.isDouble() || seconds < 0 || seconds > mostSeconds) {
+        reject(QStringLiteral("a number of seconds from 0 to %1 is expected").arg(mostSeconds));
     }
     return static_cast<int>(std::lround(seconds * 1000));
+}
+
+int JsonReader::readWord(const QStringList& words) const
+{
+    const int index = mValue.isString() ? words.indexOf(mValue.toString()) : -1;
+    if (index < 0) {
+        reject(QStringLiteral("%1 is expected").arg(quotedList(words, QStringLiteral(" or "))));
+    }
+    return index;
 }
 
 QVector<JsonReader> JsonReader::readList(const QString& description) const
@@ -143,11 +156,11 @@ QString JsonReader::quoted(const QString& text)
     return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
-QString JsonReader::quotedList(const QStringList& texts)
+QString JsonReader::quotedList(const QStringList& texts, const QString& separator)
 {
     QStringList result;
     for (const QString& text : texts) {
         result.append(quoted(text));
     }
-    return result.join(QStringLiteral(", "));
+    return result.join(separator);
 }

@@ -28,10 +28,15 @@ public:
     /// Returns a string that is not empty.
     QString readText() const;
     bool readBool() const;
-    /// `Number` is an integer type, whose largest value is the upper limit.
-    template <typename Number> Number readNumber(Number smallest) const;
-    /// The value is in seconds.
-    int readMilliseconds() const;
+    /// `Number` is an integer type.
+    template <typename Number>
+    Number readNumber(Number smallest, Number largest = std::numeric_limits<Number>::max()) const;
+    /// Returns a number with decimals from -1000000 to 1000000.
+    double readDecimal() const;
+    /// The value is in seconds, at most `mostSeconds`.
+    int readMilliseconds(int mostSeconds = cMostSeconds) const;
+    /// Returns the index of the text in `words`.
+    int readWord(const QStringList& words) const;
     /// Returns the elements of a list; `description` is what a list is asked for.
     QVector<JsonReader> readList(const QString& description) const;
     QStringList readTexts() const;
@@ -49,18 +54,19 @@ public:
 
     /// Returns the text in quotation marks.
     static QString quoted(const QString& text);
-    static QString quotedList(const QStringList& texts);
+    static QString quotedList(const QStringList& texts, const QString& separator = QStringLiteral(", "));
 
 private:
+    static constexpr int cMostSeconds = 1000000;
+
     QVariant readScalar() const;
 
     QString mPlace;
     QJsonValue mValue;
 };
 
-template <typename Number> Number JsonReader::readNumber(Number smallest) const
+template <typename Number> Number JsonReader::readNumber(Number smallest, Number largest) const
 {
-    constexpr Number largest = std::numeric_limits<Number>::max();
     const double number = mValue.toDouble();
     if (!mValue.isDouble() || number < smallest || number > largest || std::floor(number) < number) {
         reject(QStringLiteral("a whole number from %1 to %2 is expected").arg(smallest).arg(largest));

@@ -4,9 +4,11 @@
 
 #include "bus/BusCall.h"
 #include "bus/FaultTable.h"
+#include "shell/Gesture.h"
 #include "state/View.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 
 #include <optional>
@@ -19,6 +21,25 @@ namespace Script {
 struct AddView
 {
     View view;
+    std::optional<quint32> sortIndex;
+};
+
+struct ChangeView
+{
+    QString uuid;
+    ViewChange change;
+};
+
+/// Arranges these views in this order, in the places that they have together.
+struct OrderViews
+{
+    QStringList uuids;
+};
+
+/// Announces a text as the current view, which need not be one.
+struct AnnounceCurrentView
+{
+    QString text;
 };
 
 struct RemoveView
@@ -38,6 +59,12 @@ struct Call
 struct SetScreenSaverActive
 {
     bool isActive = false;
+};
+
+/// Lets the timeout blank the screen, or only the script.
+struct SetBlanking
+{
+    bool isAutomatic = true;
 };
 
 struct AddFault
@@ -61,12 +88,56 @@ struct Freeze
     int milliseconds = 0;
 };
 
-using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze>;
+/// Makes the input of a person.
+struct Input
+{
+    Gesture gesture;
+};
 
-/// What a step waits for: the n-th matching call, or the n-th view of an application.
+/// Stops the processes of an application, and lets its views of the script not respond.
+struct Hang
+{
+    QString appId;
+    /// For ever if there is none.
+    std::optional<int> milliseconds;
+};
+
+/// Ends the Wayland server and all that applications know of the compositor, and starts it again later.
+struct Restart
+{
+    int milliseconds = 0;
+};
+
+/// Ends the program.
+struct End
+{
+    int status = 0;
+};
+
+using Action = std::variant<AddView, RemoveView, Call, SetScreenSaverActive, AddFault, EndFault, SetService, Freeze,
+                            ChangeView, OrderViews, AnnounceCurrentView, SetBlanking, Input, Hang, Restart, End>;
+
+/// What a view of an application comes to.
+struct ViewPattern
+{
+    enum class State
+    {
+        Shown,
+        Current,
+        Unresponsive,
+        Gone
+    };
+
+    State state = State::Shown;
+    QString appId;
+    /// Any if there is none.
+    std::optional<QString> title;
+};
+
+/// What a step waits for: the n-th matching call, or the n-th time that a view comes to be as the pattern says.
 struct Event
 {
-    std::variant<CallPattern, QString> what;
+    std::variant<CallPattern, ViewPattern> what;
     int times = 1;
 };
 

@@ -4,6 +4,7 @@
 
 #include "bus/BusInterfaces.h"
 #include "script/JsonMembers.h"
+#include "script/ViewReader.h"
 
 #include <QDBusVariant>
 #include <QFile>
@@ -19,8 +20,15 @@ const QString cCall = QStringLiteral("call");
 const QString cGet = QStringLiteral("get");
 const QString cSet = QStringLiteral("set");
 const QString cInterface = QStringLiteral("interface");
-const QString cView = QStringLiteral("view");
 const QStringList cCallKeys{cCall, cGet, cSet, cInterface};
+/// In the order of Script::ViewPattern::State.
+const QStringList cViewStates{QStringLiteral("view"), QStringLiteral("current"), QStringLiteral("unresponsive"),
+                              QStringLiteral("gone")};
+const QString cSeconds = QStringLiteral("seconds");
+
+/// Of a gesture: the next one waits for it.
+constexpr int cMostSecondsOfInput = 60;
+constexpr int cMostExitStatus = 255;
 
 /// The qualified name of a member of an interface, split.
 struct MemberName
@@ -116,36 +124,23 @@ Script::Event readEvent(const JsonReader& reader)
 {
     JsonMembers members(reader);
     Script::Event event;
-    if (members.choose(cCallKeys + QStringList{cView}) == cView) {
-        event.what = members.take(cView).readText();
-    } else {
+    const int state = cViewStates.indexOf(members.choose(cCallKeys + cViewStates));
+    if (state < 0) {
         event.what = takeCalls(members);
+    } else {
+        Script::ViewPattern pattern;
+        pattern.state = static_cast<Script::ViewPattern::State>(state);
+        pattern.appId = members.take(cViewStates.at(state)).readText();
+        if (members.has(QStringLiteral("title"))) {
+            pattern.title = members.take(QStringLiteral("title")).readText();
+        }
+        event.what = pattern;
     }
     if (members.has(QStringLiteral("times"))) {
         event.times = takeTimes(members);
     }
     members.finish();
     return event;
-}
-
-Script::AddView readView(const JsonReader& reader)
-{
-    const QString title = QStringLiteral("title");
-    const QString processName = QStringLiteral("processName");
-    const QString attributes = QStringLiteral("attributes");
-    JsonMembers members(reader);
-    View view;
-    view.size = QSize(0, 0);
-    view.uuid = members.take(QStringLiteral("uuid")).readText();
-    view.appId = members.take(QStringLiteral("appId")).readText();
-    view.pid = members.take(QStringLiteral("pid")).readNumber<quint32>(1);
-    view.title = members.has(title) ? members.take(title).readText() : view.appId;
-    view.processName = members.has(processName) ? members.take(processName).readText() : view.appId;
-    if (members.has(attributes)) {
-        view.attributes = members.take(attributes).readScalars();
-    }
-    members.finish();
-    return {view};
 }
 
 /// The one member of an object whose key is a name on the bus.
@@ -223,7 +218,6 @@ Script::AddFault readFault(const JsonReader& reader)
     const QString text = QStringLiteral("text");
     const QString delay = QStringLiteral("delay");
     const QString silent = QStringLiteral("silent");
-    const QString seconds = QStringLiteral("seconds");
     JsonMembers members(reader);
     CallFault fault;
     fault.calls = takeCalls(members);
@@ -241,8 +235,8 @@ Script::AddFault readFault(const JsonReader& reader)
     if (members.has(delay)) {
         fault.delayMilliseconds = members.take(delay).readMilliseconds();
     }
-    if (members.has(seconds)) {
-        fault.lifetimeMilliseconds = members.take(seconds).readMilliseconds();
+    if (members.has(cSeconds)) {
+        fault.lifetimeMilliseconds = members.take(cSeconds).readMilliseconds();
     }
     if (members.has(QStringLiteral("times"))) {
         fault.lifetimeCalls = takeTimes(members);
@@ -261,11 +255,7 @@ Script::EndFault readEndFault(const JsonReader& reader)
 
 Script::SetService readService(const JsonReader& reader)
 {
-    const QString text = reader.value().toString();
-    if (text != QLatin1String("gone") && text != QLatin1String("back")) {
-        reader.reject(QStringLiteral("\"gone\" or \"back\" is expected"));
-    }
-    return {text == QLatin1String("back")};
+    return {reader.readWord({QStringLiteral("gone"), QStringLiteral("back")}) == 1};
 }
 
 Script::RemoveView readRemoveView(const JsonReader& reader)
@@ -273,38 +263,238 @@ Script::RemoveView readRemoveView(const JsonReader& reader)
     return {reader.readText()};
 }
 
+Script::SetBlanking readBlanking(const JsonReader& reader)
+{
+    return {reader.readWord({QStringLiteral("automatic"), QStringLiteral("scripted")}) == 0};
+}
+
 Script::Freeze readFreeze(const JsonReader& reader)
 {
     return {reader.readMilliseconds()};
 }
 
+Script::Hang readHang(const JsonReader& reader)
+{
+    JsonMembers members(reader);
+    Script::Hang hang;
+    hang.appId = members.take(QStringLiteral("view")).readText();
+    if (members.has(cSeconds)) {
+        hang.milliseconds = members.take(cSeconds).readMilliseconds();
+    }
+    members.finish();
+    return hang;
+}
+
+Script::Restart readRestart(const JsonReader& reader)
+{
+    return {reader.readMilliseconds()};
+}
+
+Script::End readEnd(const JsonReader& reader)
+{
+    return {reader.readNumber<int>(0, cMostExitStatus)};
+}
+
+QPointF takePosition(JsonMembers& members)
+{
+    const double x = members.take(QStringLiteral("x")).readDecimal();
+    return {x, members.take(QStringLiteral("y")).readDecimal()};
+}
+
+Gesture::Space takeSpace(JsonMembers& members)
+{
+    const QString in = QStringLiteral("in");
+    const QStringList words{QStringLiteral("output"), QStringLiteral("view")};
+    return members.has(in) && members.take(in).readWord(words) == 1 ? Gesture::Space::View : Gesture::Space::Output;
+}
+
+int takeInputSeconds(JsonMembers& members, int defaultMilliseconds)
+{
+    return members.has(cSeconds) ? members.take(cSeconds).readMilliseconds(cMostSecondsOfInput) : defaultMilliseconds;
+}
+
+Script::Input readTap(const JsonReader& reader)
+{
+    JsonMembers members(reader);
+    const QPointF position = takePosition(members);
+    Gesture gesture = Gesture::tap(position, takeInputSeconds(members, 0));
+    gesture.space = takeSpace(members);
+    members.finish();
+    return {gesture};
+}
+
+Script::Input readClick(const JsonReader& reader)
+{
+    const QString key = QStringLiteral("button");
+    const QStringList names{QStringLiteral("left"), QStringLiteral("right"), QStringLiteral("middle")};
+    const Qt::MouseButton buttons[] = {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton};
+    JsonMembers members(reader);
+    const QPointF position = takePosition(members);
+    const Qt::MouseButton button = buttons[members.has(key) ? members.take(key).readWord(names) : 0];
+    Gesture gesture = Gesture::click(position, button, takeInputSeconds(members, 0));
+    gesture.space = takeSpace(members);
+    members.finish();
+    return {gesture};
+}
+
+QPointF readPoint(const JsonReader& reader)
+{
+    const QString description = QStringLiteral("a list of two numbers, x and y,");
+    const QVector<JsonReader> numbers = reader.readList(description);
+    if (numbers.size() != 2) {
+        reader.reject(QStringLiteral("%1 is expected").arg(description));
+    }
+    return {numbers.at(0).readDecimal(), numbers.at(1).readDecimal()};
+}
+
+Script::Input readDrag(const JsonReader& reader)
+{
+    constexpr int cUsualMilliseconds = 300;
+    const QString key = QStringLiteral("with");
+    JsonMembers members(reader);
+    const QPointF from = readPoint(members.take(QStringLiteral("from")));
+    const QPointF to = readPoint(members.take(QStringLiteral("to")));
+    const int milliseconds = takeInputSeconds(members, cUsualMilliseconds);
+    const bool isPointer =
+        members.has(key) && members.take(key).readWord({QStringLiteral("finger"), QStringLiteral("pointer")}) == 1;
+    Gesture gesture =
+        isPointer ? Gesture::dragPointer(from, to, milliseconds) : Gesture::dragFinger(from, to, milliseconds);
+    gesture.space = takeSpace(members);
+    members.finish();
+    return {gesture};
+}
+
+Script::Input readPointer(const JsonReader& reader)
+{
+    JsonMembers members(reader);
+    Gesture gesture = Gesture::movePointer(takePosition(members));
+    gesture.space = takeSpace(members);
+    members.finish();
+    return {gesture};
+}
+
+Script::Input readScroll(const JsonReader& reader)
+{
+    constexpr int cMostSteps = 1000;
+    const auto takeSteps = [](JsonMembers& members, const QString& key) {
+        return members.has(key) ? members.take(key).readNumber<int>(-cMostSteps, cMostSteps) : 0;
+    };
+    JsonMembers members(reader);
+    const QPointF position = takePosition(members);
+    const QPoint steps(takeSteps(members, QStringLiteral("right")), takeSteps(members, QStringLiteral("down")));
+    Gesture gesture = Gesture::scroll(position, steps);
+    gesture.space = takeSpace(members);
+    members.finish();
+    if (steps.isNull()) {
+        reader.reject(QStringLiteral("steps \"down\" or \"right\" are expected, negative ones for the other way"));
+    }
+    return {gesture};
+}
+
+template <typename Value> Value valueOf(const JsonReader& reader, Result<Value> result)
+{
+    if (const auto* const error = std::get_if<Error>(&result)) {
+        reader.reject(error->text);
+    }
+    return std::get<Value>(std::move(result));
+}
+
+Script::Input readType(const JsonReader& reader, const Keymap& keymap)
+{
+    Gesture gesture;
+    const QVector<QVector<quint32>> strokes = valueOf(reader, keymap.readText(reader.readText()));
+    for (const QVector<quint32>& keys : strokes) {
+        gesture.pressKeys(keys);
+        gesture.releaseKeys(keys);
+    }
+    return {gesture};
+}
+
+Script::Input readKey(const JsonReader& reader, const Keymap& keymap)
+{
+    const QString press = QStringLiteral("press");
+    const QString release = QStringLiteral("release");
+    const QString hold = QStringLiteral("hold");
+    const auto readKeys = [&keymap](const JsonReader& keys) {
+        return valueOf(keys, keymap.readKeys(keys.readText()));
+    };
+    Gesture gesture;
+    if (!reader.value().isObject()) {
+        const QVector<quint32> keys = readKeys(reader);
+        gesture.pressKeys(keys);
+        gesture.releaseKeys(keys);
+        return {gesture};
+    }
+    JsonMembers members(reader);
+    const QString action = members.choose({press, release, hold});
+    const QVector<quint32> keys = readKeys(members.take(action));
+    if (action != release) {
+        gesture.pressKeys(keys);
+    }
+    if (action != press) {
+        gesture.releaseKeys(keys, action == hold ? members.take(cSeconds).readMilliseconds(cMostSecondsOfInput) : 0);
+    }
+    members.finish();
+    return {gesture};
+}
+
 struct Verb
 {
     QString key;
-    Script::Action (*read)(const JsonReader& reader);
+    Script::Action (*read)(const JsonReader& reader, const Keymap& keymap);
 };
 
-template <auto function> Script::Action readWith(const JsonReader& reader)
+template <auto function> Script::Action readWith(const JsonReader& reader, const Keymap& keymap)
 {
-    return function(reader);
+    if constexpr (std::is_invocable_v<decltype(function), const JsonReader&, const Keymap&>) {
+        return function(reader, keymap);
+    } else {
+        return function(reader);
+    }
 }
 
 const QVector<Verb>& verbs()
 {
     static const QVector<Verb> all{
-        {QStringLiteral("add-view"), readWith<readView>},
+        {QStringLiteral("add-view"), readWith<ViewReader::readView>},
+        {QStringLiteral("change-view"), readWith<ViewReader::readChange>},
+        {QStringLiteral("order-views"), readWith<ViewReader::readOrder>},
+        {QStringLiteral("current-view"), readWith<ViewReader::readCurrent>},
         {QStringLiteral("remove-view"), readWith<readRemoveView>},
-        {cSet, readSet},
+        {QStringLiteral("blanking"), readWith<readBlanking>},
+        {cSet, readWith<readSet>},
         {cCall, readWith<readCall>},
         {QStringLiteral("fault"), readWith<readFault>},
         {QStringLiteral("end-fault"), readWith<readEndFault>},
         {QStringLiteral("service"), readWith<readService>},
         {QStringLiteral("freeze"), readWith<readFreeze>},
+        {QStringLiteral("hang"), readWith<readHang>},
+        {QStringLiteral("restart"), readWith<readRestart>},
+        {QStringLiteral("end"), readWith<readEnd>},
+        {QStringLiteral("tap"), readWith<readTap>},
+        {QStringLiteral("click"), readWith<readClick>},
+        {QStringLiteral("drag"), readWith<readDrag>},
+        {QStringLiteral("pointer"), readWith<readPointer>},
+        {QStringLiteral("scroll"), readWith<readScroll>},
+        {QStringLiteral("type"), readWith<readType>},
+        {QStringLiteral("key"), readWith<readKey>},
     };
     return all;
 }
 
-Script::Step readStep(int number, const QJsonValue& value)
+Script::Action takeAction(JsonMembers& members, const Keymap& keymap)
+{
+    QStringList keys;
+    for (const Verb& verb : verbs()) {
+        keys.append(verb.key);
+    }
+    const Verb& verb = verbs().at(keys.indexOf(members.choose(keys)));
+    const Script::Action action = verb.read(members.take(verb.key), keymap);
+    members.finish();
+    return action;
+}
+
+Script::Step readStep(int number, const QJsonValue& value, const Keymap& keymap)
 {
     const QString at = QStringLiteral("at");
     const QString after = QStringLiteral("after");
@@ -317,19 +507,13 @@ Script::Step readStep(int number, const QJsonValue& value)
     if (members.has(after)) {
         step.after = readEvent(members.take(after));
     }
-    QStringList keys;
-    for (const Verb& verb : verbs()) {
-        keys.append(verb.key);
-    }
-    const Verb& verb = verbs().at(keys.indexOf(members.choose(keys)));
-    step.action = verb.read(members.take(verb.key));
-    members.finish();
+    step.action = takeAction(members, keymap);
     return step;
 }
 
 } // namespace
 
-Result<Script::Plan> ScriptFile::read(const QString& fileName)
+Result<Script::Plan> ScriptFile::read(const QString& fileName, const Keymap& keymap)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -339,10 +523,20 @@ Result<Script::Plan> ScriptFile::read(const QString& fileName)
     try {
         const QVector<JsonReader> steps = JsonReader(file.readAll()).readList(QStringLiteral("a list of steps"));
         for (int i = 0; i < steps.size(); ++i) {
-            plan.steps.push_back(readStep(i + 1, steps.at(i).value()));
+            plan.steps.push_back(readStep(i + 1, steps.at(i).value(), keymap));
         }
     } catch (const Error& error) {
         return Error{QStringLiteral("%1: %2").arg(fileName, error.text)};
     }
     return plan;
+}
+
+Result<Script::Action> ScriptFile::readAction(const QByteArray& json, const Keymap& keymap)
+{
+    try {
+        JsonMembers members(JsonReader(QStringLiteral("the step"), JsonReader(json).value()));
+        return takeAction(members, keymap);
+    } catch (const Error& error) {
+        return error;
+    }
 }

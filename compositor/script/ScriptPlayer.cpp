@@ -4,65 +4,125 @@
 
 #include "bus/BusService.h"
 #include "bus/CallGate.h"
+#include "script/ScriptFile.h"
 #include "state/ScreenSaver.h"
 #include "state/ViewList.h"
 
 #include <QThread>
 #include <QTimer>
 
+#include <csignal>
 #include <utility>
 
-ScriptPlayer::ScriptPlayer(Script::Plan plan, ViewList& views, ScreenSaver& screenSaver, CallGate& gate,
-                           BusService& busService, QObject* parent)
+#include <unistd.h>
+
+namespace {
+
+bool matches(const Script::ViewPattern& pattern, const View& view, const QString& current)
+{
+    const bool isWanted = view.appId == pattern.appId && (!pattern.title || view.title == *pattern.title);
+    switch (pattern.state) {
+    case Script::ViewPattern::State::Current:
+        return isWanted && view.uuid == current;
+    case Script::ViewPattern::State::Unresponsive:
+        return isWanted && !view.isResponding;
+    default:
+        return isWanted;
+    }
+}
+
+} // namespace
+
+ScriptPlayer::ScriptPlayer(Script::Plan plan, Stage stage, QObject* parent)
     : QObject(parent)
     , mPlan(std::move(plan))
-    , mViews(views)
-    , mScreenSaver(screenSaver)
-    , mGate(gate)
-    , mBusService(busService)
+    , mStage(std::move(stage))
+    , mViews(mStage.views)
 {
-    connect(&gate, &CallGate::called, this, &ScriptPlayer::noteCall);
-    connect(&views, &ViewList::viewsChanged, this, &ScriptPlayer::noteViews);
+    connect(&mStage.gate, &CallGate::called, this, &ScriptPlayer::noteCall);
+    connect(&mViews, &ViewList::viewsChanged, this, &ScriptPlayer::noteViews);
+}
+
+ScriptPlayer::~ScriptPlayer()
+{
+    const QSet<pid_t> processes = mStoppedProcesses;
+    for (const pid_t process : processes) {
+        resume(process);
+    }
 }
 
 MaybeError ScriptPlayer::start()
 {
+    mIsStarting = true;
     for (const Script::Step& step : mPlan.steps) {
+        if (mError) {
+            break;
+        }
         if (step.after) {
             continue;
         }
         if (step.delayMilliseconds > 0) {
             takeLater(step);
-        } else if (const MaybeError error = take(step)) {
-            mHasFailed = true;
-            return error;
+        } else {
+            take(step);
         }
     }
-    return {};
+    mIsStarting = false;
+    return mError;
 }
 
-MaybeError ScriptPlayer::take(const Script::Step& step)
+MaybeError ScriptPlayer::expectView(const QString& uuid) const
 {
-    const MaybeError error = std::visit(
-        [this](const auto& action) {
-            return execute(action);
-        },
-        step.action);
-    if (!error) {
+    if (qAsConst(mViews).find(uuid) != nullptr) {
         return {};
     }
-    return Error{QStringLiteral("%1: step %2: %3").arg(mPlan.fileName, QString::number(step.number), error->text)};
+    return Error{QStringLiteral("there is no view \"%1\"").arg(uuid)};
+}
+
+void ScriptPlayer::takeStep(const QByteArray& json, const Done& done)
+{
+    const Result<Script::Action> action = ScriptFile::readAction(json, mStage.keymap);
+    if (const auto* const error = std::get_if<Error>(&action)) {
+        done(*error);
+    } else {
+        perform(std::get<Script::Action>(action), done);
+    }
+}
+
+void ScriptPlayer::take(const Script::Step& step)
+{
+    perform(step.action, [this, &step](const MaybeError& error) {
+        if (error) {
+            fail(step, *error);
+        }
+    });
+}
+
+void ScriptPlayer::fail(const Script::Step& step, const Error& error)
+{
+    if (mError) {
+        return;
+    }
+    mError = Error{QStringLiteral("%1: step %2: %3").arg(mPlan.fileName, QString::number(step.number), error.text)};
+    if (!mIsStarting) {
+        Q_EMIT failed(*mError);
+    }
+}
+
+void ScriptPlayer::perform(const Script::Action& action, const Done& done)
+{
+    std::visit(
+        [this, &done](const auto& specific) {
+            perform(specific, done);
+        },
+        action);
 }
 
 void ScriptPlayer::takeLater(const Script::Step& step)
 {
     const auto takeStep = [this, &step] {
-        if (mHasFailed) {
-            return;
-        }
-        if (const MaybeError error = take(step)) {
-            mHasFailed = true;
-            Q_EMIT failed(*error);
+        if (!mError) {
+            take(step);
         }
     };
     if (step.delayMilliseconds > 0) {
@@ -78,7 +138,7 @@ void ScriptPlayer::noteCall(const BusCall& call)
     for (const Script::Step& step : mPlan.steps) {
         const auto* const pattern = step.after ? std::get_if<CallPattern>(&step.after->what) : nullptr;
         if (pattern != nullptr && pattern->matches(call)) {
-            noteEvent(step, ++mCalls[step.number]);
+            noteEvent(step);
         }
     }
 }
@@ -86,25 +146,60 @@ void ScriptPlayer::noteCall(const BusCall& call)
 void ScriptPlayer::noteViews()
 {
     for (const Script::Step& step : mPlan.steps) {
-        const auto* const appId = step.after ? std::get_if<QString>(&step.after->what) : nullptr;
-        if (appId == nullptr) {
-            continue;
-        }
-        QSet<QString>& appeared = mAppearedViews[step.number];
-        for (const View& view : mViews.views()) {
-            if (view.appId == *appId && !appeared.contains(view.uuid)) {
-                appeared.insert(view.uuid);
-                noteEvent(step, appeared.size());
-            }
+        const auto* const pattern = step.after ? std::get_if<Script::ViewPattern>(&step.after->what) : nullptr;
+        if (pattern != nullptr) {
+            noteView(step, *pattern);
         }
     }
 }
 
-void ScriptPlayer::noteEvent(const Script::Step& step, int times)
+void ScriptPlayer::noteView(const Script::Step& step, const Script::ViewPattern& pattern)
 {
-    if (times == step.after->times) {
+    QSet<QString> present;
+    QSet<QString> matching;
+    for (const View& view : mViews.views()) {
+        present.insert(view.uuid);
+        if (matches(pattern, view, mViews.current())) {
+            matching.insert(view.uuid);
+        }
+    }
+    const QSet<QString> before = std::exchange(mMatches[step.number], matching);
+    const bool waitsForEnd = pattern.state == Script::ViewPattern::State::Gone;
+    const int count = waitsForEnd ? (before - present).size() : (matching - before).size();
+    for (int i = 0; i < count; ++i) {
+        noteEvent(step);
+    }
+}
+
+void ScriptPlayer::noteEvent(const Script::Step& step)
+{
+    if (++mCounts[step.number] == step.after->times) {
         takeLater(step);
     }
+}
+
+void ScriptPlayer::perform(const Script::Input& action, const Done& done)
+{
+    mStage.injector.inject(action.gesture, done);
+}
+
+void ScriptPlayer::perform(const Script::Restart& action, const Done& done)
+{
+    if (std::exchange(mIsRestarting, true)) {
+        done(Error{QStringLiteral("the Wayland server is restarting already")});
+        return;
+    }
+    mStage.busService.giveNamesBack();
+    mStage.stopServer();
+    while (!mViews.views().isEmpty()) {
+        mViews.remove(mViews.views().constFirst().uuid);
+    }
+    mOwnViews.clear();
+    QTimer::singleShot(action.milliseconds, Qt::PreciseTimer, this, [this, done] {
+        mIsRestarting = false;
+        const MaybeError error = execute(Script::SetService{true});
+        done(error ? error : mStage.startServer());
+    });
 }
 
 MaybeError ScriptPlayer::execute(const Script::AddView& action)
@@ -112,23 +207,57 @@ MaybeError ScriptPlayer::execute(const Script::AddView& action)
     if (qAsConst(mViews).find(action.view.uuid) != nullptr) {
         return Error{QStringLiteral("there is a view \"%1\" already").arg(action.view.uuid)};
     }
-    mViews.add(action.view);
+    mOwnViews.insert(action.view.uuid);
+    mViews.add(action.view, action.sortIndex);
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
 {
-    if (qAsConst(mViews).find(action.uuid) == nullptr) {
-        return Error{QStringLiteral("there is no view \"%1\"").arg(action.uuid)};
+    if (const MaybeError error = expectView(action.uuid)) {
+        return error;
     }
+    mOwnViews.remove(action.uuid);
     mViews.remove(action.uuid);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::ChangeView& action)
+{
+    if (const MaybeError error = expectView(action.uuid)) {
+        return error;
+    }
+    mViews.change(action.uuid, action.change);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::OrderViews& action)
+{
+    for (const QString& uuid : action.uuids) {
+        if (const MaybeError error = expectView(uuid)) {
+            return error;
+        }
+    }
+    mViews.arrange(action.uuids);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::AnnounceCurrentView& action)
+{
+    mViews.announceAsCurrent(action.text);
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::SetBlanking& action)
+{
+    mStage.screenSaver.setAutomatic(action.isAutomatic);
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::Call& action)
 {
-    const QDBusMessage reply =
-        mGate.callOwnObject(mBusService.connection(), action.path, action.interface, action.member, action.arguments);
+    const QDBusMessage reply = mStage.gate.callOwnObject(mStage.busService.connection(), action.path, action.interface,
+                                                         action.member, action.arguments);
     if (reply.type() == QDBusMessage::ErrorMessage) {
         return Error{QStringLiteral("%1: %2").arg(reply.errorName(), reply.errorMessage())};
     }
@@ -138,8 +267,8 @@ MaybeError ScriptPlayer::execute(const Script::Call& action)
 MaybeError ScriptPlayer::execute(const Script::SetScreenSaverActive& action)
 {
     if (!action.isActive) {
-        mScreenSaver.noteInput();
-    } else if (!mScreenSaver.activate()) {
+        mStage.screenSaver.noteInput();
+    } else if (!mStage.screenSaver.activate()) {
         return Error{QStringLiteral("the screen saver is disabled")};
     }
     return {};
@@ -147,31 +276,83 @@ MaybeError ScriptPlayer::execute(const Script::SetScreenSaverActive& action)
 
 MaybeError ScriptPlayer::execute(const Script::AddFault& action)
 {
-    mGate.faults().add(action.fault);
+    mStage.gate.faults().add(action.fault);
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::EndFault& action)
 {
-    mGate.faults().remove(action.calls);
+    mStage.gate.faults().remove(action.calls);
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::SetService& action)
 {
     if (!action.isThere) {
-        mBusService.giveNamesBack();
+        mStage.busService.giveNamesBack();
         return {};
     }
-    if (const MaybeError error = mBusService.takeName()) {
+    if (const MaybeError error = mStage.busService.takeName()) {
         return error;
     }
-    mBusService.takeNotificationName();
+    mStage.busService.takeNotificationName();
     return {};
 }
 
 MaybeError ScriptPlayer::execute(const Script::Freeze& action)
 {
     QThread::msleep(static_cast<unsigned long>(action.milliseconds));
+    return {};
+}
+
+MaybeError ScriptPlayer::execute(const Script::Hang& action)
+{
+    QStringList ownViews;
+    QSet<pid_t> processes;
+    for (const View& view : mViews.views()) {
+        if (view.appId != action.appId) {
+            continue;
+        }
+        const auto process = static_cast<pid_t>(view.pid);
+        if (mOwnViews.contains(view.uuid)) {
+            ownViews.append(view.uuid);
+        } else if (process > 0 && process != ::getpid()) {
+            processes.insert(process);
+        }
+    }
+    if (ownViews.isEmpty() && processes.isEmpty()) {
+        return Error{QStringLiteral("there is no view of the application \"%1\"").arg(action.appId)};
+    }
+    for (const pid_t process : qAsConst(processes)) {
+        if (::kill(process, SIGSTOP) != 0) {
+            return Error{QStringLiteral("cannot stop the process %1: %2").arg(process).arg(qt_error_string())};
+        }
+        mStoppedProcesses.insert(process);
+    }
+    for (const QString& uuid : qAsConst(ownViews)) {
+        mViews.setResponding(uuid, false);
+    }
+    if (action.milliseconds) {
+        QTimer::singleShot(*action.milliseconds, Qt::PreciseTimer, this, [this, processes, ownViews] {
+            for (const pid_t process : processes) {
+                resume(process);
+            }
+            for (const QString& uuid : ownViews) {
+                mViews.setResponding(uuid, true);
+            }
+        });
+    }
+    return {};
+}
+
+void ScriptPlayer::resume(pid_t process)
+{
+    ::kill(process, SIGCONT);
+    mStoppedProcesses.remove(process);
+}
+
+MaybeError ScriptPlayer::execute(const Script::End& action)
+{
+    Q_EMIT ended(action.status);
     return {};
 }

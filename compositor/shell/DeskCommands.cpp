@@ -40,6 +40,9 @@ DeskCommands::DeskCommands(Output& output, ViewList& views, ScreenSaver& screenS
     add(QStringLiteral("Full screen"), cModifiers | Qt::Key_F, [&output] {
         output.setFullScreen(!output.isFullScreen());
     });
+    add(QStringLiteral("On-screen keyboard"), cModifiers | Qt::Key_K, [this] {
+        Q_EMIT keyboardRequested();
+    });
     add(QStringLiteral("Take a screenshot"), cModifiers | Qt::Key_P, [this] {
         Q_EMIT screenShotRequested();
     });

@@ -41,6 +41,7 @@ Q_SIGNALS:
     void menuRequested();
     /// 1 for the next view, -1 for the previous one, in the order of their use.
     void switchRequested(int step);
+    void keyboardRequested();
     void screenShotRequested();
 
 private:

@@ -16,6 +16,11 @@ public:
     virtual void press(const QPoint& position) = 0;
     /// Ends a press; triggers what was pressed if `position` is still on it.
     virtual void release(const QPoint& position) = 0;
+    /// Returns whether the popups of clients stay open on a press.
+    virtual bool keepsPopups() const
+    {
+        return false;
+    }
 
     /// Returns the first of `layers` that contains `position`; null when none does.
     static InputLayer* at(const QVector<InputLayer*>& layers, const QPointF& position);

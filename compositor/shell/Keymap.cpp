@@ -3,6 +3,7 @@
 #include "shell/Keymap.h"
 
 #include <QChar>
+#include <QKeySequence>
 #include <QRegularExpression>
 
 #include <memory>
@@ -67,6 +68,43 @@ xkb_keysym_t keysymOfKey(int key)
     return keysyms.value(key, XKB_KEY_NoSymbol);
 }
 
+xkb_keysym_t symbolAt(xkb_keymap* keymap, xkb_keycode_t code, xkb_level_index_t level)
+{
+    const xkb_keysym_t* symbols = nullptr;
+    const int count = xkb_keymap_key_get_syms_by_level(keymap, code, 0, level, &symbols);
+    return count == 1 ? symbols[0] : XKB_KEY_NoSymbol;
+}
+
+/// The names that XKB has for the keys of the four rows.
+QVector<QVector<QByteArray>> namesOfRows()
+{
+    QVector<QVector<QByteArray>> rows{{"TLDE"}, {}, {}, {"LSGT"}};
+    const QVector<QByteArray> prefixes{"AE", "AD", "AC", "AB"};
+    for (int i = 0; i < prefixes.size(); ++i) {
+        for (int number = 1; number <= 12; ++number) {
+            rows[i].append(prefixes.at(i) + QByteArray::number(number).rightJustified(2, '0'));
+        }
+    }
+    rows[1].append("BKSL");
+    return rows;
+}
+
+Keymap::Row rowOf(xkb_keymap* keymap, const QVector<QByteArray>& names)
+{
+    constexpr xkb_level_index_t cLevels = 3;
+    Keymap::Row row;
+    for (const QByteArray& name : names) {
+        const xkb_keycode_t code = xkb_keymap_key_by_name(keymap, name.constData());
+        QStringList characters;
+        for (xkb_level_index_t level = 0; level < cLevels; ++level) {
+            const uint character = xkb_keysym_to_utf32(symbolAt(keymap, code, level));
+            characters.append(character > 0x20 ? QString::fromUcs4(&character, 1) : QString());
+        }
+        row.append(characters);
+    }
+    return row;
+}
+
 } // namespace
 
 Result<Keymap::Layout> Keymap::readLayout(const QString& text)
@@ -90,17 +128,34 @@ Keymap::Keymap(const Layout& layout)
     const xkb_keycode_t last = xkb_keymap_max_keycode(keymap.get());
     for (xkb_level_index_t level = 0; level < 4; ++level) {
         for (xkb_keycode_t code = xkb_keymap_min_keycode(keymap.get()); code <= last; ++code) {
-            const xkb_keysym_t* symbols = nullptr;
-            const int count = xkb_keymap_key_get_syms_by_level(keymap.get(), code, 0, level, &symbols);
+            const xkb_keysym_t symbol = symbolAt(keymap.get(), code, level);
             // The key that needs the fewest modifiers comes first.
-            if (count == 1 && !mCodes.contains(symbols[0])) {
-                mCodes.insert(symbols[0], code);
+            if (symbol != XKB_KEY_NoSymbol && !mPlaces.contains(symbol)) {
+                mPlaces.insert(symbol, {code, level});
             }
         }
     }
+    const QVector<QVector<QByteArray>> rows = namesOfRows();
+    for (const QVector<QByteArray>& names : rows) {
+        mRows.append(rowOf(keymap.get(), names));
+    }
 }
 
-quint32 Keymap::scanCodeOf(int key, const QString& text) const
+QVector<quint32> Keymap::strokeOf(const QString& character) const
+{
+    const Place place = placeOf(static_cast<int>(character.toUcs4().value(0)), character);
+    QVector<quint32> codes;
+    if (place.level % 2 == 1) {
+        codes.append(placeOf(Qt::Key_Shift, QString()).code);
+    }
+    if (place.level >= 2) {
+        codes.append(placeOf(Qt::Key_AltGr, QString()).code);
+    }
+    codes.append(place.code);
+    return codes.contains(0) ? QVector<quint32>() : codes;
+}
+
+Keymap::Place Keymap::placeOf(int key, const QString& text) const
 {
     xkb_keysym_t symbol = keysymOfKey(key);
     if (symbol == XKB_KEY_NoSymbol) {
@@ -109,5 +164,74 @@ quint32 Keymap::scanCodeOf(int key, const QString& text) const
         const bool isPrintable = !characters.isEmpty() && characters.constFirst() > 0x20;
         symbol = xkb_utf32_to_keysym(isPrintable ? characters.constFirst() : QChar::toLower(static_cast<uint>(key)));
     }
-    return mCodes.value(symbol);
+    return mPlaces.value(symbol);
+}
+
+Result<QVector<QVector<quint32>>> Keymap::readText(const QString& text) const
+{
+    QVector<QVector<quint32>> strokes;
+    const QVector<uint> characters = text.toUcs4();
+    for (const uint character : characters) {
+        const QString quoted = QString::fromUcs4(&character, 1);
+        const quint32 control = character == '\n' ? placeOf(Qt::Key_Return, QString()).code
+            : character == '\t'                   ? placeOf(Qt::Key_Tab, QString()).code
+                                                  : 0;
+        const QVector<quint32> stroke = control == 0 ? strokeOf(quoted) : QVector<quint32>{control};
+        if (stroke.isEmpty()) {
+            return Error{QStringLiteral("the keyboard layout has no key for %1")
+                             .arg(QChar::isPrint(character)
+                                      ? QLatin1Char('"') + quoted + QLatin1Char('"')
+                                      : QStringLiteral("U+%1").arg(character, 4, 16, QLatin1Char('0')))};
+        }
+        strokes.append(stroke);
+    }
+    return strokes;
+}
+
+Result<QVector<quint32>> Keymap::readKeys(const QString& text) const
+{
+    static const QHash<QString, Qt::Key> modifiers{
+        {QStringLiteral("ctrl"), Qt::Key_Control},  {QStringLiteral("alt"), Qt::Key_Alt},
+        {QStringLiteral("shift"), Qt::Key_Shift},   {QStringLiteral("altgr"), Qt::Key_AltGr},
+        {QStringLiteral("super"), Qt::Key_Super_L}, {QStringLiteral("meta"), Qt::Key_Super_L},
+    };
+    QStringList names = text.split(QLatin1Char('+'));
+    // The key "+" itself.
+    if (names.size() > 1 && names.constLast().isEmpty() && names.at(names.size() - 2).isEmpty()) {
+        names.removeLast();
+        names.last() = QStringLiteral("+");
+    }
+    QVector<quint32> codes;
+    for (int i = 0; i < names.size(); ++i) {
+        const QString& name = names.at(i);
+        const auto modifier = modifiers.constFind(name.toLower());
+        if (modifier == modifiers.cend() && i < names.size() - 1) {
+            return Error{QStringLiteral("\"%1\" is not a modifier: one of Ctrl, Alt, Shift, AltGr, Super is expected "
+                                        "before a \"+\"")
+                             .arg(name)};
+        }
+        const quint32 code = modifier == modifiers.cend() ? scanCodeOfName(name) : scanCodeOf(*modifier, QString());
+        if (code == 0) {
+            return Error{QStringLiteral("the keyboard layout has no key \"%1\"").arg(name)};
+        }
+        codes.append(code);
+    }
+    return codes;
+}
+
+quint32 Keymap::scanCodeOfName(const QString& name) const
+{
+    if (name.toUcs4().size() == 1) {
+        const QVector<quint32> stroke = strokeOf(name.toLower());
+        return stroke.size() == 1 ? stroke.constFirst() : 0;
+    }
+    // Qt's Enter is the one of the keypad.
+    const int key = name.compare(QLatin1String("enter"), Qt::CaseInsensitive) == 0
+        ? static_cast<int>(Qt::Key_Return)
+        : QKeySequence::fromString(name, QKeySequence::PortableText)[0];
+    const xkb_keysym_t symbol = keysymOfKey(key);
+    return mPlaces
+        .value(symbol == XKB_KEY_NoSymbol ? xkb_keysym_from_name(name.toUtf8().constData(), XKB_KEYSYM_CASE_INSENSITIVE)
+                                          : symbol)
+        .code;
 }

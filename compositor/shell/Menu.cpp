@@ -37,9 +37,11 @@ Menu::Menu(const Output& output, ViewList& views, WindowStack& stack, const Desk
     , mScene(scene)
 {
     connect(&views, &ViewList::viewsChanged, this, &Menu::refresh);
-    connect(&output, &Output::geometryChanged, this, [this] {
+    const auto keepSelectionVisible = [this] {
         moveSelection(0);
-    });
+    };
+    connect(&output, &Output::geometryChanged, this, keepSelectionVisible);
+    connect(&output, &Output::workAreaChanged, this, keepSelectionVisible);
 }
 
 void Menu::open(Mode mode)
@@ -98,7 +100,7 @@ void Menu::refresh()
         Row row;
         row.uuid = uuid;
         row.text = sanitizedText(view->title.isEmpty() ? view->appId : view->title, cLongestTitle);
-        row.detail = sanitizedText(view->appId, cLongestTitle);
+        row.detail = view->isResponding ? sanitizedText(view->appId, cLongestTitle) : QStringLiteral("not responding");
         row.canClose = mMode == Mode::Everything && mStack.canClose(uuid);
         mRows.append(row);
     }

@@ -48,6 +48,7 @@ NotificationCards::NotificationCards(const Output& output, NotificationCenter& c
 {
     connect(&center, &NotificationCenter::changed, this, &NotificationCards::invalidate);
     connect(&output, &Output::geometryChanged, this, &NotificationCards::invalidate);
+    connect(&output, &Output::workAreaChanged, this, &NotificationCards::invalidate);
 }
 
 void NotificationCards::invalidate()

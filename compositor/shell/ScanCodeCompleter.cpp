@@ -2,8 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "shell/ScanCodeCompleter.h"
 
-ScanCodeCompleter::ScanCodeCompleter(const Keymap::Layout& layout)
-    : mKeymap(layout)
+ScanCodeCompleter::ScanCodeCompleter(const Keymap& keymap)
+    : mKeymap(keymap)
     , mNext(QWindowSystemInterfacePrivate::eventHandler)
 {
     // Qt keeps one handler, and a second is not installed beside it.

@@ -13,7 +13,7 @@ class ScanCodeCompleter : public QWindowSystemEventHandler
 {
 public:
     /// To be created when the compositor of Qt has been, and destroyed before it.
-    explicit ScanCodeCompleter(const Keymap::Layout& layout);
+    explicit ScanCodeCompleter(const Keymap& keymap);
     ~ScanCodeCompleter() override;
     ScanCodeCompleter(const ScanCodeCompleter&) = delete;
     ScanCodeCompleter& operator=(const ScanCodeCompleter&) = delete;
@@ -21,6 +21,6 @@ public:
     bool sendEvent(QWindowSystemInterfacePrivate::WindowSystemEvent* event) override;
 
 private:
-    const Keymap mKeymap;
+    const Keymap& mKeymap;
     QWindowSystemEventHandler* mNext;
 };

@@ -13,6 +13,7 @@ Scene::Scene(const Output& output, const ScreenSaver& screenSaver, QObject* pare
     , mScreenSaver(screenSaver)
 {
     connect(&output, &Output::geometryChanged, this, &Scene::repaint);
+    connect(&output, &Output::workAreaChanged, this, &Scene::repaint);
     connect(&screenSaver, &ScreenSaver::activeChanged, this, &Scene::repaint);
 }
 

@@ -31,7 +31,7 @@ SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, 
         return hasPressedButton(client);
     });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
-    connect(&stack, &WindowStack::currentChanged, this, &SeatInput::updateKeyboardFocus);
+    connect(&stack, &WindowStack::keyboardSurfaceChanged, this, &SeatInput::updateKeyboardFocus);
     connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
         mCursor.set(surface, QPoint(x, y));
     });
@@ -61,6 +61,7 @@ void SeatInput::pointerMotion(const QPointF& position)
 {
     mPosition = position;
     mIsInside = true;
+    Q_EMIT pointerMoved(position);
     if (!wakesScreen()) {
         updatePointerFocus();
     }
@@ -70,13 +71,16 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
 {
     mPosition = position;
     mIsInside = true;
+    Q_EMIT pressed();
     if (wakesScreen()) {
         return;
     }
     if (!mPressedButtons) {
         mPressedLayer = InputLayer::at(mLayers.pointer, position);
         if (mPressedLayer != nullptr) {
-            mStack.dismissPopups();
+            if (!mPressedLayer->keepsPopups()) {
+                mStack.dismissPopups();
+            }
             mPressedLayer->press(position.toPoint());
             return;
         }
@@ -155,6 +159,7 @@ void SeatInput::key(QKeyEvent* event)
         }
         return;
     }
+    Q_EMIT pressed();
     ClientWindow* const window = mStack.current();
     if (wakesScreen() || takesKey(event) || event->isAutoRepeat() || window == nullptr
         || mSeat->keyboardFocus() == nullptr) {
@@ -200,7 +205,7 @@ void SeatInput::releaseKeys()
 void SeatInput::updateKeyboardFocus()
 {
     ClientWindow* const window = mStack.current();
-    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
+    ClientSurface* const surface = mStack.keyboardSurface();
     mSeat->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
     if (window != nullptr) {
         window->ping();

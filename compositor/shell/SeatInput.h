@@ -51,6 +51,11 @@ public:
     /// Sends the releases of all pressed keys. To be called when the window loses the focus.
     void releaseKeys();
 
+Q_SIGNALS:
+    /// A button or a key has been pressed.
+    void pressed();
+    void pointerMoved(const QPointF& position);
+
 private:
     /// Returns whether the input has ended the screen saver; it has no other effect then.
     bool wakesScreen();

@@ -46,6 +46,7 @@ void TouchInput::touch(const QVector<Point>& points)
         switch (point.state) {
         case Qt::TouchPointPressed:
             press(point);
+            Q_EMIT pressed();
             break;
         case Qt::TouchPointMoved:
             move(point);
@@ -73,12 +74,17 @@ void TouchInput::press(const Point& point)
         mClients.down(point.id, hit.window, hit.surface, point.position, hit.position);
         return;
     }
+    if (mFinger && layer != nullptr && layer == mPressedLayer) {
+        // Two thumbs type faster than one is lifted.
+        release({*mFinger, mFingerPosition, Qt::TouchPointReleased});
+    }
     if (mFinger) {
         return;
     }
-    if (layer != nullptr || hit.surface == nullptr) {
+    if (layer == nullptr ? hit.surface == nullptr : !layer->keepsPopups()) {
         mStack.dismissPopups();
     }
+    mFingerPosition = point.position;
     if (layer != nullptr) {
         mFinger = point.id;
         mPressedLayer = layer;
@@ -91,6 +97,9 @@ void TouchInput::press(const Point& point)
 
 void TouchInput::move(const Point& point)
 {
+    if (point.id == mFinger) {
+        mFingerPosition = point.position;
+    }
     if (point.id == mFinger && mPressedLayer == nullptr) {
         mPointer.pointerMotion(point.position);
     } else if (point.id == mFinger || mClients.isDown(point.id)) {

@@ -38,6 +38,10 @@ public:
     /// Takes all fingers from the clients and layers that have them, without triggering anything.
     void cancel();
 
+Q_SIGNALS:
+    /// A finger has been put down.
+    void pressed();
+
 private:
     void press(const Point& point);
     void move(const Point& point);
@@ -50,5 +54,6 @@ private:
     ScreenSaver& mScreenSaver;
     /// The one finger that ClientTouch does not follow: on a layer, or without one as the pointer.
     std::optional<int> mFinger;
+    QPointF mFingerPosition;
     InputLayer* mPressedLayer = nullptr;
 };

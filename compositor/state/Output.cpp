@@ -5,6 +5,7 @@
 namespace {
 
 constexpr int cStatusBarHeight = 34;
+constexpr int cLargestKeyboardHeight = 320;
 
 } // namespace
 
@@ -52,6 +53,15 @@ void Output::setFullScreen(bool fullScreen)
     Q_EMIT fullScreenChanged();
 }
 
+void Output::setStatusBarHidden(bool isHidden)
+{
+    if (isHidden == mStatusBarIsHidden) {
+        return;
+    }
+    mStatusBarIsHidden = isHidden;
+    Q_EMIT workAreaChanged();
+}
+
 QSize Output::size() const
 {
     return mRotation % 180 == 0 ? mPhysicalSize : mPhysicalSize.transposed();
@@ -59,12 +69,98 @@ QSize Output::size() const
 
 QRect Output::statusBarRect() const
 {
-    return mFullScreen ? QRect() : QRect(0, 0, size().width(), qMin(cStatusBarHeight, size().height() / 2));
+    return mStatusBarIsHidden ? QRect() : QRect(0, 0, size().width(), statusBarHeight());
+}
+
+void Output::setPanel(Qt::Edge edge, int thickness)
+{
+    if (edge != mPanelEdge || thickness != mPanelThickness) {
+        mPanelEdge = edge;
+        mPanelThickness = thickness;
+        Q_EMIT workAreaChanged();
+    }
+}
+
+QRect Output::panelRect() const
+{
+    QRect area = rect().adjusted(0, statusBarRect().height(), 0, 0);
+    const int height = qMin(mPanelThickness, area.height() / 2);
+    const int width = qMin(mPanelThickness, area.width() / 2);
+    switch (mPanelEdge) {
+    case Qt::TopEdge:
+        area.setHeight(height);
+        break;
+    case Qt::LeftEdge:
+        area.setWidth(width);
+        break;
+    case Qt::RightEdge:
+        area.setLeft(area.left() + area.width() - width);
+        break;
+    case Qt::BottomEdge:
+        area.setTop(area.top() + area.height() - height);
+        break;
+    }
+    return area;
+}
+
+void Output::setKeyboardOpen(bool isOpen)
+{
+    if (isOpen != mIsKeyboardOpen) {
+        mIsKeyboardOpen = isOpen;
+        Q_EMIT workAreaChanged();
+    }
+}
+
+QRect Output::keyboardRect() const
+{
+    const QSize room = size();
+    const int height =
+        mIsKeyboardOpen ? qMin(qMin(room.height() * 2 / 5, room.width() / 2), cLargestKeyboardHeight) : 0;
+    const QRect panel = panelRect();
+    const int bottom = mPanelEdge == Qt::BottomEdge ? panel.top() : room.height();
+    return {0, bottom - height, room.width(), height};
 }
 
 QRect Output::workArea() const
 {
-    return rect().adjusted(0, statusBarRect().height(), 0, 0);
+    return withoutStrips(rect().adjusted(0, statusBarRect().height(), 0, 0));
+}
+
+QRect Output::withoutStrips(const QRect& area) const
+{
+    const QRect panel = panelRect();
+    QRect rest = area;
+    switch (mPanelEdge) {
+    case Qt::TopEdge:
+        rest.setTop(rest.top() + panel.height());
+        break;
+    case Qt::LeftEdge:
+        rest.setLeft(rest.left() + panel.width());
+        break;
+    case Qt::RightEdge:
+        rest.setWidth(rest.width() - panel.width());
+        break;
+    case Qt::BottomEdge:
+        rest.setHeight(rest.height() - panel.height());
+        break;
+    }
+    rest.setHeight(rest.height() - keyboardRect().height());
+    return rest;
+}
+
+QRect Output::maximizedArea() const
+{
+    return withoutStrips(rect().adjusted(0, statusBarHeight(), 0, 0));
+}
+
+QRect Output::fullScreenArea() const
+{
+    return withoutStrips(rect());
+}
+
+int Output::statusBarHeight() const
+{
+    return mFullScreen ? 0 : qMin(cStatusBarHeight, size().height() / 2);
 }
 
 QTransform Output::toDisplay() const

@@ -74,7 +74,7 @@ void ScreenSaver::restart()
 void ScreenSaver::startOrWait()
 {
     qint64 remaining = qint64(mTimeoutSeconds) * 1000 - mIdle.elapsed();
-    if (remaining <= 0 && mIsInhibited && mIsInhibited()) {
+    if (remaining <= 0 && (!mIsAutomatic || (mIsInhibited && mIsInhibited()))) {
         mIdle.restart();
         remaining = qint64(mTimeoutSeconds) * 1000;
     }

@@ -34,6 +34,12 @@ public:
     }
     void setTimeoutSeconds(int seconds);
 
+    /// Whether the timeout blanks the screen, or only activate().
+    void setAutomatic(bool isAutomatic)
+    {
+        mIsAutomatic = isAutomatic;
+    }
+
     /// Blanks the screen at once. Returns false when the screen saver is disabled.
     bool activate();
     /// To be called for every input.
@@ -61,6 +67,7 @@ private:
     int mTimeoutSeconds;
     bool mEnabled = true;
     bool mActive = false;
+    bool mIsAutomatic = true;
     std::function<bool()> mIsInhibited;
     QElapsedTimer mIdle;
     QTimer mTimer;

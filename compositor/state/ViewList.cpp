@@ -55,6 +55,7 @@ bool ViewList::setCurrent(const QString& uuid)
         return false;
     }
     if (uuid != current()) {
+        mAnnounced.reset();
         mRecent.removeOne(uuid);
         mRecent.append(uuid);
         Q_EMIT viewsChanged();
@@ -63,17 +64,42 @@ bool ViewList::setCurrent(const QString& uuid)
     return true;
 }
 
-void ViewList::add(View view)
+void ViewList::announceAsCurrent(const QString& text)
 {
-    view.sortIndex = nextSortIndex(view.appId);
+    if (!setCurrent(text) && text != current()) {
+        mAnnounced = text;
+        Q_EMIT viewsChanged();
+        Q_EMIT currentChanged();
+    }
+}
+
+void ViewList::add(View view, const std::optional<quint32>& sortIndex)
+{
+    view.sortIndex = sortIndex ? *sortIndex : nextSortIndex(view.appId);
+    mAnnounced.reset();
     mViews.append(view);
     mRecent.append(view.uuid);
     Q_EMIT viewsChanged();
     Q_EMIT currentChanged();
 }
 
+void ViewList::addWindow(const View& view)
+{
+    if (wantsPanel(view.appId) && !view.isDialog) {
+        mPanel = view;
+        Q_EMIT panelChanged();
+    } else {
+        add(view);
+    }
+}
+
 void ViewList::remove(const QString& uuid)
 {
+    if (uuid == mPanel.uuid && !uuid.isEmpty()) {
+        mPanel = {};
+        Q_EMIT panelChanged();
+        return;
+    }
     const QString oldCurrent = current();
     const auto found = std::find_if(mViews.begin(), mViews.end(), [&uuid](const View& view) {
         return view.uuid == uuid;
@@ -87,6 +113,29 @@ void ViewList::remove(const QString& uuid)
     if (current() != oldCurrent) {
         Q_EMIT currentChanged();
     }
+}
+
+void ViewList::change(const QString& uuid, const ViewChange& change)
+{
+    if (View* const view = find(uuid)) {
+        change.applyTo(*view);
+        Q_EMIT viewsChanged();
+    }
+}
+
+void ViewList::arrange(const QStringList& uuids)
+{
+    QVector<View> arranged;
+    for (const QString& uuid : uuids) {
+        arranged.append(*find(uuid));
+    }
+    auto next = arranged.cbegin();
+    for (View& view : mViews) {
+        if (uuids.contains(view.uuid)) {
+            view = *next++;
+        }
+    }
+    Q_EMIT viewsChanged();
 }
 
 void ViewList::setAppId(const QString& uuid, const QString& appId)
@@ -107,6 +156,10 @@ void ViewList::setTitle(const QString& uuid, const QString& title)
 
 void ViewList::setSize(const QString& uuid, const QSize& size)
 {
+    if (uuid == mPanel.uuid && size != mPanel.size) {
+        mPanel.size = size;
+        Q_EMIT panelChanged();
+    }
     assign(uuid, &View::size, size);
 }
 

@@ -23,10 +23,10 @@ public:
     /// Null when there is no such view.
     const View* find(const QString& uuid) const;
 
-    /// Empty when there is no view.
+    /// Empty when there is no view, unless announceAsCurrent() says otherwise.
     QString current() const
     {
-        return mRecent.isEmpty() ? QString() : mRecent.last();
+        return mAnnounced.value_or(mRecent.isEmpty() ? QString() : mRecent.last());
     }
     const View* currentView() const
     {
@@ -39,11 +39,35 @@ public:
     QString neighbour(int step) const;
     /// Returns false when there is no such view.
     bool setCurrent(const QString& uuid);
+    /// Makes any text the current one, also one that is no view's or empty, until a view is made current or added.
+    void announceAsCurrent(const QString& text);
 
-    /// Adds `view` as the current one, with the next sort index of its application.
-    void add(View view);
+    /// Sets whose window is the panel instead of a view.
+    void setPanelAppId(const QString& appId)
+    {
+        mPanelAppId = appId;
+    }
+    /// Returns whether a new window of the application would be the panel.
+    bool wantsPanel(const QString& appId) const
+    {
+        return !mPanelAppId.isEmpty() && appId == mPanelAppId && mPanel.uuid.isEmpty();
+    }
+    /// The panel, which is none of views(); its uuid is empty while there is none.
+    const View& panel() const
+    {
+        return mPanel;
+    }
+
+    /// Adds `view` as the current one, with the next sort index of its application, or with `sortIndex`.
+    void add(View view, const std::optional<quint32>& sortIndex = {});
+    /// Adds the view of a window, or makes it the panel.
+    void addWindow(const View& view);
     /// The view that was current before a removed current one becomes current.
     void remove(const QString& uuid);
+
+    void change(const QString& uuid, const ViewChange& change);
+    /// Arranges the views of `uuids` in this order, in the places that they have together.
+    void arrange(const QStringList& uuids);
 
     void setAppId(const QString& uuid, const QString& appId);
     void setTitle(const QString& uuid, const QString& title);
@@ -55,6 +79,7 @@ Q_SIGNALS:
     /// Emitted before currentChanged() when both change.
     void viewsChanged();
     void currentChanged();
+    void panelChanged();
 
 private:
     View* find(const QString& uuid);
@@ -64,4 +89,7 @@ private:
     QVector<View> mViews;
     /// The uuids, the most recently current one at the end.
     QStringList mRecent;
+    QString mPanelAppId;
+    View mPanel;
+    std::optional<QString> mAnnounced;
 };

@@ -16,7 +16,7 @@ ClientDrag::ClientDrag(QWaylandSeat& seat)
 {
 }
 
-void ClientDrag::start(wl_client* client, wl_resource* source)
+void ClientDrag::start(wl_client* client, wl_resource* source, ClientSurface* image)
 {
     DataSource* const dragged = DataSource::of(source);
     if (isActive() || !mMayStart || !mMayStart(client) || !dragged->claim()) {
@@ -24,7 +24,12 @@ void ClientDrag::start(wl_client* client, wl_resource* source)
         return;
     }
     mSource = dragged;
-    connect(dragged, &QObject::destroyed, this, &ClientDrag::leave);
+    mImage = image;
+    connect(dragged, &QObject::destroyed, this, [this] {
+        leave();
+        Q_EMIT activeChanged();
+    });
+    Q_EMIT activeChanged();
 }
 
 void ClientDrag::move(QWaylandSurface* target, const QPointF& position)
@@ -65,6 +70,7 @@ void ClientDrag::drop()
     } else {
         source->sendCancelled();
     }
+    Q_EMIT activeChanged();
 }
 
 void ClientDrag::enter(QWaylandSurface* surface, const QPointF& position)

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ClientSurface.h"
 #include "wayland/DataOffer.h"
 #include "wayland/ResourceListener.h"
 
@@ -31,8 +32,14 @@ public:
     {
         mMayStart = rule;
     }
-    /// Starts a drag of a wl_data_source, or cancels it where the rule forbids it.
-    void start(wl_client* client, wl_resource* source);
+    /// Starts a drag of a wl_data_source, or cancels it where the rule forbids it. `image` follows the pointer; may be
+    /// null.
+    void start(wl_client* client, wl_resource* source, ClientSurface* image);
+    /// Null while there is no drag, or one without an image.
+    ClientSurface* image() const
+    {
+        return mSource == nullptr ? nullptr : mImage.data();
+    }
     bool isActive() const
     {
         return mSource != nullptr;
@@ -40,6 +47,10 @@ public:
     /// `target` is the surface under the pointer, or null.
     void move(QWaylandSurface* target, const QPointF& position);
     void drop();
+
+Q_SIGNALS:
+    /// A drag has started or ended.
+    void activeChanged();
 
 private:
     /// A wl_data_device of the client under the pointer.
@@ -56,6 +67,7 @@ private:
     QWaylandSeat& mSeat;
     std::function<bool(wl_client*)> mMayStart;
     QPointer<DataSource> mSource;
+    QPointer<ClientSurface> mImage;
     QPointer<QWaylandSurface> mFocus;
     std::vector<Target> mTargets;
 };

@@ -2,14 +2,16 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientLiveness.h"
 
+#include "wayland/XdgShell.h"
+
 #include <QWaylandCompositor>
 
-#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <utility>
+#include <xdg-shell-server-protocol.h>
 
 namespace {
 
-constexpr int cPatienceMilliseconds = 3000;
+constexpr int cPatienceSeconds = 3;
 constexpr int cIntervalMilliseconds = 1000;
 constexpr int cEventsPerPing = 32;
 /// Half of the small events that a connection buffers.
@@ -17,17 +19,17 @@ constexpr int cMostUnconfirmed = 128;
 
 } // namespace
 
-ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent)
+ClientLiveness::ClientLiveness(const XdgShell& shell, QWaylandClient* client, QObject* parent)
     : QObject(parent)
-    , mShell(shell)
     , mClient(client)
 {
-    mDeadline.setSingleShot(true);
-    mDeadline.setInterval(cPatienceMilliseconds);
-    connect(&mDeadline, &QTimer::timeout, this, [this] {
-        setResponding(false);
+    mSeconds.setInterval(cIntervalMilliseconds);
+    connect(&mSeconds, &QTimer::timeout, this, &ClientLiveness::handleSecond);
+    connect(&shell, &XdgShell::pong, this, [this](wl_client* from, uint32_t serial) {
+        if (mClient != nullptr && mClient->client() == from) {
+            handlePong(serial);
+        }
     });
-    connect(shell, &QWaylandXdgShell::pong, this, &ClientLiveness::handlePong);
     connect(client, &QObject::destroyed, this, &QObject::deleteLater);
 }
 
@@ -37,6 +39,31 @@ void ClientLiveness::setShellObject(wl_resource* object)
     mShellListener = std::make_unique<ResourceListener>(object, [this] {
         mShellObject = nullptr;
     });
+}
+
+void ClientLiveness::addWindow()
+{
+    ++mWindows;
+    ping();
+}
+
+void ClientLiveness::removeWindow()
+{
+    --mWindows;
+}
+
+void ClientLiveness::handleSecond()
+{
+    if (mWaiting) {
+        if (++mPassedSeconds >= cPatienceSeconds) {
+            mSeconds.stop();
+            setResponding(false);
+        }
+    } else if (mWindows > 0) {
+        ping();
+    } else {
+        mSeconds.stop();
+    }
 }
 
 bool ClientLiveness::admitEvent()
@@ -53,6 +80,11 @@ bool ClientLiveness::admitEvent()
     return true;
 }
 
+bool ClientLiveness::isBehind() const
+{
+    return mResponding && mUnconfirmed > cMostUnconfirmed / 2;
+}
+
 void ClientLiveness::ping()
 {
     if (mWaiting || mClient.isNull() || mShellObject == nullptr) {
@@ -62,9 +94,9 @@ void ClientLiveness::ping()
     mSincePingCount = 0;
     mWaiting = true;
     mSerial = mClient->compositor()->nextSerial();
-    // QWaylandXdgShell::ping() chooses an xdg_wm_base by itself.
-    QWaylandXdgShellPrivate::get(mShell)->ping(QWaylandXdgShellPrivate::Resource::fromResource(mShellObject), mSerial);
-    mDeadline.start();
+    xdg_wm_base_send_ping(mShellObject, mSerial);
+    mPassedSeconds = 0;
+    mSeconds.start();
 }
 
 void ClientLiveness::handlePong(uint serial)
@@ -73,7 +105,7 @@ void ClientLiveness::handlePong(uint serial)
         return;
     }
     mWaiting = false;
-    mDeadline.stop();
+    mSeconds.start();
     mUnconfirmed = mSincePingCount;
     setResponding(true);
     if (std::exchange(mHeldBack, false)) {

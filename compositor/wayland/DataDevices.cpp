@@ -3,6 +3,7 @@
 #include "wayland/DataDevices.h"
 
 #include "wayland/ClientResources.h"
+#include "wayland/ClientSurface.h"
 #include "wayland/ServerGlobals.h"
 
 #include <QWaylandSeat>
@@ -79,7 +80,8 @@ void DataDevices::startDrag(wl_client* client, wl_resource* device, wl_resource*
     }
     // A drag without a source is for the client itself, which gets the pointer's events anyway.
     if (source != nullptr) {
-        devicesOf(device)->mDrag.start(client, source);
+        devicesOf(device)->mDrag.start(
+            client, source, icon == nullptr ? nullptr : ClientSurface::of(QWaylandSurface::fromResource(icon)));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "wayland/BufferTransform.h"
 #include "wayland/ClientBounds.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/SharedMemoryImage.h"
 
 #include <QPainter>
 
@@ -69,7 +70,7 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
         const bool isPlain = mTransform == WL_OUTPUT_TRANSFORM_NORMAL && QSizeF(mSize) * scale == QSizeF(buffer.size());
         // The client may have truncated the file behind the memory: libwayland catches the SIGBUS between these calls.
         wl_shm_buffer_begin_access(memory);
-        copy(buffer.image(), isPlain ? damage : QRegion(), scale);
+        copy(SharedMemoryImage::of(memory), isPlain ? damage : QRegion(), scale);
         wl_shm_buffer_end_access(memory);
         if (!isPlain) {
             damage = QRect(QPoint(), mSize);

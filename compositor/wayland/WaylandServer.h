@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "wayland/RequestGuard.h"
 
 #include <QHash>
@@ -10,8 +11,6 @@
 #include <QWaylandOutput>
 #include <QWaylandViewporter>
 
-#include <QWaylandXdgDecorationManagerV1>
-#include <QWaylandXdgShell>
 #include <memory>
 
 class ClientDrag;
@@ -23,8 +22,12 @@ class DataDevices;
 class Output;
 class PixelBudget;
 class ServerGlobals;
+class TextInputs;
 class ViewList;
 class XdgOutput;
+class XdgPopup;
+class XdgShell;
+class XdgToplevel;
 
 /// The Wayland server: its globals, and the windows and popups that clients create.
 class WaylandServer : public QWaylandCompositor
@@ -37,6 +40,10 @@ public:
 
     /// Opens the socket.
     void start(const QByteArray& socketName);
+    /// Removes the socket and disconnects all clients, as if the compositor had ended.
+    void hangUp();
+    /// Opens a socket of the same name again.
+    MaybeError reopen();
     RequestGuard& guard()
     {
         return mGuard;
@@ -44,6 +51,7 @@ public:
     /// Exist after start().
     ClientDrag& drag();
     ClientTouch& touch();
+    TextInputs& textInputs();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -52,6 +60,7 @@ Q_SIGNALS:
 protected:
     QWaylandSeat* createSeat() override;
     QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
+    QWaylandKeyboard* createKeyboardDevice(QWaylandSeat* seat) override;
 
 private:
     struct ClientRecord
@@ -60,25 +69,25 @@ private:
         std::shared_ptr<PixelBudget> budget;
     };
 
-    void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
-    void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
+    void addWindow(XdgToplevel* toplevel);
+    void addPopup(XdgPopup* popup);
     const ClientRecord& recordOf(QWaylandClient* client);
     void announceGlobals();
     void describeOutput();
+    /// Returns the path of the socket.
+    QByteArray socketPath() const;
 
     const Output& mOutput;
     ViewList& mViews;
     QWaylandOutput mWaylandOutput;
-    QWaylandXdgShell mShell;
     RequestGuard mGuard;
-    QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
     QWaylandIdleInhibitManagerV1 mIdleInhibitManager;
     std::unique_ptr<ServerGlobals> mGlobals;
+    std::unique_ptr<XdgShell> mShell;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
+    std::unique_ptr<TextInputs> mTextInputs;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
-    /// The xdg_wm_base of each xdg_surface.
-    QHash<const QWaylandXdgSurface*, wl_resource*> mShellObjects;
 };

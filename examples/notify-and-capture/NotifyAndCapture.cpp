@@ -2,8 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "NotifyAndCapture.h"
 
-#include "ScreenShotWorker.h"
+#include <TelvaroRequests.h>
 
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDir>
 #include <QFormLayout>
 #include <QPixmap>
@@ -21,16 +24,8 @@ NotifyAndCapture::NotifyAndCapture(const QString& pictureDirectory, QWidget* par
 {
     setWindowTitle(tr("Notify and capture"));
     makeLayout();
-    startWorker();
     connect(mSend, &QPushButton::clicked, this, &NotifyAndCapture::send);
     connect(mCapture, &QPushButton::clicked, this, &NotifyAndCapture::capture);
-}
-
-NotifyAndCapture::~NotifyAndCapture()
-{
-    // Blocks while a screenshot is being taken: a call to the service cannot be cancelled.
-    mWorkerThread.quit();
-    mWorkerThread.wait();
 }
 
 void NotifyAndCapture::makeLayout()
@@ -65,29 +60,16 @@ void NotifyAndCapture::makeLayout()
     layout->addWidget(mMessage);
 }
 
-void NotifyAndCapture::startWorker()
-{
-    auto* const worker = new ScreenShotWorker;
-    worker->moveToThread(&mWorkerThread);
-    connect(&mWorkerThread, &QThread::finished, worker, &QObject::deleteLater);
-    // Signals between objects in different threads are queued, so neither thread blocks the other.
-    connect(this, &NotifyAndCapture::captureRequested, worker, &ScreenShotWorker::capture);
-    connect(worker, &ScreenShotWorker::captured, this, &NotifyAndCapture::showPicture);
-    connect(worker, &ScreenShotWorker::failed, this, &NotifyAndCapture::showFailure);
-    mWorkerThread.start();
-}
-
 void NotifyAndCapture::send()
 {
-    if (!mNotification.isInterfaceValid()) {
-        mMessage->setText(tr("The compositor service is not there."));
-        return;
-    }
     // Pairs of identifier and label; the server uses the identifier as the name of the action's icon.
     const QStringList actions{QStringLiteral("dialog-ok"), tr("Thanks")};
-    mNotification.notify(QStringLiteral("dialog-information"), mSummary->text(), mBody->text(), actions);
-    // notify() does not report whether the service accepted it.
-    mMessage->setText(tr("Sent."));
+    mMessage->setText(tr("Sending..."));
+    onReply(TelvaroRequests::notify(QStringLiteral("dialog-information"), mSummary->text(), mBody->text(), actions),
+            [this](const QDBusPendingReply<uint>& reply) {
+                mMessage->setText(reply.isError() ? tr("Not sent: %1").arg(reply.error().message())
+                                                  : tr("Sent, as number %1.").arg(reply.value()));
+            });
 }
 
 void NotifyAndCapture::capture()
@@ -96,12 +78,19 @@ void NotifyAndCapture::capture()
     mCapture->setEnabled(false);
     mMessage->setText(tr("Taking a screenshot..."));
     // Absolute, because the service has another current directory.
-    Q_EMIT captureRequested(QDir(mDirectory->text()).absolutePath());
+    onReply(TelvaroRequests::captureScreenShot(QDir(mDirectory->text()).absolutePath()),
+            [this](const QDBusPendingReply<QString>& reply) {
+                mCapture->setEnabled(true);
+                if (reply.isError()) {
+                    mMessage->setText(tr("No screenshot was taken: %1").arg(reply.error().message()));
+                } else {
+                    showPicture(reply.value());
+                }
+            });
 }
 
 void NotifyAndCapture::showPicture(const QString& path)
 {
-    mCapture->setEnabled(true);
     mMessage->setText(path);
     const QPixmap picture(path);
     if (!picture.isNull()) {
@@ -110,8 +99,12 @@ void NotifyAndCapture::showPicture(const QString& path)
     }
 }
 
-void NotifyAndCapture::showFailure()
+void NotifyAndCapture::onReply(const QDBusPendingCall& request,
+                               const std::function<void(const QDBusPendingCall&)>& function)
 {
-    mCapture->setEnabled(true);
-    mMessage->setText(tr("No screenshot was taken. Does the directory exist?"));
+    auto* const watcher = new QDBusPendingCallWatcher(request, this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, function] {
+        watcher->deleteLater();
+        function(*watcher);
+    });
 }

@@ -2,13 +2,13 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroNotificationDBusConnector.h>
-
+#include <QDBusPendingCall>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QThread>
 #include <QWidget>
+
+#include <functional>
 
 /// Window that sends notifications and shows screenshots.
 class NotifyAndCapture : public QWidget
@@ -17,22 +17,15 @@ class NotifyAndCapture : public QWidget
 
 public:
     explicit NotifyAndCapture(const QString& pictureDirectory, QWidget* parent = nullptr);
-    ~NotifyAndCapture() override;
-
-Q_SIGNALS:
-    /// Emitted for the worker.
-    void captureRequested(const QString& directory);
 
 private:
     void makeLayout();
-    void startWorker();
     void send();
     void capture();
     void showPicture(const QString& path);
-    void showFailure();
+    /// Calls the function with the reply when it has arrived.
+    void onReply(const QDBusPendingCall& request, const std::function<void(const QDBusPendingCall&)>& function);
 
-    TelvaroNotificationDBusConnector mNotification;
-    QThread mWorkerThread;
     QLineEdit* const mSummary;
     QLineEdit* const mBody;
     QPushButton* const mSend;

@@ -10,6 +10,15 @@ Rectangle {
     property bool current: false
     signal clicked()
 
+    /// Returns a colour of the application.
+    function colorOf(appId) {
+        let hue = 0;
+        for (let i = 0; i < appId.length; ++i) {
+            hue = (hue * 31 + appId.charCodeAt(i)) % 360;
+        }
+        return Qt.hsva(hue / 360, 0.43, 0.67, 1);
+    }
+
     radius: 12
     color: current ? "#e4eef8" : "white"
     border.color: activeFocus || current ? "#3d7ab5" : "#e3e7ec"
@@ -24,7 +33,7 @@ Rectangle {
             width: 44
             height: 44
             radius: 10
-            color: "#3d7ab5"
+            color: tile.colorOf(tile.appId)
 
             Text {
                 anchors.centerIn: parent

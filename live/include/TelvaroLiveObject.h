@@ -22,14 +22,16 @@ class QString;
 /// A request is an operation that asks the service to change something. It is sent at once, in every status, and
 /// returns QDBusPendingReply, which QDBusPendingCallWatcher and coroutine libraries can wait for. Create the watcher
 /// before control returns to the event loop. The reply outlives the object and can be dropped: a failure also emits
-/// requestFailed(). waitForFinished() blocks, like any operation of a connector. Dropping the reply or the object does
-/// not recall the request: it has been written to the bus by the time the object is destroyed.
+/// requestFailed(), with the errors that TelvaroRequests lists. waitForFinished() blocks, like any operation of a
+/// connector. Dropping the reply or the object does not recall the request: it has been written to the bus by the time
+/// the object is destroyed.
 ///
 /// A live object needs a QCoreApplication and a running event loop in the thread that creates it, and belongs to that
 /// thread. It starts no threads and no timers and logs nothing. The first use of the bus in a process connects to it,
 /// which blocks in Qt. Slots may delete the object.
 ///
-/// D-Bus: reads the owner of TelvaroDBusDefinitions::getServiceName() once (GetNameOwner) and follows NameOwnerChanged.
+/// D-Bus: object "/org/freedesktop/DBus", interface "org.freedesktop.DBus". The owner of
+/// TelvaroDBusDefinitions::getServiceName() is read once (GetNameOwner, s), then followed by NameOwnerChanged (sss).
 class TELVARO_LIVE_EXPORT TelvaroLiveObject : public QObject
 {
     Q_OBJECT
@@ -49,8 +51,8 @@ public:
         Loading,
         /// Every value is that of the present service. For TelvaroLiveObject itself: the service is on the bus.
         Ready,
-        /// The service refused a read, or sent a value of the wrong type; see getError(). The next good value makes the
-        /// object Ready.
+        /// The service refused a read, or sent a value of the wrong type; see getError(). Other values may still be
+        /// awaited. The value concerned is the last good one, or empty; the next good one ends the status.
         Failed
     };
     Q_ENUM(Status)
@@ -79,8 +81,9 @@ Q_SIGNALS:
     /// Emitted when the status has changed; the values already belong to the new status.
     void statusChanged();
 
-    /// Emitted when a request of this object fails: the service refused it, is absent, or did not reply in time.
-    /// Emitted for every failed request, whether or not its reply is kept, and never before the request has returned.
+    /// Emitted when a request of this object fails: the service refused it, is absent, or did not reply in time, or the
+    /// request had nothing to send. Emitted for every failed request, whether or not its reply is kept, and never
+    /// before the request has returned.
     void requestFailed(const QDBusError& error);
 
 protected:

@@ -21,7 +21,9 @@ class LiveScreen;
 /// value changes when the service signals it. If the service refuses, the value stays and requestFailed() is emitted.
 ///
 /// D-Bus: object "/screen", interface "de.Telvaro.screen". Each property is read once from each service (Get, ss), then
-/// followed by PropertiesChanged (sa{sv}as), and written by Set (ssv) of "org.freedesktop.DBus.Properties".
+/// followed by PropertiesChanged (sa{sv}as), and written by Set (ssv) of "org.freedesktop.DBus.Properties". A property
+/// that is invalidated, or signalled with an empty or unreadable value, is read again. Values of other types than those
+/// below are converted as TelvaroScreenDBusConnector converts them.
 class TELVARO_LIVE_EXPORT TelvaroScreen : public TelvaroLiveObject
 {
     Q_OBJECT

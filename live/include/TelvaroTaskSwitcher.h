@@ -26,7 +26,8 @@ class LiveTaskSwitcher;
 /// D-Bus: object "/taskswitcher", interface "de.Telvaro.taskswitcher". The properties "views" (a(ssssssuua{sv})) and
 /// "currentView" (s, a view's uuid) are read once from each service (Get, ss), then followed by PropertiesChanged
 /// (sa{sv}as). A property that is invalidated, or signalled with an empty or unreadable value, is read again.
-/// "currentView" is written by Set (ssv) of "org.freedesktop.DBus.Properties".
+/// "currentView" is written by Set (ssv) of "org.freedesktop.DBus.Properties". A "currentView" that is a number or a
+/// bool is taken as its text; the list is read like that of TelvaroTaskSwitcherDBusConnector::getViews().
 class TELVARO_LIVE_EXPORT TelvaroTaskSwitcher : public TelvaroLiveObject
 {
     Q_OBJECT

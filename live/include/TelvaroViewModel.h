@@ -22,8 +22,8 @@ class LiveViews;
 /// rows, the latter with their roles, and is never reset, so selections, persistent indexes and delegates survive.
 ///
 /// The attributes of a view are plain values: D-Bus arrays and structures become lists, dictionaries become maps,
-/// variants become the values in them, object paths and signatures become strings. Of a repeated key the last value is
-/// kept.
+/// variants become the values in them, object paths and signatures become strings, and file descriptors, which are not
+/// kept open, become invalid values. Of a repeated key the last value is kept.
 ///
 /// Slots may delete the task switcher, but, as with any Qt model, not slots of signals about rows that are about to
 /// change.

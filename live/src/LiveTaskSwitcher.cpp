@@ -101,12 +101,13 @@ QDBusPendingCall LiveTaskSwitcher::switchToView(const QString& appId, uint32_t s
 QDBusPendingCall LiveTaskSwitcher::step(bool backward)
 {
     const auto find = [this](const QString& uuid) {
+        // An empty uuid is that of no view, even if a view has it.
         return std::find_if(mViews.cbegin(), mViews.cend(), [&uuid](const View& view) {
-            return view.uuid == uuid;
+            return !uuid.isEmpty() && view.uuid == uuid;
         });
     };
     auto from = find(mRequestedView);
-    if (mRequestedView.isEmpty() || from == mViews.cend()) {
+    if (from == mViews.cend()) {
         from = find(mCurrentView);
     }
     if (from == mViews.cend()) {

@@ -5,6 +5,7 @@
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusSignature>
+#include <QDBusUnixFileDescriptor>
 #include <QDBusVariant>
 #include <QVariant>
 #include <QVariantList>
@@ -66,6 +67,9 @@ QVariant toPlainValue(const QVariant& value)
     }
     if (type == qMetaTypeId<QDBusSignature>()) {
         return value.value<QDBusSignature>().signature();
+    }
+    if (type == qMetaTypeId<QDBusUnixFileDescriptor>()) {
+        return {};
     }
     return value;
 }

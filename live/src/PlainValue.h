@@ -5,5 +5,6 @@
 class QVariant;
 
 /// The value without D-Bus types: arrays and structures are lists, dictionaries are maps, variants are what they hold,
-/// object paths and signatures are strings. JavaScript can use it, and it can be compared.
+/// object paths and signatures are strings, and a file descriptor is an invalid value. JavaScript can use it, and it
+/// can be compared.
 QVariant toPlainValue(const QVariant& value);

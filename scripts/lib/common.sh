@@ -10,7 +10,8 @@ log_directory=$project_directory/build/logs
 build_packages=(
     cmake g++ make ninja-build pkg-config
     qtbase5-dev qtdeclarative5-dev libqt5waylandcompositor5-dev qtwayland5-dev-tools
-    qtbase5-private-dev qtwayland5-private-dev libwayland-dev libxkbcommon-dev wayland-protocols
+    qtbase5-private-dev qtwayland5-private-dev libdbus-1-dev libwayland-dev libxcb1-dev libxkbcommon-dev
+    wayland-protocols
 )
 session_packages=(
     dbus-daemon fonts-dejavu-core procps qtwayland5 sysvinit-utils weston
@@ -21,11 +22,11 @@ documentation_packages=(doxygen doxygen-awesome-css mandoc python3-pygments)
 
 # Needed in addition to build and run the tests and the benchmarks.
 test_build_packages=(
-    libdbus-1-dev libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
+    libglib2.0-dev libsdbus-c++-dev libsystemd-dev python3 valgrind
 )
 test_packages=(
     "${documentation_packages[@]}"
-    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus
+    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus python3-jsonschema
     qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
     zsh
 )

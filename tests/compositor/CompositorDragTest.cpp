@@ -24,6 +24,8 @@ private Q_SLOTS:
     void aDragOverAClientThatKnowsOfNoneIsHarmless();
     void aDragSurvivesTheEndOfWhatItIsOver();
     void aSecondDragIsCancelled();
+    void theImageOfADragFollowsThePointer();
+    void theImageOfADragMayVanish();
     void aCursorIsSetByWhoHasThePointer();
 
 protected:
@@ -42,6 +44,8 @@ private:
     Dragger openDragger(const QByteArray& title);
     static quint32 createSource(const Dragger& dragger);
     static void startDrag(const Dragger& dragger, quint32 source);
+    /// As above, with a white image; returns its surface.
+    static quint32 startDragWithImage(const Dragger& dragger, const QSize& size);
     /// Moves the pointer until the object has received the event.
     void moveUntil(const Dragger& dragger, quint32 object, quint16 opcode);
     void pressOn(const Dragger& dragger);
@@ -113,6 +117,22 @@ void CompositorDragTest::startDrag(const Dragger& dragger, quint32 source)
                              .number(icon)
                              .number(0U));
     QVERIFY2(dragger.client->synchronise(), dragger.client->errorText());
+}
+
+quint32 CompositorDragTest::startDragWithImage(const Dragger& dragger, const QSize& size)
+{
+    const quint32 source = createSource(dragger);
+    const quint32 icon = dragger.client->createSurface();
+    dragger.client->send(WireMessage(dragger.device, WL_DATA_DEVICE_START_DRAG)
+                             .number(source)
+                             .number(dragger.window.surface)
+                             .number(icon)
+                             .number(0U));
+    dragger.client->attach(icon, dragger.client->createBuffer(size));
+    dragger.client->damage(icon, QRect(QPoint(), size));
+    dragger.client->commit(icon);
+    dragger.client->synchronise();
+    return icon;
 }
 
 void CompositorDragTest::waitForEvent(const Dragger& dragger, quint32 object, quint16 opcode)
@@ -270,6 +290,51 @@ void CompositorDragTest::aSecondDragIsCancelled()
     mDesktop->release();
     waitForEvent(dragger, dragger.device, cDeviceDrop);
     QCOMPARE(dragger.client->events(first, cSourceCancelled).size(), 0);
+}
+
+void CompositorDragTest::theImageOfADragFollowsThePointer()
+{
+    const Dragger dragger = openDragger("Dragger");
+    pressOn(dragger);
+    const quint32 icon = startDragWithImage(dragger, QSize(40, 40));
+    const auto isWhite = [this](int x, int y) {
+        return screenShot().pixelColor(x, y) == Qt::white;
+    };
+    // Beside the window, which is white too.
+    mDesktop->movePointer(100, 500);
+    TRY_VERIFY(isWhite(105, 505));
+    QVERIFY(isWhite(138, 538));
+    QVERIFY(!isWhite(142, 505));
+    mDesktop->movePointer(900, 100);
+    TRY_VERIFY(isWhite(905, 105));
+    QVERIFY(!isWhite(105, 505));
+    // The client moves it relative to the pointer.
+    dragger.client->send(
+        WireMessage(icon, WL_SURFACE_ATTACH).number(dragger.client->createBuffer(QSize(40, 40))).number(-60).number(0));
+    dragger.client->damage(icon, QRect(0, 0, 40, 40));
+    dragger.client->commit(icon);
+    TRY_VERIFY(isWhite(845, 105));
+    QVERIFY(!isWhite(905, 105));
+    mDesktop->release();
+    TRY_VERIFY(!isWhite(845, 105));
+    checkPointer(dragger);
+}
+
+void CompositorDragTest::theImageOfADragMayVanish()
+{
+    const Dragger dragger = openDragger("Dragger");
+    pressOn(dragger);
+    const quint32 icon = startDragWithImage(dragger, QSize(40, 40));
+    mDesktop->movePointer(100, 500);
+    const auto isWhite = [this] {
+        return screenShot().pixelColor(105, 505) == Qt::white;
+    };
+    TRY_VERIFY(isWhite());
+    dragger.client->send(WireMessage(icon, WL_SURFACE_DESTROY));
+    TRY_VERIFY(!isWhite());
+    moveUntil(dragger, dragger.device, cDeviceMotion);
+    mDesktop->release();
+    waitForEvent(dragger, dragger.device, cDeviceDrop);
 }
 
 void CompositorDragTest::aCursorIsSetByWhoHasThePointer()

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <limits>
+#include <text-input-unstable-v3-client-protocol.h>
 #include <unistd.h>
 #include <vector>
 #include <viewporter-client-protocol.h>
@@ -232,6 +233,89 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         client.send(WireMessage(id, WP_VIEWPORT_SET_DESTINATION).number(cHuge).number(cHuge));
         client.commit(window.surface);
     });
+
+    for (const QByteArray& version : {QByteArray("2"), QByteArray("3")}) {
+        // Those requests that are used by their names here have the same numbers in both versions.
+        struct Input
+        {
+            quint32 manager;
+            quint32 object;
+        };
+        const auto createInput = [version](WireClient& client) {
+            const quint32 seat = client.bind("wl_seat");
+            const quint32 manager = client.bind("zwp_text_input_manager_v" + version);
+            const quint32 object = client.newId();
+            client.send(WireMessage(manager, ZWP_TEXT_INPUT_MANAGER_V3_GET_TEXT_INPUT).number(object).number(seat));
+            return Input{manager, object};
+        };
+        const auto enable = [version](quint32 input, quint32 surface) {
+            WireMessage message(input, ZWP_TEXT_INPUT_V3_ENABLE);
+            return version == "2" ? message.number(surface) : message;
+        };
+        const auto commit = [version](quint32 input) {
+            constexpr quint16 cUpdateStateV2 = 9;
+            return version == "2" ? WireMessage(input, cUpdateStateV2).number(1U).number(1U)
+                                  : WireMessage(input, ZWP_TEXT_INPUT_V3_COMMIT);
+        };
+        const auto textRow = [&row, &version](const char* name, int error, const Attack& attack) {
+            row(("text input " + version + ": " + name).constData(), error, attack);
+        };
+        textRow("for a seat that is none", cAnyError, [version](WireClient& client) {
+            const quint32 surface = client.createSurface();
+            const quint32 manager = client.bind("zwp_text_input_manager_v" + version);
+            const quint32 object = client.newId();
+            client.send(WireMessage(manager, ZWP_TEXT_INPUT_MANAGER_V3_GET_TEXT_INPUT).number(object).number(surface));
+        });
+        textRow("without a window", cNoError, [=](WireClient& client) {
+            const quint32 input = createInput(client).object;
+            client.send(enable(input, client.createSurface()));
+            client.send(commit(input));
+        });
+        textRow("that outlives its manager and its surface", cNoError, [=](WireClient& client) {
+            const auto [manager, input] = createInput(client);
+            const WireClient::Window window = client.openWindow("Field");
+            client.send(enable(input, window.surface));
+            client.send(WireMessage(manager, ZWP_TEXT_INPUT_MANAGER_V3_DESTROY));
+            client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_DESTROY));
+            client.send(WireMessage(window.xdgSurface, XDG_SURFACE_DESTROY));
+            client.send(WireMessage(window.surface, WL_SURFACE_DESTROY));
+            client.send(commit(input));
+            client.openWindow("Next");
+        });
+        textRow("destroyed while it is enabled", cNoError, [=](WireClient& client) {
+            const WireClient::Window window = client.openWindow("Field");
+            const quint32 input = createInput(client).object;
+            client.send(enable(input, window.surface));
+            client.send(commit(input));
+            client.send(WireMessage(input, ZWP_TEXT_INPUT_V3_DESTROY));
+            client.openWindow("Next");
+        });
+        textRow("used after it is destroyed", cAnyError, [=](WireClient& client) {
+            const quint32 input = createInput(client).object;
+            client.send(WireMessage(input, ZWP_TEXT_INPUT_V3_DESTROY));
+            client.send(commit(input));
+        });
+        textRow("a thousand of them, all enabled", cNoError, [=](WireClient& client) {
+            const WireClient::Window window = client.openWindow("Field");
+            for (int i = 0; i < 1000; ++i) {
+                const quint32 input = createInput(client).object;
+                client.send(enable(input, window.surface));
+                client.send(commit(input));
+                client.synchronise();
+            }
+            client.openWindow("Next");
+        });
+        textRow("with text that is none and places outside of it", cAnyEnd, [=](WireClient& client) {
+            const WireClient::Window window = client.openWindow("Field");
+            const quint32 input = createInput(client).object;
+            client.send(enable(input, window.surface));
+            const quint16 setText = version == "2" ? 5 : ZWP_TEXT_INPUT_V3_SET_SURROUNDING_TEXT;
+            const quint16 setType = version == "2" ? 6 : ZWP_TEXT_INPUT_V3_SET_CONTENT_TYPE;
+            client.send(WireMessage(input, setText).text(QByteArray("\xff\xc3")).number(cHuge).number(cLowest));
+            client.send(WireMessage(input, setType).number(0xffffffffU).number(0xffffffffU));
+            client.send(commit(input));
+        });
+    }
 
     row("a surface that goes before its window", cAnyEnd, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Headless");

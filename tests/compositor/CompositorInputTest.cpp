@@ -32,6 +32,7 @@ private Q_SLOTS:
     void inputEndsTheScreenSaverAndDoesNothingElse();
     void aKeyEndsTheScreenSaver();
     void theScreenSaverWaitsForTheEndOfInput();
+    void clicksAndKeysReachTheViewBelowTheOverlay();
     void aHungClientStaysConnectedWhateverTheInput();
 
 protected:
@@ -357,6 +358,18 @@ void CompositorInputTest::theScreenSaverWaitsForTheEndOfInput()
         CompositorBus::get(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("screenSaverActive")),
         QVariant(false));
     mMonitor->waitFor(QStringLiteral("screenSaverActive"));
+}
+
+void CompositorInputTest::clicksAndKeysReachTheViewBelowTheOverlay()
+{
+    const auto client = openWindow();
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"),
+                               {QStringLiteral("Please wait")});
+    mDesktop->movePointer(512, 300);
+    mDesktop->click();
+    QCOMPARE(client->waitFor("press 1"), QByteArray("512,266"));
+    mDesktop->key(QStringLiteral("x"));
+    client->waitFor("keypress 1 x");
 }
 
 void CompositorInputTest::aHungClientStaysConnectedWhateverTheInput()

@@ -3,56 +3,9 @@
 #include "CompositorBus.h"
 #include "CompositorFixture.h"
 #include "ListeningPort.h"
+#include "RemoteDesktop.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
-
-#include <QTcpSocket>
-
-/// Types into a remote frame buffer (RFB 3.3), of which it never asks for a picture.
-class RemoteKeyboard
-{
-public:
-    explicit RemoteKeyboard(quint16 port)
-    {
-        mSocket.connectToHost(QStringLiteral("127.0.0.1"), port);
-        // Each side names the version; then the server offers its security, and after the client's init its geometry.
-        read(12);
-        mSocket.write("RFB 003.003\n");
-        read(4);
-        mSocket.write("\1", 1);
-        read(24);
-    }
-
-    void key(quint32 keysym, bool isDown)
-    {
-        QByteArray message("\4\0\0\0\0\0\0\0", 8);
-        message[1] = isDown ? 1 : 0;
-        for (int i = 0; i < 4; ++i) {
-            message[4 + i] = static_cast<char>(keysym >> (24 - 8 * i));
-        }
-        mSocket.write(message);
-        mSocket.flush();
-    }
-
-    void type(quint32 keysym)
-    {
-        key(keysym, true);
-        key(keysym, false);
-    }
-
-private:
-    void read(int size)
-    {
-        while (mSocket.bytesAvailable() < size) {
-            if (!mSocket.waitForReadyRead(ChildProcess::cDeadline)) {
-                throw std::runtime_error("no answer from the remote frame buffer");
-            }
-        }
-        mSocket.read(size);
-    }
-
-    QTcpSocket mSocket;
-};
 
 /// The layouts that clients get, and keys that come without a scan code.
 class CompositorKeyboardTest : public CompositorFixture
@@ -64,6 +17,8 @@ private Q_SLOTS:
     void theLayoutIsTheClients_data();
     void theLayoutIsTheClients();
     void aLayoutThatDoesNotExistIsRefused();
+    void withoutTheOptionTheLayoutIsTheDesktops_data();
+    void withoutTheOptionTheLayoutIsTheDesktops();
     void keysArriveOverVnc();
     void aHeldShiftIsReleasedOverVnc();
 
@@ -72,6 +27,8 @@ private:
                                                 const QStringList& options);
 
     std::unique_ptr<VirtualDesktop> mDesktop;
+    /// With a keyboard layout of its own.
+    std::unique_ptr<VirtualDesktop> mOtherDesktop;
 };
 
 void CompositorKeyboardTest::initTestCase()
@@ -125,10 +82,33 @@ void CompositorKeyboardTest::aLayoutThatDoesNotExistIsRefused()
     }
 }
 
+void CompositorKeyboardTest::withoutTheOptionTheLayoutIsTheDesktops_data()
+{
+    QTest::addColumn<QStringList>("layout");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QByteArray>("text");
+    QTest::newRow("de") << QStringList{QStringLiteral("de")} << QStringLiteral("udiaeresis") << QByteArray("ü");
+    QTest::newRow("the first of several")
+        << QStringList{QStringLiteral("us,de"), QStringLiteral("dvorak,")} << QStringLiteral("y") << QByteArray("y");
+    QTest::newRow("us") << QStringList{QStringLiteral("us")} << QStringLiteral("y") << QByteArray("y");
+}
+
+void CompositorKeyboardTest::withoutTheOptionTheLayoutIsTheDesktops()
+{
+    QFETCH(const QStringList, layout);
+    QFETCH(const QString, key);
+    QFETCH(const QByteArray, text);
+    mOtherDesktop = std::make_unique<VirtualDesktop>();
+    mOtherDesktop->setKeyboardLayout(layout);
+    const auto client = startWithWindow(QStringLiteral("xcb"), mOtherDesktop->display(), {});
+    mOtherDesktop->key(key);
+    client->waitFor("keypress 1 " + text);
+}
+
 void CompositorKeyboardTest::keysArriveOverVnc()
 {
     const auto client = startWithWindow(QStringLiteral("vnc:size=1024x600,port=0"), QString(), {});
-    RemoteKeyboard keyboard(listeningPort(mCompositor->processId(), QStringLiteral("tcp")));
+    RemoteDesktop keyboard(listeningPort(mCompositor->processId(), QStringLiteral("tcp")));
     keyboard.type('a');
     client->waitFor("keypress 1 a");
     client->waitFor("keyrelease 1 a");
@@ -146,7 +126,7 @@ void CompositorKeyboardTest::aHeldShiftIsReleasedOverVnc()
 {
     constexpr quint32 cShift = 0xffe1;
     const auto client = startWithWindow(QStringLiteral("vnc:size=1024x600,port=0"), QString(), {});
-    RemoteKeyboard keyboard(listeningPort(mCompositor->processId(), QStringLiteral("tcp")));
+    RemoteDesktop keyboard(listeningPort(mCompositor->processId(), QStringLiteral("tcp")));
     keyboard.key(cShift, true);
     keyboard.key('A', true);
     keyboard.key(cShift, false);

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void escapeEndsAltTabWithoutASwitch();
     void keysStepThroughTheViewsOfTheApplication();
     void aKeyOrTheMenuClosesTheView();
+    void closingAViewThatDoesNotRespondEndsItsClient();
     void aKeyTurnsTheScreen();
     void aKeyTogglesFullScreen();
     void aKeyBlanksTheScreenUntilTheNextOne();
@@ -209,6 +210,28 @@ void CompositorMenuTest::aKeyOrTheMenuClosesTheView()
     click(386, 66);
     client->waitFor("closed 1");
     TRY_COMPARE(CompositorBus::views().size(), 3);
+}
+
+void CompositorMenuTest::closingAViewThatDoesNotRespondEndsItsClient()
+{
+    const auto hung = testClient();
+    hung->send("open a Hung");
+    hung->waitFor("activated 1");
+    const auto other = testClient();
+    other->send("open b Other");
+    other->waitFor("activated 1");
+    const QString uuid = CompositorBus::viewWithTitle(QStringLiteral("Hung")).uuid;
+    hung->freeze();
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       uuid);
+    const auto isResponding = [] {
+        return CompositorBus::viewWithTitle(QStringLiteral("Hung")).attributes.value(QStringLiteral("responding"));
+    };
+    TRY_COMPARE(isResponding(), QVariant(false));
+    mDesktop->key(QStringLiteral("ctrl+alt+w"));
+    TRY_VERIFY(!hung->isRunning());
+    TRY_COMPARE(CompositorBus::views().size(), 4);
+    QVERIFY(other->isRunning());
 }
 
 void CompositorMenuTest::aKeyTurnsTheScreen()

@@ -15,9 +15,6 @@ CompositorProcess::CompositorProcess()
     mEnvironment.insert(QStringLiteral("XDG_RUNTIME_DIR"), mDirectory.path());
     mEnvironment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     mEnvironment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    // Disables glibc's dynamic mmap threshold: freed pictures are unmapped, so that measured memory does not depend on
-    // heap layout.
-    mEnvironment.insert(QStringLiteral("MALLOC_MMAP_THRESHOLD_"), QStringLiteral("131072"));
     mProcess.setProcessChannelMode(QProcess::SeparateChannels);
 }
 
@@ -107,6 +104,17 @@ qint64 CompositorProcess::residentMemory() const
         throw std::runtime_error("the compositor is gone");
     }
     return file.readAll().split(' ').at(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
+
+qint64 CompositorProcess::anonymousMemory() const
+{
+    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(processId()));
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error("the compositor is gone");
+    }
+    const QByteArray text = file.readAll();
+    const QByteArray name = "\nAnonymous:";
+    return text.mid(text.indexOf(name) + name.size()).simplified().split(' ').at(0).toLongLong() * 1024;
 }
 
 int CompositorProcess::descriptorCount() const

@@ -57,6 +57,8 @@ public:
     qint64 processorTime() const;
     /// The resident memory in bytes.
     qint64 residentMemory() const;
+    /// The part of it that is not of a file, in bytes.
+    qint64 anonymousMemory() const;
 
     int descriptorCount() const;
 

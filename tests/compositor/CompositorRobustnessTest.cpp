@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
 #include "CompositorFixture.h"
+#include "ProcessMemory.h"
 #include "TestMain.h"
 
 #include <QElapsedTimer>
@@ -24,10 +25,10 @@ private Q_SLOTS:
     void aClientThatTakesItsMemoryAwayHarmsOnlyItself();
     void aClientThatDiesWhileItDraws();
     void clientsThatComeAndGoLeaveNothingBehind();
+    void theMemoryOfACrowdIsReturned();
     void garbageOnTheSocket();
     void aConnectionThatSaysNothing();
     void surfacesInACircle();
-    void parentsInACircle();
     void aHungClientDoesNotSlowTheOthers();
 };
 
@@ -176,8 +177,9 @@ void CompositorRobustnessTest::aClientThatDiesWhileItDraws()
     for (int i = 0; i < 20; ++i) {
         const auto client = protocolClient();
         client->send("open a Dying");
-        client->send("commit 1 100000");
         TRY_COMPARE(CompositorBus::views().size(), 1);
+        client->send("commit 1 100000");
+        screenShot();
         client->kill();
         TRY_COMPARE(CompositorBus::views().size(), 0);
     }
@@ -203,6 +205,37 @@ void CompositorRobustnessTest::clientsThatComeAndGoLeaveNothingBehind()
     QCOMPARE(mCompositor->descriptorCount(), openBefore);
     const qint64 growth = mCompositor->residentMemory() - memoryBefore;
     QVERIFY2(growth < 4 * 1024 * 1024, qPrintable(QString::number(growth)));
+}
+
+void CompositorRobustnessTest::theMemoryOfACrowdIsReturned()
+{
+    constexpr int count = 50;
+    // What the first client and the first picture load stays.
+    {
+        const auto client = testClient();
+        client->send("open a First");
+        TRY_COMPARE(CompositorBus::views().size(), 1);
+        screenShot();
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+    const qint64 idle = mCompositor->anonymousMemory();
+    {
+        std::vector<std::unique_ptr<LineClient>> crowd;
+        for (int i = 0; i < count; ++i) {
+            crowd.push_back(testClient());
+            crowd.back()->send("open a Guest");
+        }
+        TRY_COMPARE(CompositorBus::views().size(), count);
+        for (const CompositorBus::View& view : CompositorBus::views()) {
+            CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher,
+                               QStringLiteral("currentView"), view.uuid);
+            screenShot();
+        }
+    }
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+    if (ProcessMemory::isMeaningful()) {
+        TRY_VERIFY(mCompositor->anonymousMemory() - idle <= 8 * 1024 * 1024);
+    }
 }
 
 void CompositorRobustnessTest::garbageOnTheSocket()
@@ -252,20 +285,6 @@ void CompositorRobustnessTest::surfacesInACircle()
     for (QByteArray event; event != "synced" && event != "disconnected"; event = client->waitFor("")) { }
     screenShot();
     QVERIFY(mCompositor->isRunning());
-}
-
-void CompositorRobustnessTest::parentsInACircle()
-{
-    const auto client = protocolClient();
-    client->send("open a One");
-    client->send("open a Two");
-    TRY_COMPARE(CompositorBus::views().size(), 2);
-    client->send("parent 1 2");
-    client->send("parent 2 1");
-    client->send("sync");
-    client->waitFor("synced");
-    screenShot();
-    QCOMPARE(CompositorBus::views().size(), 2);
 }
 
 void CompositorRobustnessTest::aHungClientDoesNotSlowTheOthers()

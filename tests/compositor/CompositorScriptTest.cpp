@@ -5,6 +5,7 @@
 #include "InterfaceFiles.h"
 #include "TestMain.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDBusReply>
@@ -91,6 +92,15 @@ QString pathOf(const QString& interface)
                                                       : QLatin1Char('/') + interface.section(QLatin1Char('.'), -1);
 }
 
+/// The state of a process in the kernel's letters.
+char stateOf(qint64 process)
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    file.open(QIODevice::ReadOnly);
+    const QByteArray content = file.readAll();
+    return content.mid(content.lastIndexOf(')') + 2, 1).at(0);
+}
+
 } // namespace
 
 class CompositorScriptTest : public CompositorFixture
@@ -102,14 +112,23 @@ private Q_SLOTS:
     void aViewAppearsAndVanishesAtItsTime();
     void aViewOfAScriptCanBeSwitchedTo();
     void windowsAndViewsOfAScriptLiveSideBySide();
+    void aViewOfAScriptHasExactlyTheRecordThatItSays();
+    void aViewOfAScriptChanges();
+    void viewsAreArranged();
+    void anyTextCanBeTheCurrentView();
     void aPropertyChangesAndIsSignalled_data();
     void aPropertyChangesAndIsSignalled();
     void theScreenSaverStartsAndEnds();
+    void theTimeoutBlanksOnlyWhereTheScriptPermitsIt();
     void aMethodIsCalled();
     void aNotificationIsPosted();
     void stepsOfOneTimeAreTakenInTheirOrder();
     void aStepWaitsForAsManyCallsAsItSays();
     void aStepWaitsForTheViewOfAnApplication();
+    void aStepWaitsForATitle();
+    void aStepWaitsUntilAViewIsTheCurrentOne();
+    void aStepWaitsForTheEndOfAView();
+    void aStepWaitsUntilAViewDoesNotRespond();
     void theTimeOfAStepThatWaitsBeginsWithTheEvent();
     void whatTheScriptItselfCallsIsNoEventAndMeetsNoFault();
     void everyMemberOfTheInterfacesCanFail();
@@ -128,6 +147,14 @@ private Q_SLOTS:
     void aSilentCallIsNeverAnswered();
     void theServiceGoesAndComesBack();
     void aFrozenCompositorAnswersWhenItHasThawed();
+    void aHangingViewDoesNotRespond();
+    void aHangingApplicationIsStopped();
+    void aFrozenCompositorDoesNotBlameTheApplications();
+    void aStoppedApplicationRunsOnAfterTheCompositorsEnd();
+    void aRestartLosesClientsAndTheService();
+    void theEndHasItsStatus_data();
+    void theEndHasItsStatus();
+    void buttonsArePressedWhenTheirViewIsThere();
     void aStepThatCannotBeTakenEndsTheCompositor_data();
     void aStepThatCannotBeTakenEndsTheCompositor();
 
@@ -267,6 +294,93 @@ void CompositorScriptTest::windowsAndViewsOfAScriptLiveSideBySide()
     TRY_COMPARE(CompositorBus::views().size(), 0);
 }
 
+void CompositorScriptTest::aViewOfAScriptHasExactlyTheRecordThatItSays()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "", "pid": 0, "title": "Song", "attributes": {"volume": 11},
+                      "record": {"info1": "a", "info2": "", "info3": "c", "info4": "d", "sortIndex": 7,
+                                 "attributes": {"muted": true}}}},
+        {"add-view": {"uuid": "two", "appId": "", "pid": 1, "record": {"info3": "busy"}}}
+    ])");
+    const QList<View> views = CompositorBus::views();
+    const View one = views.at(0);
+    QCOMPARE(one.appId, QString());
+    QCOMPARE(one.pid, 0U);
+    QCOMPARE(QStringList({one.info1, one.info2, one.info3, one.info4}),
+             QStringList({QStringLiteral("a"), QString(), QStringLiteral("c"), QStringLiteral("d")}));
+    QCOMPARE(one.sortIndex, 7U);
+    QCOMPARE(one.attributes, QVariantMap({{QStringLiteral("muted"), true}}));
+
+    const View two = views.at(1);
+    QCOMPARE(two.info3, QStringLiteral("busy"));
+    QCOMPARE(two.info4, QStringLiteral("window"));
+    QCOMPARE(two.sortIndex, 8U);
+    QCOMPARE(two.attributes.value(QStringLiteral("current")), QVariant(true));
+}
+
+void CompositorScriptTest::aViewOfAScriptChanges()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "player", "pid": 1, "attributes": {"volume": 11}}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"},
+         "change-view": {"uuid": "one", "title": "Other song", "attributes": {"gain": 0.5}}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"},
+         "change-view": {"uuid": "one", "appId": "radio", "pid": 2, "processName": "tuner",
+                         "record": {"info1": "on air", "sortIndex": 3}}}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("views")).properties, QStringList(QStringLiteral("views")));
+    const View song = CompositorBus::views().constFirst();
+    QCOMPARE(song.info1, QStringLiteral("Other song"));
+    QCOMPARE(song.info2, QStringLiteral("player"));
+    QCOMPARE(song.attributes.value(QStringLiteral("title")), QVariant(QStringLiteral("Other song")));
+    QCOMPARE(song.attributes.value(QStringLiteral("gain")), QVariant(0.5));
+    QVERIFY(!song.attributes.contains(QStringLiteral("volume")));
+
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+    mMonitor->waitFor(QStringLiteral("views"));
+    const View radio = CompositorBus::views().constFirst();
+    QCOMPARE(radio.uuid, QStringLiteral("one"));
+    QCOMPARE(radio.appId, QStringLiteral("radio"));
+    QCOMPARE(radio.pid, 2U);
+    QCOMPARE(radio.sortIndex, 3U);
+    QCOMPARE(radio.info1, QStringLiteral("on air"));
+    QCOMPARE(radio.info2, QStringLiteral("tuner"));
+    QCOMPARE(radio.attributes.value(QStringLiteral("title")), QVariant(QStringLiteral("Other song")));
+}
+
+void CompositorScriptTest::viewsAreArranged()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "app", "pid": 1}},
+        {"add-view": {"uuid": "three", "appId": "app", "pid": 1}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "order-views": ["three", "one"]}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    mMonitor->waitFor(QStringLiteral("views"));
+    QCOMPARE(uuidsOf(CompositorBus::views()),
+             QStringList({QStringLiteral("three"), QStringLiteral("two"), QStringLiteral("one")}));
+    QCOMPARE(CompositorBus::currentView(), QStringLiteral("three"));
+}
+
+void CompositorScriptTest::anyTextCanBeTheCurrentView()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"current-view": ""},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "current-view": "home"},
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "current-view": "one"}
+    ])");
+    QCOMPARE(CompositorBus::currentView(), QString());
+    QCOMPARE(CompositorBus::views().constFirst().info3, QStringLiteral("background"));
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).currentView, QStringLiteral("home"));
+    QCOMPARE(CompositorBus::errorOf(showOverlay()), QString());
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("currentView")).currentView, QStringLiteral("one"));
+    QCOMPARE(CompositorBus::views().constFirst().info3, QStringLiteral("current"));
+}
+
 void CompositorScriptTest::aPropertyChangesAndIsSignalled_data()
 {
     QTest::addColumn<QString>("path");
@@ -321,6 +435,20 @@ void CompositorScriptTest::theScreenSaverStartsAndEnds()
     QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.first(), QVariant(false));
     QCOMPARE(screen("screenSaverActive"), QVariant(false));
     QVERIFY(screenShot() != black);
+}
+
+void CompositorScriptTest::theTimeoutBlanksOnlyWhereTheScriptPermitsIt()
+{
+    QElapsedTimer timer;
+    timer.start();
+    play(R"([
+        {"blanking": "scripted"},
+        {"set": {"de.Telvaro.screen.screenSaverTimeoutSeconds": 1}},
+        {"at": 1.5, "blanking": "automatic"}
+    ])");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.first(), QVariant(true));
+    // The first timeout, after one second, has been ignored.
+    QVERIFY2(timer.elapsed() >= 2000, qPrintable(QString::number(timer.elapsed())));
 }
 
 void CompositorScriptTest::aMethodIsCalled()
@@ -408,6 +536,62 @@ void CompositorScriptTest::aStepWaitsForTheViewOfAnApplication()
     client->send("open org.example.App third");
     TRY_COMPARE(CompositorBus::views().size(), 4);
     QCOMPARE(CompositorBus::views().last().info1, QStringLiteral("Answer"));
+}
+
+void CompositorScriptTest::aStepWaitsForATitle()
+{
+    play(R"([
+        {"after": {"view": "org.example.App", "title": "Saved"}, "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"after": {"view": "org.example.App", "title": "Saved", "times": 2},
+         "set": {"de.Telvaro.screen.orientation": "180"}}
+    ])");
+    const auto client = testClient();
+    client->send("open org.example.App New");
+    client->waitFor("activated 1");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    client->send("title 1 Saved");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
+    client->send("title 1 Saved again");
+    client->send("title 1 Saved");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("180")));
+}
+
+void CompositorScriptTest::aStepWaitsUntilAViewIsTheCurrentOne()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "first", "pid": 1}},
+        {"add-view": {"uuid": "two", "appId": "second", "pid": 1}},
+        {"after": {"current": "first", "times": 2}, "set": {"de.Telvaro.screen.orientation": "90"}}
+    ])");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       QStringLiteral("one"));
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::aStepWaitsForTheEndOfAView()
+{
+    play(R"([{"after": {"gone": "org.example.App"}, "set": {"de.Telvaro.screen.orientation": "90"}}])");
+    const auto client = testClient();
+    client->send("open org.example.App Window");
+    client->waitFor("activated 1");
+    client->send("title 1 Other");
+    TRY_COMPARE(CompositorBus::views().first().info1, QStringLiteral("Other"));
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    client->send("close 1");
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::aStepWaitsUntilAViewDoesNotRespond()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": 1}},
+        {"after": {"unresponsive": "app"}, "set": {"de.Telvaro.screen.orientation": "90"}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app"}}
+    ])");
+    QCOMPARE(screen("orientation"), QVariant(QStringLiteral("0")));
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    QCOMPARE(mMonitor->waitFor(QStringLiteral("orientation")).values.first(), QVariant(QStringLiteral("90")));
 }
 
 void CompositorScriptTest::theTimeOfAStepThatWaitsBeginsWithTheEvent()
@@ -726,6 +910,142 @@ void CompositorScriptTest::aFrozenCompositorAnswersWhenItHasThawed()
     QVERIFY2(timer.elapsed() >= 599, qPrintable(QString::number(timer.elapsed())));
 }
 
+void CompositorScriptTest::aHangingViewDoesNotRespond()
+{
+    // The process with the view's number is not the script's.
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "app", "pid": )"
+         + QByteArray::number(QCoreApplication::applicationPid()) + R"(}},
+        {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app", "seconds": 0.3}}
+    ])");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    TRY_COMPARE(CompositorBus::views().first().info3, QStringLiteral("current unresponsive"));
+    TRY_COMPARE(CompositorBus::views().first().info3, QStringLiteral("current"));
+}
+
+void CompositorScriptTest::aFrozenCompositorDoesNotBlameTheApplications()
+{
+    play(R"([
+        {"after": {"call": "de.Telvaro.globaloverlay.Show"}, "freeze": 4.5},
+        {"after": {"unresponsive": "app"}, "end": 1}
+    ])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("activated 1");
+    showOverlay();
+    // The first calls may be handled before the client's pong is.
+    for (int i = 0; i < 10; ++i) {
+        QCOMPARE(CompositorBus::views().first().info3, QStringLiteral("current"));
+    }
+}
+
+void CompositorScriptTest::aHangingApplicationIsStopped()
+{
+    play(R"([{"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "hang": {"view": "app", "seconds": 0.3}}])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("activated 1");
+    QElapsedTimer timer;
+    timer.start();
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
+    CompositorBus::currentView();
+    TRY_COMPARE(stateOf(client->processId()), 'T');
+    client->send("ping");
+    client->waitFor("pong");
+    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+}
+
+void CompositorScriptTest::aStoppedApplicationRunsOnAfterTheCompositorsEnd()
+{
+    play(R"([{"after": {"current": "app"}, "hang": {"view": "app"}}])");
+    const auto client = protocolClient();
+    client->send("open app Window");
+    TRY_COMPARE(stateOf(client->processId()), 'T');
+    QCOMPARE(mCompositor->end(), 0);
+    client->waitFor("disconnected");
+    // The cleanup expects a running compositor.
+    mCompositor = std::make_unique<CompositorProcess>();
+    play("[]");
+}
+
+void CompositorScriptTest::aRestartLosesClientsAndTheService()
+{
+    play(R"([
+        {"add-view": {"uuid": "one", "appId": "script", "pid": 1}},
+        {"call": {"org.freedesktop.Notifications.Notify": ["", 0, "", "Mail", "", [], {}, 0]}},
+        {"call": {"de.Telvaro.globaloverlay.Show": ["text"]}},
+        {"after": {"current": "app"}, "restart": 0.5},
+        {"after": {"current": "app", "times": 2}, "set": {"de.Telvaro.screen.orientation": "90"}}
+    ])");
+    // Reads the properties that have changed, which the service does not live to see.
+    mMonitor.reset();
+    const QString service = QStringLiteral(TELVARO_SERVICE_NAME);
+    const QString socket = mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display();
+    QDBusServiceWatcher watcher(service, PrivateBus::connection());
+    const QSignalSpy gone(&watcher, &QDBusServiceWatcher::serviceUnregistered);
+    const QSignalSpy back(&watcher, &QDBusServiceWatcher::serviceRegistered);
+
+    const auto client = protocolClient();
+    client->send("open app Window");
+    client->waitFor("disconnected");
+    QVERIFY(!QFile::exists(socket));
+    TRY_COMPARE(gone.count(), 1);
+    TRY_COMPARE(back.count(), 1);
+    TRY_VERIFY(QFile::exists(socket));
+    TRY_VERIFY(isOwned(cNotificationName));
+    QCOMPARE(CompositorBus::views().size(), 0);
+    QCOMPARE(CompositorBus::currentView(), QString());
+    QCOMPARE(CompositorBus::call(CompositorBus::cNotificationsPath, CompositorBus::cNotifications,
+                                 QStringLiteral("CloseNotification"), {1U})
+                 .type(),
+             QDBusMessage::ErrorMessage);
+
+    const auto other = testClient();
+    other->send("open app Window");
+    other->waitFor("activated 1");
+    QCOMPARE(CompositorBus::views().size(), 1);
+    TRY_COMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::theEndHasItsStatus_data()
+{
+    QTest::addColumn<QByteArray>("steps");
+    QTest::addColumn<int>("status");
+    QTest::newRow("at once") << QByteArray(R"([{"end": 3}])") << 3;
+    QTest::newRow("later") << QByteArray(R"([{"at": 0.05, "end": 255}])") << 255;
+    QTest::newRow("success") << QByteArray(R"([{"at": 0.05, "end": 0}])") << 0;
+}
+
+void CompositorScriptTest::theEndHasItsStatus()
+{
+    QFETCH(QByteArray, steps);
+    QFETCH(int, status);
+    write(steps);
+    CompositorProcess compositor;
+    QCOMPARE(compositor.runToEnd({QStringLiteral("--script"), scriptFile()}), status);
+    QCOMPARE(compositor.errors(), QByteArray());
+    QVERIFY(compositor.output().endsWith("\nEXIT_STATUS=" + QByteArray::number(status) + '\n'));
+    QCOMPARE(compositor.sockets(), QStringList());
+    // The cleanup expects a running compositor.
+    play("[]");
+}
+
+void CompositorScriptTest::buttonsArePressedWhenTheirViewIsThere()
+{
+    play(R"([
+        {"after": {"current": "app"}, "click": {"x": 300, "y": 200, "in": "view"}},
+        {"after": {"current": "app"}, "type": "Hi"},
+        {"after": {"current": "app"}, "key": "Shift+x"}
+    ])");
+    const auto client = testClient();
+    client->send("open app Window");
+    client->waitFor("press 1 300,200");
+    client->waitFor("release 1 300,200");
+    client->waitFor("keypress 1 H");
+    client->waitFor("keypress 1 i");
+    client->waitFor("keypress 1 X");
+}
+
 void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
 {
     QTest::addColumn<QByteArray>("action");
@@ -734,6 +1054,10 @@ void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
                                         << QByteArray("there is a view \"one\" already");
     QTest::newRow("view that is not there")
         << QByteArray(R"("remove-view": "two")") << QByteArray("there is no view \"two\"");
+    QTest::newRow("change of a view that is not there")
+        << QByteArray(R"("change-view": {"uuid": "two", "title": "t"})") << QByteArray("there is no view \"two\"");
+    QTest::newRow("order with a view that is not there")
+        << QByteArray(R"("order-views": ["one", "two"])") << QByteArray("there is no view \"two\"");
     QTest::newRow("current view that is not there")
         << QByteArray(R"("set": {"de.Telvaro.taskswitcher.currentView": "two"})")
         << QByteArray("org.freedesktop.DBus.Error.InvalidArgs: there is no view \"two\"; the uuid of one of the views "
@@ -745,6 +1069,10 @@ void CompositorScriptTest::aStepThatCannotBeTakenEndsTheCompositor_data()
     QTest::newRow("screen saver that is disabled")
         << QByteArray(R"("set": {"de.Telvaro.screen.screenSaverActive": true})")
         << QByteArray("the screen saver is disabled");
+    QTest::newRow("application without a view to hang")
+        << QByteArray(R"("hang": {"view": "nobody"})") << QByteArray("there is no view of the application \"nobody\"");
+    QTest::newRow("tap outside") << QByteArray(R"("tap": {"x": 5000, "y": 1})")
+                                 << QByteArray("the position 5000,1 is outside of the output, whose size is 1024x600");
     QTest::newRow("method that fails") << QByteArray(
         R"("call": {"de.Telvaro.screenshot.ScreenShot": ["/proc/no/such/directory"]})")
                                        << QByteArray();

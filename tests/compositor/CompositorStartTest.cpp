@@ -75,9 +75,10 @@ void CompositorStartTest::printsHelpThatNamesEveryOption()
     CompositorProcess compositor;
     QCOMPARE(compositor.runToEnd({QStringLiteral("--help")}), 0);
     const QByteArray help = compositor.output();
-    for (const char* const option : {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT",
-                                     "--screensaver-timeout SECONDS", "--fullscreen-window", "--turn-window", "--touch",
-                                     "--keyboard-layout LAYOUT", "--script FILE", "WAYLAND_DISPLAY"}) {
+    for (const char* const option :
+         {"--help", "--version", "--socket NAME", "--size WIDTHxHEIGHT", "--screensaver-timeout SECONDS",
+          "--fullscreen-window", "--turn-window", "--touch", "--keyboard-layout LAYOUT", "--panel APPID[:EDGE[:SIZE]]",
+          "--script FILE", "WAYLAND_DISPLAY"}) {
         QVERIFY2(help.contains(option), option);
     }
     QCOMPARE(compositor.errors(), QByteArray());

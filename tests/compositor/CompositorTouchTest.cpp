@@ -2,12 +2,10 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
 #include "CompositorFixture.h"
-#include "ListeningPort.h"
 #include "NotificationClient.h"
 #include "TestMain.h"
-#include "TuioSender.h"
+#include "TouchFixture.h"
 #include "VirtualDesktop.h"
-#include "WireClient.h"
 
 #include <wayland-client-protocol.h>
 
@@ -19,13 +17,9 @@ constexpr quint16 cMotion = 2;
 constexpr quint16 cFrame = 3;
 constexpr quint16 cCancel = 4;
 
-const QSize cOutput(1024, 600);
-constexpr int cStatusBar = 34;
-
 } // namespace
 
-/// Fingers, put on the compositor by a program: nothing but Qt's own plugin stands between.
-class CompositorTouchTest : public CompositorFixture
+class CompositorTouchTest : public TouchFixture
 {
     Q_OBJECT
 
@@ -38,13 +32,11 @@ private Q_SLOTS:
     void aClientWithoutTouchGetsThePointer();
     void aFingerOpensTheMenuAndSwitches();
     void aFingerClosesACard();
+    void aFingerReachesTheViewBelowTheOverlay();
     void aSwitchOfViewsCancelsTheFingers();
     void theScreenSaverTakesTheFinger();
     void aFingerThatEndsTheScreenSaverDoesNothingElse();
     void theMouseIsAFingerWhereItIsWanted();
-
-protected:
-    void startCompositor() override;
 
 private:
     struct View
@@ -57,12 +49,9 @@ private:
 
     /// A client with a window that fills the work area.
     View openView(const QByteArray& title, bool hasTouch = true);
-    /// Positions are in the window's pixels.
-    void put(const QMap<int, QPointF>& fingers);
     static QVector<quint16> opcodes(View& view);
     static QPointF position(const WireClient::Event& event, int index);
 
-    std::unique_ptr<TuioSender> mFingers;
     std::unique_ptr<VirtualDesktop> mDesktop;
 };
 
@@ -71,43 +60,16 @@ void CompositorTouchTest::initTestCase()
     mDesktop = std::make_unique<VirtualDesktop>();
 }
 
-void CompositorTouchTest::startCompositor()
-{
-    mCompositor->environment().insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("tuiotouch:udp=0"));
-    mCompositor->environment().insert(QStringLiteral("QT_TUIOTOUCH_DELIVER_WITHOUT_FOCUS"), QStringLiteral("1"));
-    mCompositor->start();
-    mFingers = std::make_unique<TuioSender>(listeningPort(mCompositor->processId(), QStringLiteral("udp")));
-}
-
 CompositorTouchTest::View CompositorTouchTest::openView(const QByteArray& title, bool hasTouch)
 {
     View view;
-    view.client =
-        std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    view.client = wireClient();
     const quint32 seat = view.client->bind("wl_seat", 4);
     const quint32 device = view.client->newId();
     view.client->send(WireMessage(seat, hasTouch ? WL_SEAT_GET_TOUCH : WL_SEAT_GET_POINTER).number(device));
     (hasTouch ? view.touch : view.pointer) = device;
-    view.window = view.client->createWindow();
-    view.client->commit(view.window.surface);
-    view.client->synchronise();
-    view.client->attach(view.window.surface, view.client->createBuffer(cOutput - QSize(0, cStatusBar)));
-    view.client->damage(view.window.surface, QRect(QPoint(), cOutput));
-    view.client->send(WireMessage(view.window.toplevel, 2).text(title));
-    view.client->commit(view.window.surface);
-    view.client->synchronise();
-    // Where a window takes input is settled when it is painted.
-    screenShot();
+    view.window = openWindow(*view.client, title);
     return view;
-}
-
-void CompositorTouchTest::put(const QMap<int, QPointF>& fingers)
-{
-    QMap<int, QPointF> normalized;
-    for (auto finger = fingers.cbegin(); finger != fingers.cend(); ++finger) {
-        normalized.insert(finger.key(), {finger->x() / cOutput.width(), finger->y() / cOutput.height()});
-    }
-    mFingers->send(normalized);
 }
 
 QVector<quint16> CompositorTouchTest::opcodes(View& view)
@@ -214,6 +176,16 @@ void CompositorTouchTest::aFingerClosesACard()
     put({{1, {700, 60}}});
     put({});
     QCOMPARE(notifications.waitForEvent(), QStringLiteral("closed %1 2").arg(id));
+}
+
+void CompositorTouchTest::aFingerReachesTheViewBelowTheOverlay()
+{
+    View view = openView("Window");
+    CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Show"),
+                               {QStringLiteral("Please wait")});
+    put({{1, {512, 300}}});
+    put({});
+    TRY_COMPARE(opcodes(view), QVector<quint16>({cDown, cFrame, cUp, cFrame}));
 }
 
 void CompositorTouchTest::aSwitchOfViewsCancelsTheFingers()

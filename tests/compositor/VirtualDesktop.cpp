@@ -15,6 +15,15 @@ VirtualDesktop::VirtualDesktop()
     mDisplay = QLatin1Char(':') + QString::fromLatin1(mServer.readOutputLine());
 }
 
+void VirtualDesktop::setKeyboardLayout(const QStringList& layoutAndVariant)
+{
+    ChildProcess process;
+    process.run(QStringLiteral("setxkbmap"), QStringList{QStringLiteral("-display"), mDisplay} + layoutAndVariant);
+    if (!process.waitForFinished(ChildProcess::cDeadline) || process.exitCode() != 0) {
+        throw std::runtime_error("cannot set the keyboard layout");
+    }
+}
+
 void VirtualDesktop::movePointer(int x, int y)
 {
     type({QStringLiteral("mousemove"), QString::number(x), QString::number(y)});

@@ -16,6 +16,8 @@ public:
         return mDisplay;
     }
 
+    /// A layout of XKB and its variant.
+    void setKeyboardLayout(const QStringList& layoutAndVariant);
     void movePointer(int x, int y);
     void click(int button = 1);
     void press(int button = 1);

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void viewLoggerWritesEveryChange();
     void viewLoggerKeepsTheScreenSaverAway();
     void viewLoggerFollowsARestartOfTheService();
+    void viewLoggerStartsBeforeTheService();
     void qmlTaskSwitcherSwitchesToTheViewThatIsClicked();
     void qmlTaskSwitcherSwitchesByKeyboard();
     void anExampleOutlivesItsService_data();
@@ -59,9 +60,12 @@ private:
     bool isScreenSaverEnabled();
     /// Does in the example what goes to the service, again until it has an effect.
     bool use(const QString& example);
+    /// Starts the compositor again, with a script of these steps.
+    void playScript(const QByteArray& steps);
 
     std::unique_ptr<Desk> mDesk;
     std::unique_ptr<TelvaroScreenDBusConnector> mScreen;
+    QTemporaryDir mDirectory;
 };
 
 namespace {
@@ -348,6 +352,16 @@ void ExamplesTest::viewLoggerFollowsARestartOfTheService()
     QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared task-switcher-bar/0")));
 }
 
+void ExamplesTest::viewLoggerStartsBeforeTheService()
+{
+    playScript(R"({"service": "gone"}, {"after": {"view": "screen-settings"}, "service": "back"})");
+    const Program logger = startExample(cViewLogger);
+    const Program settings = startExample(cScreenSettings);
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared org.example.other/0")));
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared screen-settings/0")));
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("current screen-settings/0")));
+}
+
 void ExamplesTest::qmlTaskSwitcherSwitchesToTheViewThatIsClicked()
 {
     const Program settings = startView(cScreenSettings);
@@ -374,8 +388,34 @@ void ExamplesTest::qmlTaskSwitcherSwitchesByKeyboard()
     mDesk->waitForCurrent(cTaskSwitcherBar);
 }
 
+void ExamplesTest::playScript(const QByteArray& steps)
+{
+    cleanup();
+    QFile file(mDirectory.filePath(QStringLiteral("script.json")));
+    const QByteArray script =
+        R"([{"add-view": {"uuid": "other", "appId": "org.example.other", "pid": 4711}}, )" + steps + ']';
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(script) == script.size());
+    file.close();
+    mDesk = std::make_unique<Desk>(QStringList{QStringLiteral("--script"), file.fileName()});
+    mScreen = std::make_unique<TelvaroScreenDBusConnector>();
+}
+
 bool ExamplesTest::use(const QString& example)
 {
+    if (example == cNotifyAndCapture) {
+        const QRect message(0, 540, 1024, 60);
+        const QImage before = mDesk->picture().copy(message);
+        const QDir directory(mDirectory.path());
+        const QStringList pictures{QStringLiteral("*.png")};
+        const int count = directory.entryList(pictures).size();
+        return pressUntil(QStringLiteral("alt+n"),
+                          [this, &message, &before] {
+                              return mDesk->picture().copy(message) != before;
+                          })
+            && pressUntil(QStringLiteral("alt+s"), [&directory, &pictures, count] {
+                   return directory.entryList(pictures).size() > count;
+               });
+    }
     if (example == cScreenSettings) {
         return pressUntil(QStringLiteral("alt+f"), [this] {
             return mScreen->getFullScreen();
@@ -408,17 +448,17 @@ void ExamplesTest::anExampleOutlivesItsService_data()
     QTest::addColumn<QString>("example");
     QTest::addColumn<QByteArray>("script");
     // Of each, "%1" is the application id.
-    const QByteArray otherView = R"({"add-view": {"uuid": "other", "appId": "org.example.other", "pid": 4711}})";
     const QByteArray absent = R"({"service": "gone"}, {"after": {"view": "%1"}, "service": "back"})";
     const QByteArray restarted = R"({"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "service": "gone"},
                                     {"after": {"call": "de.Telvaro.globaloverlay.Hide"}, "at": 1, "service": "back"})";
     const QByteArray hung = R"({"fault": {"set": "de.Telvaro.taskswitcher.currentView", "silent": true, "times": 1}},
-                               {"fault": {"set": "de.Telvaro.screen.fullScreen", "silent": true, "times": 1}})";
-    for (const QString& example : {cTaskSwitcherBar, cScreenSettings, cNotes, cQmlTaskSwitcher}) {
+                               {"fault": {"set": "de.Telvaro.screen.fullScreen", "silent": true, "times": 1}},
+                               {"fault": {"call": "org.freedesktop.Notifications.Notify", "silent": true, "times": 1}})";
+    for (const QString& example : {cTaskSwitcherBar, cScreenSettings, cNotes, cNotifyAndCapture, cQmlTaskSwitcher}) {
         const QByteArray name = example.toUtf8();
         const auto addRow = [&](const char* state, QByteArray steps) {
             steps.replace("%1", example == cNotes ? cNotesId.toUtf8() : name);
-            QTest::addRow("%s, %s", name.constData(), state) << example << '[' + otherView + ", " + steps + ']';
+            QTest::addRow("%s, %s", name.constData(), state) << example << steps;
         };
         addRow("absent at the start", absent);
         addRow("restarted", restarted);
@@ -430,13 +470,7 @@ void ExamplesTest::anExampleOutlivesItsService()
 {
     QFETCH(QString, example);
     QFETCH(QByteArray, script);
-    cleanup();
-    const QTemporaryDir directory;
-    QFile file(directory.filePath(QStringLiteral("script.json")));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(script) == script.size());
-    file.close();
-    mDesk = std::make_unique<Desk>(QStringList{QStringLiteral("--script"), file.fileName()});
-    mScreen = std::make_unique<TelvaroScreenDBusConnector>();
+    playScript(script);
     const TelvaroLiveObject service;
     const auto waitFor = [&service](TelvaroLiveObject::Status status) {
         return QTest::qWaitFor(
@@ -446,8 +480,12 @@ void ExamplesTest::anExampleOutlivesItsService()
             ChildProcess::cDeadline);
     };
 
-    const QStringList arguments =
-        example == cNotes ? QStringList{QStringLiteral("Recipes"), QStringLiteral("Birthdays")} : QStringList();
+    QStringList arguments;
+    if (example == cNotes) {
+        arguments = QStringList{QStringLiteral("Recipes"), QStringLiteral("Birthdays")};
+    } else if (example == cNotifyAndCapture) {
+        arguments = QStringList{mDirectory.path()};
+    }
     const Program program = startExample(example, arguments);
     QVERIFY(waitFor(TelvaroLiveObject::Ready));
     mDesk->waitForCurrent(example == cNotes ? cNotesId : example);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ChildProcess.h"
+#include "LiveComparison.h"
+#include "LiveRequests.h"
 #include "LogCapture.h"
 #include "Operations.h"
 #include "PrivateBus.h"
@@ -50,8 +52,8 @@ QString viewsProblem(const QJsonObject& status, int read, const QStringList& log
         : QStringLiteral("%1 views were read of %2 %3: %4").arg(read).arg(count).arg(type, log.join(QLatin1Char('\n')));
 }
 
-/// Performs operations in random order on a service with this seed. Returns a description of the failure, or an empty
-/// text.
+/// Performs operations in random order on a service with this seed, and lets it rest now and then to compare the live
+/// objects with it. Returns a description of the failure, or an empty text.
 QString runSeed(unsigned seed, int replyCount)
 {
     PrivateBus bus;
@@ -66,6 +68,9 @@ QString runSeed(unsigned seed, int replyCount)
     LogCapture log;
     Operations operations;
     operations.prepare();
+    LiveObjects live;
+    LiveComparison comparison(live, operations, log);
+    const std::vector<LiveRequest>& requests = LiveRequest::all();
     SignalRecorder recorder(operations.taskSwitcher(), operations.screen());
     std::mt19937 random(seed);
     const QStringList names = Operations::names();
@@ -81,8 +86,15 @@ QString runSeed(unsigned seed, int replyCount)
         }
         for (int count = 0; count < 10; ++count) {
             operations.perform(names.at(static_cast<int>(random() % static_cast<unsigned>(names.size()))));
+            requests.at(random() % requests.size()).send(live);
             PrivateBus::deliver();
         }
+        service.command({{QStringLiteral("command"), QStringLiteral("rest")}});
+        const QStringList differences = comparison.waitForEquality(messages);
+        if (!differences.isEmpty()) {
+            return QStringLiteral("the live objects differ from the service: ") + differences.join(QLatin1String(", "));
+        }
+        service.command({{QStringLiteral("command"), QStringLiteral("resume")}});
         messages += log.takeTexts();
         for (const QString& message : messages) {
             if (!isKnown(message)) {
@@ -90,6 +102,10 @@ QString runSeed(unsigned seed, int replyCount)
             }
         }
         recorder.take();
+    }
+    const QStringList missing = comparison.missing();
+    if (!missing.isEmpty()) {
+        return QStringLiteral("too few replies to compare ") + missing.join(QLatin1String(", "));
     }
     return service.isRunning() ? QString() : QStringLiteral("the service has ended");
 }
@@ -118,15 +134,14 @@ int main(int argc, char** argv)
     QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Operates the library on a service that answers and notifies at random."));
+        QStringLiteral("Operates the libraries on a service that answers and notifies at random."));
     parser.addHelpOption();
     const QCommandLineOption seedOption(QStringLiteral("seed"), QStringLiteral("Only this seed."),
                                         QStringLiteral("number"));
-    const QCommandLineOption seedsOption(QStringLiteral("seeds"),
-                                         QStringLiteral("Seeds 1 to this one; 20 if not told."),
+    const QCommandLineOption seedsOption(QStringLiteral("seeds"), QStringLiteral("Seeds 1 to this one; 20 by default."),
                                          QStringLiteral("number"), QStringLiteral("20"));
     const QCommandLineOption repliesOption(QStringLiteral("replies"),
-                                           QStringLiteral("Replies for each seed; 1000 if not told."),
+                                           QStringLiteral("Replies for each seed; 1000 by default."),
                                            QStringLiteral("number"), QStringLiteral("1000"));
     parser.addOptions({seedOption, seedsOption, repliesOption});
     parser.process(application);

@@ -54,6 +54,13 @@ endforeach()
 set(ENV{LD_LIBRARY_PATH} "${library_directory}")
 build_and_run(find_package "${SERVICE_NAME}" "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_FIND_ROOT_PATH=${prefix}")
 set(ENV{PKG_CONFIG_PATH} "${library_directory}/pkgconfig")
+foreach(variable IN ITEMS prefix=${prefix} libdir=${library_directory} bus=${BUS})
+    string(REGEX MATCH "^[a-z]+" name "${variable}")
+    run(pkg-config "--variable=${name}" Telvaro)
+    if(NOT "${name}=${output}" STREQUAL "${variable}\n")
+        message(FATAL_ERROR "pkg-config says ${name}=${output}, not ${variable}")
+    endif()
+endforeach()
 build_and_run(pkg-config "${SERVICE_NAME}" ${pkg_config_options})
 
 # Without a component there is the first library only, and one that does not exist is named.
@@ -62,6 +69,7 @@ function(expect_of_package arguments expected)
     file(WRITE "${directory}/CMakeLists.txt"
         "cmake_minimum_required(VERSION 3.16)\nproject(Components LANGUAGES CXX)\n"
         "find_package(Telvaro ${arguments})\n"
+        "message(\"on the \${Telvaro_BUS} bus\")\n"
         "foreach(target IN ITEMS Telvaro Live)\nif(TARGET Telvaro::\${target})\nmessage(\"has \${target}.\")\nendif()\n"
         "endforeach()\n")
     execute_process(
@@ -74,7 +82,8 @@ function(expect_of_package arguments expected)
         message(FATAL_ERROR "find_package(Telvaro ${arguments}) says: ${messages}")
     endif()
 endfunction()
-expect_of_package("REQUIRED" "^has Telvaro. $")
-expect_of_package("REQUIRED COMPONENTS Live" "^has Telvaro. has Live. $")
+expect_of_package("REQUIRED" "^on the ${BUS} bus has Telvaro. $")
+expect_of_package("REQUIRED COMPONENTS Live" "^on the ${BUS} bus has Telvaro. has Live. $")
 expect_of_package("REQUIRED COMPONENTS Dead" "Telvaro has no component \"Dead\"; it has: Live")
-expect_of_package("OPTIONAL_COMPONENTS Dead" "^has Telvaro. $")
+expect_of_package("REQUIRED COMPONENTS Qml" "it has: Live. The QML module is loaded at run time by \"import Telvaro 1.0\"")
+expect_of_package("OPTIONAL_COMPONENTS Dead" "^on the ${BUS} bus has Telvaro. $")

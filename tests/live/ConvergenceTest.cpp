@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "LiveFixture.h"
 #include "LiveRequests.h"
+#include "LiveValues.h"
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -9,8 +10,6 @@
 #include <TelvaroScreenDBusConnector.h>
 
 #include <QAbstractItemModelTester>
-#include <QDBusMessage>
-#include <QDBusReply>
 #include <QSignalSpy>
 
 #include <memory>
@@ -26,23 +25,6 @@ int setting(const char* variable, int otherwise)
     bool isNumber = false;
     const int value = qEnvironmentVariableIntValue(variable, &isNumber);
     return isNumber ? value : otherwise;
-}
-
-QVariantList toValues(const QList<TaskSwitcherEntry>& views)
-{
-    QVariantList values;
-    for (const TaskSwitcherEntry& view : views) {
-        values.append(QVariantList{view.uuid, view.appId, view.info1, view.info2, view.info3, view.info4, view.pid,
-                                   view.sortIndex, view.attributes});
-    }
-    return values;
-}
-
-QString text(const QVariant& value)
-{
-    QString text;
-    QDebug(&text).nospace() << value;
-    return text;
 }
 
 } // namespace
@@ -70,7 +52,6 @@ private:
     void changeViews();
     void changeCurrentView();
     QString currentViewValue() const;
-    static QString readCurrentView();
     void storeAll();
     void notify(const QString& changed, const QStringList& invalidated = {});
 
@@ -210,16 +191,6 @@ QString ConvergenceTest::currentViewValue() const
     return ValueText::variant(ValueText::string(mCurrentView));
 }
 
-QString ConvergenceTest::readCurrentView()
-{
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(QStringLiteral(TELVARO_SERVICE_NAME), QStringLiteral("/taskswitcher"),
-                                       QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << QStringLiteral("de.Telvaro.taskswitcher") << QStringLiteral("currentView");
-    const QDBusReply<QVariant> reply = PrivateBus::connection().call(call);
-    return reply.value().toString();
-}
-
 void ConvergenceTest::storeAll()
 {
     const QString screen = QStringLiteral("/screen");
@@ -322,7 +293,7 @@ void ConvergenceTest::makeRequests()
     for (const QDBusPendingReply<>& reply : replies) {
         QVERIFY(waitFor(reply));
     }
-    mCurrentView = readCurrentView();
+    mCurrentView = LiveValues::readCurrentView().toString();
 }
 
 void ConvergenceTest::forge()
@@ -368,7 +339,7 @@ void ConvergenceTest::restart()
     mActive->takeOver();
     // Whichever of the services it has reached.
     QVERIFY(waitFor(reply));
-    mCurrentView = readCurrentView();
+    mCurrentView = LiveValues::readCurrentView().toString();
 }
 
 void ConvergenceTest::rest()
@@ -388,12 +359,14 @@ QString ConvergenceTest::difference()
     TelvaroScreenDBusConnector screen;
     const auto compare = [](const char* name, const QVariant& live, const QVariant& read) {
         return live == read ? QString()
-                            : QStringLiteral("%1: %2, not %3\n").arg(QLatin1String(name), text(live), text(read));
+                            : QStringLiteral("%1: %2, not %3\n")
+                                  .arg(QLatin1String(name), LiveValues::text(live), LiveValues::text(read));
     };
     const TelvaroTaskSwitcher& live = mObjects->taskSwitcher;
     const QList<TaskSwitcherEntry> views = switcher.getViews();
-    QString differences = compare("views", toValues(live.getViews()->getViews()), toValues(views));
-    differences += compare("currentView", live.getCurrentView(), readCurrentView());
+    QString differences =
+        compare("views", LiveValues::fromViews(live.getViews()->getViews()), LiveValues::fromViews(views));
+    differences += compare("currentView", live.getCurrentView(), LiveValues::readCurrentView());
     // The connector has the view itself, and none where it is not listed.
     const QString currentView = switcher.getCurrentView().uuid;
     differences += compare("current rows", currentRows(*live.getViews()),

@@ -203,7 +203,7 @@ void RowsTest::attributesArePlainValues()
         QStringLiteral("('a', 'x', '', '', '', '', uint32 1, uint32 1, {'list': <[1, 2]>, 'structure': "
                        "<(1, 'a', [objectpath '/p'])>, 'map': <{uint32 1: <true>}>, 'variant': "
                        "<<<'v'>>>, 'bytes': <[byte 0x41]>, 'signature': <signature 'as'>, 'twice': "
-                       "<1>, 'twice': <2>})");
+                       "<1>, 'twice': <2>, 'descriptor': <handle 0>, 'descriptors': <[handle 0]>})");
     emitPropertiesChanged(QStringLiteral("{'views': <[%1]>}").arg(view));
     const QVariantMap expected = {
         {QStringLiteral("list"), QVariantList{1, 2}},
@@ -212,7 +212,9 @@ void RowsTest::attributesArePlainValues()
         {QStringLiteral("variant"), QStringLiteral("v")},
         {QStringLiteral("bytes"), QByteArray("A")},
         {QStringLiteral("signature"), QStringLiteral("as")},
-        {QStringLiteral("twice"), 2}};
+        {QStringLiteral("twice"), 2},
+        {QStringLiteral("descriptor"), QVariant()},
+        {QStringLiteral("descriptors"), QVariantList{QVariant()}}};
     QCOMPARE(mModel->getViews().value(0).attributes, expected);
     takeSignals();
     // They are equal to themselves, so that the same list is no change.

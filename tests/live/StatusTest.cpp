@@ -5,6 +5,7 @@
 #include "PrivateBus.h"
 #include "TestMain.h"
 #include "ValueText.h"
+#include "Warnings.h"
 
 #include <QDBusError>
 #include <QMetaEnum>
@@ -146,6 +147,7 @@ private Q_SLOTS:
     void everyPropertyHasToBeKnown();
     void everyWrongTypeFailsAndAGoodValueHeals_data();
     void everyWrongTypeFailsAndAGoodValueHeals();
+    void aCurrentViewThatIsNoTextMayBeReadByTheConnectorOnlyOrByTheLiveObjectOnly();
     void everyUnusableReplyFails_data();
     void everyUnusableReplyFails();
     void notificationsOfAnotherSignatureAreDropped();
@@ -503,6 +505,26 @@ void StatusTest::everyWrongTypeFailsAndAGoodValueHeals()
         QVERIFY2(mRecorder->getStatuses() == QList<Status>({Status::Loading, Status::Failed, Status::Ready}),
                  qPrintable(value));
         mRecorder->clear();
+    }
+}
+
+void StatusTest::aCurrentViewThatIsNoTextMayBeReadByTheConnectorOnlyOrByTheLiveObjectOnly()
+{
+    setViews(
+        {makeView(QStringLiteral("120"), QStringLiteral("x")), makeView(QStringLiteral("x"), QStringLiteral("x"))});
+    TelvaroTaskSwitcherDBusConnector connector;
+    scriptCurrentView({Behaviour::reply({QStringLiteral("<byte 0x78>")})});
+    TelvaroTaskSwitcher byteReader;
+    TRY_COMPARE(byteReader.getStatus(), Status::Ready);
+    QCOMPARE(byteReader.getCurrentView(), QStringLiteral("120"));
+    QCOMPARE(connector.getCurrentView().uuid, QString());
+    QCOMPARE(mLog->takeTexts(), QStringList{Warnings::cUnparsed});
+
+    for (const char* const list : {"<['x']>", "<[byte 0x78]>"}) {
+        scriptCurrentView({Behaviour::reply({QLatin1String(list)})});
+        TelvaroTaskSwitcher listReader;
+        TRY_COMPARE(listReader.getStatus(), Status::Failed);
+        QCOMPARE(connector.getCurrentView().uuid, QStringLiteral("x"));
     }
 }
 

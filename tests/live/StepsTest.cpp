@@ -31,6 +31,7 @@ private Q_SLOTS:
     void aRefusedStepIsTakenBack();
     void aStepBeginsAtTheLastRequestThatMaySucceed();
     void aRequestThatIsAcceptedAndIgnoredEndsWithTheNextCurrentView();
+    void withoutACurrentViewThereIsNoStepFromAViewWithoutUuid();
 
 private:
     /// The view that is current in the end. Quick steps are all sent before any answer can be handled.
@@ -182,6 +183,19 @@ void StepsTest::aRequestThatIsAcceptedAndIgnoredEndsWithTheNextCurrentView()
     emitPropertiesChanged(QStringLiteral("{'currentView': <'b'>}"));
     mService.setStateful(true);
     QCOMPARE(step(switcher, {false}, true), QStringLiteral("c"));
+}
+
+void StepsTest::withoutACurrentViewThereIsNoStepFromAViewWithoutUuid()
+{
+    setViews({makeView(QString(), QStringLiteral("x")), makeView(QStringLiteral("b"), QStringLiteral("x"), 1)});
+    TelvaroTaskSwitcher switcher;
+    TRY_COMPARE(switcher.getStatus(), Status::Ready);
+    mService.takeCalls();
+    for (const QDBusPendingReply<>& reply : {switcher.next(), switcher.previous()}) {
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply.error().type(), QDBusError::InvalidArgs);
+    }
+    QCOMPARE(mService.takeDescriptions(), QStringList());
 }
 
 TELVARO_TEST_MAIN(StepsTest)

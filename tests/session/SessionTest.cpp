@@ -57,6 +57,32 @@ QStringList shell(const char* script)
     return {QStringLiteral("sh"), QStringLiteral("-c"), QString::fromUtf8(script)};
 }
 
+/// Runs a shell outside of any session.
+Result inShell(const QString& script)
+{
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.run(QStringLiteral("sh"), {QStringLiteral("-c"), script});
+    return finish(process);
+}
+
+Result sessionOnDisplay(const QString& display)
+{
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    environment.insert(QStringLiteral("DISPLAY"), display);
+    process.setProcessEnvironment(environment);
+    start(process, {QStringLiteral("echo"), QStringLiteral("started")});
+    return finish(process);
+}
+
+bool isRunning(const QString& processId)
+{
+    return ::kill(static_cast<pid_t>(processId.toInt()), 0) == 0;
+}
+
 /// The bus of a running session, used from outside.
 class SessionBus
 {
@@ -98,6 +124,9 @@ private Q_SLOTS:
     void theCommandIsPartOfTheSession();
     void theCommandHasTheSessionsInputAndOutput();
     void theExitStatusIsTheCommands();
+    void whatTheCommandLeavesRunningIsTerminated_data();
+    void whatTheCommandLeavesRunningIsTerminated();
+    void aCommandThatIgnoresItsTerminationIsKilled();
     void aCommandThatCannotBeStartedIsSaid();
     void optionsAfterTheCommandAreTheCommands();
     void helpAndVersion();
@@ -107,16 +136,33 @@ private Q_SLOTS:
     void theScriptIsPlayedWhenTheCommandBegins();
     void aScriptThatIsWrongIsWrongUsage();
     void aStepThatCannotBeTakenEndsTheSession();
+    void aScriptEndsTheSessionWithItsStatus();
+    void theToolTapsAndTypes();
+    void theToolSaysWhatItCannotDo_data();
+    void theToolSaysWhatItCannotDo();
+    void theToolTakesStepsOfAScript();
+    void theToolTakesNoStepsOfAServiceThatHasNone();
     void theSizeIsTheOutputs();
     void theCompositorsOtherOptionsArePassedOn();
     void nothingIsLeftBehind();
     void aTerminatedSessionEndsItsCommand();
     void aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrupted();
+    void aSessionInTheBackgroundIsReadyWhenItsCallerReturns();
+    void aSessionInTheBackgroundRunsItsCommand();
+    void aSessionThatCannotStartInTheBackgroundIsSaidAtOnce();
+    void aSessionInTheBackgroundNeedsAFileForItsEnvironment();
+    void theEnvironmentFileExistsOnlyDuringTheSession();
+    void valuesAreQuotedForTheShell();
+    void onlyASessionCanBeEnded();
+    void anEmptyDisplayIsNone();
+    void aDisplayThatCannotBeOpenedIsAnsweredWithAdvice();
+    void aMachineWithoutTheManifestIsSaid();
     void aCompositorThatDiesEndsTheSession();
     void aKilledSessionTakesEverythingWithIt();
 
 private:
     QString script(const QByteArray& steps) const;
+    QString path(const char* name) const;
 
     QTemporaryDir mDirectory;
 };
@@ -128,6 +174,11 @@ QString SessionTest::script(const QByteArray& steps) const
         throw std::runtime_error("cannot write " + file.fileName().toStdString());
     }
     return file.fileName();
+}
+
+QString SessionTest::path(const char* name) const
+{
+    return mDirectory.filePath(QString::fromUtf8(name));
 }
 
 void SessionTest::theCommandIsPartOfTheSession()
@@ -161,6 +212,35 @@ void SessionTest::theExitStatusIsTheCommands()
     QCOMPARE(inSession(shell("kill -KILL $$")).status, 128 + SIGKILL);
 }
 
+void SessionTest::whatTheCommandLeavesRunningIsTerminated_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::newRow("a child") << QStringLiteral("sleep 1000 & echo $!; exit 3");
+    QTest::newRow("a child in a session of its own") << QStringLiteral("setsid sleep 1000 & echo $!; exit 3");
+    QTest::newRow("a daemon") << QStringLiteral("(setsid sleep 1000 < /dev/null > /dev/null 2>&1 & echo $!); exit 3");
+    QTest::newRow("a child that ignores it") << QStringLiteral("trap '' TERM; sleep 1000 & echo $!; exit 3");
+}
+
+void SessionTest::whatTheCommandLeavesRunningIsTerminated()
+{
+    QFETCH(const QString, script);
+    const Result result = inSession({QStringLiteral("sh"), QStringLiteral("-c"), script});
+    QCOMPARE(result.status, 3);
+    QVERIFY2(result.output.toInt() > 0, qPrintable(result.output));
+    QVERIFY(!isRunning(result.output));
+}
+
+void SessionTest::aCommandThatIgnoresItsTerminationIsKilled()
+{
+    ChildProcess process;
+    start(process,
+          QStringList{QStringLiteral("--headless")} + shell("trap '' TERM; echo $$; while :; do sleep 1000; done"));
+    const QString command = QString::fromUtf8(process.readOutputLine());
+    process.terminate();
+    QCOMPARE(finish(process).status, 128 + SIGKILL);
+    QVERIFY(!isRunning(command));
+}
+
 void SessionTest::aCommandThatCannotBeStartedIsSaid()
 {
     const Result result = inSession({QStringLiteral("/no/such/program")});
@@ -182,6 +262,7 @@ void SessionTest::helpAndVersion()
     const Result help = session({QStringLiteral("--help")});
     QCOMPARE(help.status, 0);
     QVERIFY(help.output.startsWith(QLatin1String("Usage: telvaro-session ")));
+    QVERIFY(help.output.contains(QLatin1String("SCRIPTS in telvaro-compositor(1)")));
     QCOMPARE(help.errors, QString());
     const Result version = session({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);
@@ -255,10 +336,112 @@ void SessionTest::aStepThatCannotBeTakenEndsTheSession()
              qPrintable(result.errors));
 }
 
+void SessionTest::aScriptEndsTheSessionWithItsStatus()
+{
+    for (const int status : {0, 3}) {
+        const Result result = session({QStringLiteral("--headless"), QStringLiteral("--script"),
+                                       script("[{\"at\": 0.1, \"end\": " + QByteArray::number(status) + "}]"),
+                                       QStringLiteral("sleep"), QStringLiteral("1000")});
+        QCOMPARE(result.status, status);
+        QCOMPARE(result.errors, QString());
+    }
+}
+
+void SessionTest::theToolTapsAndTypes()
+{
+    ChildProcess process;
+    start(process,
+          QStringList{QStringLiteral("--headless")}
+              + shell("set -e; PATH=" TELVARO_PROGRAMS ":$PATH; {"
+                      "  echo open app Window; telvaroctl wait --app app --current --timeout 20;"
+                      "  telvaroctl tap 300 334; telvaroctl tap --view --seconds 0.1 310 300;"
+                      "  telvaroctl click 320 334; telvaroctl click --button right --view 330 300;"
+                      "  telvaroctl drag 340 334 440 434; telvaroctl drag --pointer --seconds 0.1 350 334 450 434;"
+                      "  telvaroctl scroll 300 300 down 2; telvaroctl scroll 300 300 up;"
+                      "  telvaroctl type Hi; telvaroctl key Shift+x; telvaroctl key --press Shift; telvaroctl key y;"
+                      "  telvaroctl key --release Shift; telvaroctl key --seconds 0.1 z; sleep 1000;"
+                      "} | exec " TELVARO_TEST_CLIENT));
+    for (const char* const expected :
+         {"press 1 300,300", "release 1 300,300", "press 1 310,300", "press 1 320,300", "press 1 330,300",
+          "press 1 340,300", "release 1 440,400", "press 1 350,300", "release 1 450,400", "wheel 1 -240", "wheel 1 120",
+          "keypress 1 H", "keypress 1 i", "keypress 1 X", "keypress 1 Y", "keypress 1 z", "keyrelease 1 z"}) {
+        while (process.readOutputLine() != expected) { }
+    }
+    process.terminate();
+    finish(process);
+}
+
+void SessionTest::theToolSaysWhatItCannotDo_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<int>("status");
+    const QString outside = QStringLiteral("the position %1 is outside of the output, whose size is 1024x600");
+    QTest::newRow("tap") << QStringLiteral("tap 2000 1") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("click") << QStringLiteral("click 1 2000") << outside.arg(QStringLiteral("1,2000")) << 1;
+    QTest::newRow("drag") << QStringLiteral("drag 2000 1 2 3") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("scroll") << QStringLiteral("scroll 2000 1 left") << outside.arg(QStringLiteral("2000,1")) << 1;
+    QTest::newRow("no view") << QStringLiteral("tap --view 1 1")
+                             << QStringLiteral("there is no current view with a window") << 1;
+    QTest::newRow("text") << QString::fromUtf8("type é")
+                          << QString::fromUtf8("the step, \"type\": the keyboard layout has no key for \"é\"") << 1;
+    QTest::newRow("key") << QStringLiteral("key Any")
+                         << QStringLiteral("the step, \"key\": the keyboard layout has no key \"Any\"") << 1;
+    QTest::newRow("step") << QStringLiteral("step {}") << QStringLiteral("the step: one of ") << 1;
+    QTest::newRow("word for a number") << QStringLiteral("tap one 1") << QStringLiteral("'one' is not a number") << 2;
+    QTest::newRow("word for a time") << QStringLiteral("tap --seconds one 1 1")
+                                     << QStringLiteral("'one' is not a number") << 2;
+    QTest::newRow("too few numbers") << QStringLiteral("drag 1 2 3") << QStringLiteral("Y2 is missing") << 2;
+    QTest::newRow("two ways") << QStringLiteral("key --press --release a")
+                              << QStringLiteral("expected only one of --press, --release and --seconds") << 2;
+    QTest::newRow("no steps") << QStringLiteral("scroll 1 1 up 0")
+                              << QStringLiteral("'0' is not a number from 1 to 1000") << 2;
+}
+
+void SessionTest::theToolSaysWhatItCannotDo()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, reason);
+    QFETCH(int, status);
+    const Result result =
+        inSession(QStringList{QStringLiteral(TELVARO_PROGRAMS "/telvaroctl")} + arguments.split(QLatin1Char(' ')));
+    QVERIFY2(result.errors.startsWith(QStringLiteral("telvaroctl: ") + reason), qPrintable(result.errors));
+    QCOMPARE(result.status, status);
+    QCOMPARE(result.output, QString());
+}
+
+void SessionTest::theToolTakesStepsOfAScript()
+{
+    const Result result =
+        inSession(shell("PATH=" TELVARO_PROGRAMS ":$PATH; set -e;"
+                        "telvaroctl step '{\"add-view\": {\"uuid\": \"one\", \"appId\": \"app\", \"pid\": 1}}';"
+                        "telvaroctl switch one; telvaroctl key Ctrl+Alt+R; telvaroctl orientation;"
+                        "telvaroctl step '{\"end\": 4}'; sleep 1000"));
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, QStringLiteral("90\n"));
+    QCOMPARE(result.status, 4);
+}
+
+void SessionTest::theToolTakesNoStepsOfAServiceThatHasNone()
+{
+    // A compositor without the option, on the bus of a session whose own has left.
+    const Result result = inSession(
+        shell("PATH=" TELVARO_PROGRAMS ":$PATH; telvaroctl step '{\"service\": \"gone\"}'; telvaroctl key F1;"
+              "QT_QPA_PLATFORM=offscreen telvaro-compositor --socket other > /dev/null & telvaroctl wait --service;"
+              "telvaroctl key F1"));
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaroctl: the service de.Telvaro is not on the bus\n"
+                       "telvaroctl: the service takes no steps: it is not the compositor of a telvaro-session, nor "
+                       "one with --remote-control\n"));
+    QCOMPARE(result.status, 1);
+}
+
 void SessionTest::theCompositorsOtherOptionsArePassedOn()
 {
-    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--touch"), QStringLiteral("--turn-window"),
-                              QStringLiteral("--keyboard-layout")};
+    const QStringList options{QStringLiteral("--headless"),    QStringLiteral("--touch"),
+                              QStringLiteral("--turn-window"), QStringLiteral("--panel"),
+                              QStringLiteral("bar:left:80"),   QStringLiteral("--keyboard-layout")};
     const Result done = session(options + QStringList{QStringLiteral("de(nodeadkeys)"), QStringLiteral("true")});
     QCOMPARE(done.errors, QString());
     QCOMPARE(done.status, 0);
@@ -317,6 +500,164 @@ void SessionTest::aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrup
     QCOMPARE(result.errors, QString());
 }
 
+void SessionTest::aSessionInTheBackgroundIsReadyWhenItsCallerReturns()
+{
+    const QString file = path("environment");
+    const Result started = inShell(
+        QStringLiteral("cd %1 && " TELVARO_PROGRAMS "/telvaro-session --headless --background --env-file environment")
+            .arg(mDirectory.path()));
+    QCOMPARE(started.errors, QString());
+    QCOMPARE(started.status, 0);
+    QCOMPARE(started.output,
+             QStringLiteral("Join the session:  . %1\nEnd it from there: telvaro-session --end\n").arg(file));
+
+    const Result joined = inShell(
+        QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaroctl views --json && echo $XDG_RUNTIME_DIR").arg(file));
+    QCOMPARE(joined.errors, QString());
+    QCOMPARE(joined.status, 0);
+    QVERIFY(joined.output.startsWith(QLatin1String("[\n]\n")));
+    const QDir directory(joined.output.section(QLatin1Char('\n'), 2, 2));
+    QVERIFY(directory.exists());
+
+    const Result ended = inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file));
+    QCOMPARE(ended.errors, QString());
+    QCOMPARE(ended.status, 0);
+    QVERIFY(!directory.exists());
+    QVERIFY(!QFile::exists(file));
+    QFile log(file + QStringLiteral(".log"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QCOMPARE(log.readAll(), QByteArray());
+}
+
+void SessionTest::aSessionInTheBackgroundRunsItsCommand()
+{
+    const QString file = path("with-a-command");
+    QCOMPARE(session(QStringList{QStringLiteral("--headless"), QStringLiteral("--background"),
+                                 QStringLiteral("--env-file"), file}
+                     + shell("echo runs; exec sleep 1000"))
+                 .status,
+             0);
+    QFile log(file + QStringLiteral(".log"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QTRY_VERIFY_WITH_TIMEOUT(log.bytesAvailable() > 0, ChildProcess::cDeadline);
+    QCOMPARE(log.readAll(), QByteArray("runs\n"));
+    QCOMPARE(inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file)).status, 0);
+}
+
+void SessionTest::aSessionThatCannotStartInTheBackgroundIsSaidAtOnce()
+{
+    const QString file = path("not-started");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--background"),
+                              QStringLiteral("--env-file")};
+    const Result refused = session(options + QStringList{file, QStringLiteral("--size"), QStringLiteral("huge")});
+    QCOMPARE(refused.status, 2);
+    QVERIFY2(refused.errors.startsWith(QLatin1String("telvaro-compositor: \"huge\" is not a size")),
+             qPrintable(refused.errors));
+    QVERIFY(!QFile::exists(file));
+    QVERIFY(!QFile::exists(file + QStringLiteral(".log")));
+
+    const Result unwritable = session(options + QStringList{QStringLiteral("/no/such/file")});
+    QCOMPARE(unwritable.status, 1);
+    QCOMPARE(unwritable.errors,
+             QStringLiteral("telvaro-session: cannot write /no/such/file.log: No such file or directory\n"));
+}
+
+void SessionTest::aSessionInTheBackgroundNeedsAFileForItsEnvironment()
+{
+    const Result result = session({QStringLiteral("--background")});
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-session: --background needs --env-file\n")),
+             qPrintable(result.errors));
+}
+
+void SessionTest::theEnvironmentFileExistsOnlyDuringTheSession()
+{
+    const QString file = path("during");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--env-file"), file};
+    const Result result = session(options + shell("echo $WAYLAND_DISPLAY $TELVARO_SESSION_PID"));
+    QCOMPARE(result.status, 0);
+    QVERIFY(!QFile::exists(file));
+
+    const Result read =
+        session(options + QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QStringLiteral("cat %1").arg(file)});
+    QVERIFY(read.output.contains(QLatin1String("\nexport TELVARO_SESSION_PID=")));
+
+    // The file of a later session stays.
+    QCOMPARE(session(options
+                     + QStringList{QStringLiteral("sh"), QStringLiteral("-c"),
+                                   QStringLiteral("rm %1; echo later > %1").arg(file)})
+                 .status,
+             0);
+    QVERIFY(QFile::remove(file));
+}
+
+void SessionTest::valuesAreQuotedForTheShell()
+{
+    const QString directory = path("it's a folder");
+    QVERIFY(QDir().mkpath(directory));
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TMPDIR"), directory);
+    process.setProcessEnvironment(environment);
+    start(process,
+          QStringList{QStringLiteral("--headless"), QStringLiteral("--env-file"), path("quoted")}
+              + shell(
+                  "runtime=$XDG_RUNTIME_DIR; unset XDG_RUNTIME_DIR; . \"$0\"; test \"$XDG_RUNTIME_DIR\" = \"$runtime\"")
+              + QStringList{path("quoted")});
+    const Result result = finish(process);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.status, 0);
+}
+
+void SessionTest::onlyASessionCanBeEnded()
+{
+    const QString end = QStringLiteral(TELVARO_PROGRAMS "/telvaro-session --end");
+    const Result outside = inShell(QStringLiteral("unset TELVARO_SESSION_PID; ") + end);
+    QCOMPARE(outside.status, 1);
+    QCOMPARE(outside.errors,
+             QStringLiteral("telvaro-session: this is not a session: TELVARO_SESSION_PID is not set\n"));
+
+    const Result another =
+        inShell(QStringLiteral("export TELVARO_SESSION_PID=$$; ") + end + QStringLiteral("; echo $?"));
+    QCOMPARE(another.output, QStringLiteral("1\n"));
+    QCOMPARE(another.errors, QStringLiteral("telvaro-session: the session has ended already\n"));
+}
+
+void SessionTest::anEmptyDisplayIsNone()
+{
+    const Result result = sessionOnDisplay(QString());
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, QStringLiteral("started\n"));
+}
+
+void SessionTest::aDisplayThatCannotBeOpenedIsAnsweredWithAdvice()
+{
+    const Result result = sessionOnDisplay(QStringLiteral(":no-such-display"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.output, QString());
+    QVERIFY2(result.errors.endsWith(QLatin1String("; without a usable display, add --headless\n")),
+             qPrintable(result.errors));
+}
+
+void SessionTest::aMachineWithoutTheManifestIsSaid()
+{
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.setWorkingDirectory(mDirectory.path());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"),
+                       QStringLiteral(TELVARO_PROGRAMS ":") + environment.value(QStringLiteral("PATH")));
+    process.setProcessEnvironment(environment);
+    process.run(QStringLiteral(TELVARO_SESSION_OF_OTHER_DEVICE),
+                {QStringLiteral("--headless"), QStringLiteral("true")});
+    const Result result = finish(process);
+    QCOMPARE(result.status, 0);
+    QCOMPARE(
+        result.errors,
+        QStringLiteral("telvaro-session: the library does nothing on this machine: its manifest device-manifest.json "
+                       "does not exist; it must hold {\"productCode\": \"481936\"}\n"));
+}
+
 void SessionTest::aCompositorThatDiesEndsTheSession()
 {
     ChildProcess process;
@@ -339,14 +680,16 @@ void SessionTest::aKilledSessionTakesEverythingWithIt()
     ChildProcess process;
     start(process,
           QStringList{QStringLiteral("--headless")}
-              + shell("echo $$; echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS; exec sleep 1000"));
-    const auto command = static_cast<pid_t>(process.readOutputLine().toInt());
+              + shell("sleep 1000 & echo $!; echo $$; echo $XDG_RUNTIME_DIR; echo $DBUS_SESSION_BUS_ADDRESS; "
+                      "exec sleep 1000"));
+    const QString child = QString::fromUtf8(process.readOutputLine());
+    const QString command = QString::fromUtf8(process.readOutputLine());
     QDir directory(QString::fromUtf8(process.readOutputLine()));
     const SessionBus bus(QString::fromUtf8(process.readOutputLine()));
     const pid_t compositor = bus.compositor();
     process.kill();
     QVERIFY(process.waitForFinished(ChildProcess::cDeadline));
-    QTRY_VERIFY_WITH_TIMEOUT(::kill(command, 0) != 0, ChildProcess::cDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!isRunning(child) && !isRunning(command), ChildProcess::cDeadline);
     QTRY_VERIFY_WITH_TIMEOUT(::kill(compositor, 0) != 0, ChildProcess::cDeadline);
     QTRY_VERIFY_WITH_TIMEOUT(!bus.isConnected(), ChildProcess::cDeadline);
     QVERIFY(directory.removeRecursively());

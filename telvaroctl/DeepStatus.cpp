@@ -1,0 +1,351 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "DeepStatus.h"
+
+#include "Introspection.h"
+#include "Json.h"
+#include "Service.h"
+#include "TimeLimit.h"
+#include "ViewFields.h"
+
+#include <TelvaroDBusDefinitions.h>
+#include <TelvaroScreenDBusConnector.h>
+#include <TelvaroTaskSwitcherDBusConnector.h>
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QMap>
+#include <QTimer>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+using Names = TelvaroDBusDefinitions;
+using Screen = TelvaroScreenDBusConnector;
+using TaskSwitcher = TelvaroTaskSwitcherDBusConnector;
+
+QString typeOf(const QVariant& value)
+{
+    return value.userType() == qMetaTypeId<QDBusArgument>()
+        ? value.value<QDBusArgument>().currentSignature()
+        : QString::fromLatin1(QDBusMetaType::typeToSignature(value.userType()));
+}
+
+/// The type of the property "views", the only one that is not basic.
+const QString cViewsType = QStringLiteral("a(ssssssuua{sv})");
+
+QList<TaskSwitcher::TaskSwitcherEntry> toViews(const QVariant& value)
+{
+    QList<TaskSwitcher::TaskSwitcherEntry> views;
+    // Qt ends a process that reads another type.
+    if (typeOf(value) == cViewsType) {
+        value.value<QDBusArgument>() >> views;
+    }
+    return views;
+}
+
+QString toText(const QVariant& value)
+{
+    if (value.userType() != qMetaTypeId<QDBusArgument>()) {
+        return value.toString();
+    }
+    QJsonArray array;
+    const auto views = toViews(value);
+    for (const TaskSwitcher::TaskSwitcherEntry& view : views) {
+        array.append(toJson(ViewFields::of(view, false)));
+    }
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+}
+
+/// Collects the values that PropertiesChanged carries.
+class Notifications : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Notifications(const QString& path)
+    {
+        Service::bus().connect(Names::getServiceName(), path, Names::getPropertyInterface(), Screen::cPropertiesChanged,
+                               {}, QStringLiteral("sa{sv}as"), this,
+                               SLOT(onPropertiesChanged(QString, QVariantMap, QStringList)));
+    }
+
+    /// Waits until all of them have been notified, or for the time. Returns the values, invalid ones for properties
+    /// that were invalidated.
+    QVariantMap waitFor(const QStringList& properties, int milliseconds)
+    {
+        QEventLoop loop;
+        QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+        connect(this, &Notifications::received, &loop, [this, &loop, &properties] {
+            const bool isComplete = std::all_of(properties.begin(), properties.end(), [this](const QString& property) {
+                return mValues.contains(property);
+            });
+            if (isComplete) {
+                loop.quit();
+            }
+        });
+        QTimer::singleShot(0, this, &Notifications::received);
+        loop.exec();
+        return mValues;
+    }
+
+Q_SIGNALS:
+    void received();
+
+private Q_SLOTS:
+    void onPropertiesChanged(const QString& /*interface*/, const QVariantMap& changed, const QStringList& invalidated)
+    {
+        for (auto value = changed.begin(); value != changed.end(); ++value) {
+            mValues.insert(value.key(), value.value());
+        }
+        for (const QString& property : invalidated) {
+            mValues.insert(property, QVariant());
+        }
+        Q_EMIT received();
+    }
+
+private:
+    QVariantMap mValues;
+};
+
+/// Examines one interface of one object.
+class Examination
+{
+public:
+    Examination(const QString& path, const QString& interface, const Introspection::Members& members)
+        : mPath(path)
+        , mInterface(interface)
+        , mMembers(members)
+    {
+    }
+
+    void compareDescription()
+    {
+        QDBusPendingReply<QString> reply =
+            call(QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {});
+        reply.waitForFinished();
+        const Introspection::Members described = Introspection::parse(reply.value()).interfaces.value(mInterface);
+        for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
+            const auto found = described.find(member.key());
+            if (found == described.end()) {
+                note(member.key(), QStringLiteral("is missing from the introspection"));
+            } else if (!(*found == *member)) {
+                note(member.key(),
+                     QStringLiteral("is introspected as %1 instead of %2")
+                         .arg(found->description(), member->description()));
+            }
+        }
+    }
+
+    void compareReads()
+    {
+        if (properties().isEmpty()) {
+            return;
+        }
+        QDBusPendingReply<QVariantMap> all =
+            call(Names::getPropertyInterface(), QStringLiteral("GetAll"), {mInterface});
+        mAnswers = readAll();
+        all.waitForFinished();
+        const QVariantMap values = all.value();
+        const QStringList names = properties();
+        for (const QString& name : names) {
+            const auto answer = mAnswers.constFind(name);
+            if (answer == mAnswers.constEnd()) {
+                continue;
+            }
+            compareType(name, *answer, QStringLiteral("answers"));
+            if (all.isError()) {
+                note(name, QStringLiteral("GetAll: %1").arg(Service::reason(all.error())));
+            } else if (!values.contains(name)) {
+                note(name, QStringLiteral("is missing from GetAll"));
+            } else if (typeOf(values.value(name)) != typeOf(*answer) || toText(values.value(name)) != toText(*answer)) {
+                note(name,
+                     QStringLiteral("Get answers '%1', GetAll '%2'").arg(toText(*answer), toText(values.value(name))));
+            }
+        }
+    }
+
+    /// Changes properties that can be written, looks at what is notified, and restores them.
+    void compareNotifications()
+    {
+        const QVariantMap changes = otherValues();
+        if (changes.isEmpty()) {
+            return;
+        }
+        Notifications notifications(mPath);
+        const QStringList written = write(changes);
+        mChanged = written;
+        const QVariantMap notified = notifications.waitFor(written, TimeLimit::remaining() / 8);
+        const QVariantMap answers = readAll();
+        for (const QString& name : written) {
+            const QVariant answer = answers.value(name);
+            if (answer != changes.value(name)) {
+                note(name,
+                     QStringLiteral("'%1' was written, '%2' is answered")
+                         .arg(toText(changes.value(name)), toText(answer)));
+            } else if (!notified.contains(name)) {
+                note(name, QStringLiteral("changes without a notification"));
+            } else if (notified.value(name).isValid()) {
+                compareType(name, notified.value(name), QStringLiteral("notifies"));
+                if (toText(notified.value(name)) != toText(answer)) {
+                    note(name,
+                         QStringLiteral("notifies '%1', answers '%2'")
+                             .arg(toText(notified.value(name)), toText(answer)));
+                }
+            }
+        }
+        QVariantMap restored;
+        for (const QString& name : written) {
+            restored.insert(name, mAnswers.value(name));
+        }
+        write(restored);
+    }
+
+    QList<DeepStatus::Item> items() const
+    {
+        QList<DeepStatus::Item> result;
+        for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
+            const bool isUnchanged =
+                member->kind == Introspection::Member::Property && !mChanged.contains(member.key());
+            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key()), isUnchanged});
+        }
+        return result;
+    }
+
+private:
+    void note(const QString& member, const QString& problem)
+    {
+        mProblems[member].append(problem);
+    }
+
+    QStringList properties() const
+    {
+        QStringList names;
+        for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
+            if (member->kind == Introspection::Member::Property) {
+                names.append(member.key());
+            }
+        }
+        return names;
+    }
+
+    void compareType(const QString& name, const QVariant& value, const QString& verb)
+    {
+        const QString expected = mMembers.value(name).type;
+        if (typeOf(value) != expected) {
+            note(name, QStringLiteral("%1 the type '%2' instead of '%3'").arg(verb, typeOf(value), expected));
+        }
+    }
+
+    QDBusPendingCall call(const QString& interface, const QString& method, const QVariantList& arguments) const
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(Names::getServiceName(), mPath, interface, method);
+        message.setAutoStartService(false);
+        message.setArguments(arguments);
+        return Service::bus().asyncCall(message, TimeLimit::remainingButReserve());
+    }
+
+    QVariantMap readAll()
+    {
+        QMap<QString, QDBusPendingReply<QDBusVariant>> replies;
+        const QStringList names = properties();
+        for (const QString& name : names) {
+            replies.insert(name, call(Names::getPropertyInterface(), Names::getPropertyMehodGet(), {mInterface, name}));
+        }
+        QVariantMap values;
+        for (auto reply = replies.begin(); reply != replies.end(); ++reply) {
+            reply->waitForFinished();
+            if (reply->isError()) {
+                note(reply.key(), QStringLiteral("cannot be read: %1").arg(Service::reason(reply->error())));
+            } else {
+                values.insert(reply.key(), reply->value().variant());
+            }
+        }
+        return values;
+    }
+
+    /// Returns the names of those that were accepted.
+    QStringList write(const QVariantMap& values)
+    {
+        QMap<QString, QDBusPendingReply<>> replies;
+        for (auto value = values.begin(); value != values.end(); ++value) {
+            replies.insert(value.key(),
+                           call(Names::getPropertyInterface(), Names::getPropertyMehodSet(),
+                                {mInterface, value.key(), QVariant::fromValue(QDBusVariant(value.value()))}));
+        }
+        QStringList accepted;
+        for (auto reply = replies.begin(); reply != replies.end(); ++reply) {
+            reply->waitForFinished();
+            if (reply->isError()) {
+                note(reply.key(), QStringLiteral("cannot be written: %1").arg(Service::reason(reply->error())));
+            } else {
+                accepted.append(reply.key());
+            }
+        }
+        return accepted;
+    }
+
+    /// Returns valid values of the properties that can be written, other than the present ones.
+    QVariantMap otherValues() const
+    {
+        QVariantMap values;
+        for (auto answer = mAnswers.begin(); answer != mAnswers.end(); ++answer) {
+            const QString& name = answer.key();
+            if (mMembers.value(name).access != QLatin1String("readwrite")) {
+                continue;
+            }
+            if (name == Screen::cScreenOrientationProperty) {
+                const QString landscape = Screen::getOrientationLandscape();
+                values.insert(name, *answer == landscape ? Screen::getOrientationPortrait() : landscape);
+            } else if (name == TaskSwitcher::cCurrentViewProperty) {
+                const auto views = toViews(mAnswers.value(TaskSwitcher::cViewsProperty));
+                for (const TaskSwitcher::TaskSwitcherEntry& view : views) {
+                    if (view.uuid != answer->toString() && !answer->toString().isEmpty()) {
+                        values.insert(name, view.uuid);
+                    }
+                }
+            } else if (answer->userType() == QMetaType::Bool) {
+                values.insert(name, !answer->toBool());
+            } else if (answer->userType() == QMetaType::Int) {
+                values.insert(name, answer->toInt() == std::numeric_limits<int>::max() ? 1 : answer->toInt() + 1);
+            }
+        }
+        return values;
+    }
+
+    QString mPath;
+    QString mInterface;
+    Introspection::Members mMembers;
+    QVariantMap mAnswers;
+    QStringList mChanged;
+    QMap<QString, QStringList> mProblems;
+};
+
+} // namespace
+
+QList<DeepStatus::Item> DeepStatus::examine()
+{
+    QList<Item> items;
+    const QList<Introspection> objects = Introspection::expected();
+    for (const Introspection& object : objects) {
+        for (auto interface = object.interfaces.begin(); interface != object.interfaces.end(); ++interface) {
+            Examination examination(object.path, interface.key(), interface.value());
+            examination.compareDescription();
+            examination.compareReads();
+            examination.compareNotifications();
+            items += examination.items();
+        }
+    }
+    return items;
+}
+
+#include "DeepStatus.moc"

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#include "Service.h"
+
+#include "Console.h"
+#include "Manifest.h"
+#include "TimeLimit.h"
+
+#include <TelvaroDBusDefinitions.h>
+#include <TelvaroDeviceDistinction.h>
+#include <TelvaroScreen.h>
+#include <TelvaroTaskSwitcher.h>
+
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusPendingCall>
+#include <QEventLoop>
+#include <QString>
+
+namespace {
+
+const QString cSession = QStringLiteral("session");
+const QString cSystem = QStringLiteral("system");
+
+QString serviceName()
+{
+    return QStringLiteral("the service %1").arg(TelvaroDBusDefinitions::getServiceName());
+}
+
+const char* variableOf(const QString& bus)
+{
+    return bus == cSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS";
+}
+
+QString addressOf(const QString& bus)
+{
+    const QString standard = bus == cSystem
+        ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
+        : QStringLiteral("unix:path=%1/bus").arg(qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    return qEnvironmentVariable(variableOf(bus), standard);
+}
+
+template <typename Object> ExitStatus with(const std::function<ExitStatus(Object&)>& function)
+{
+    if (!Service::connect()) {
+        return Failed;
+    }
+    Object object;
+    object.setTimeout(TimeLimit::remaining());
+    return Service::waitFor(object) ? function(object) : Failed;
+}
+
+} // namespace
+
+QString Service::builtBus()
+{
+    return QStringLiteral(TELVARO_BUS_NAME);
+}
+
+void Service::chooseBus(const QString& bus)
+{
+    const QString address = bus == cSession || bus == cSystem ? addressOf(bus) : bus;
+    if (bus != builtBus()) {
+        qputenv(variableOf(builtBus()), address.toLocal8Bit());
+    }
+}
+
+QString Service::busAddress()
+{
+    return addressOf(builtBus());
+}
+
+QDBusConnection Service::bus()
+{
+    return QDBusConnection::TELVARO_BUS();
+}
+
+bool Service::connect()
+{
+    if (!TelvaroDeviceDistinction::isCompositorDevice()) {
+        printError(QStringLiteral("this is not a compositor device: %1").arg(Manifest::advice()));
+        return false;
+    }
+    return connectToBus();
+}
+
+bool Service::connectToBus()
+{
+    TimeLimit::expect(QStringLiteral("the bus %1 does not answer").arg(busAddress()));
+    const bool isConnected = bus().isConnected();
+    TimeLimit::expect(noAnswer());
+    if (!isConnected) {
+        printError(QStringLiteral("there is no bus at %1").arg(busAddress()));
+    }
+    return isConnected;
+}
+
+bool Service::waitFor(const TelvaroLiveObject& object)
+{
+    QEventLoop loop;
+    QObject::connect(&object, &TelvaroLiveObject::statusChanged, &loop, [&object, &loop] {
+        if (object.getStatus() != TelvaroLiveObject::Loading) {
+            loop.quit();
+        }
+    });
+    if (object.getStatus() == TelvaroLiveObject::Loading) {
+        loop.exec();
+    }
+    if (object.getStatus() == TelvaroLiveObject::Ready) {
+        return true;
+    }
+    printError(object.getStatus() == TelvaroLiveObject::Failed ? reason(object.getError()) : notOnTheBus());
+    return false;
+}
+
+bool Service::waitFor(QDBusPendingCall request)
+{
+    request.waitForFinished();
+    if (request.isError()) {
+        printError(reason(request.error()));
+    }
+    return !request.isError();
+}
+
+ExitStatus Service::withTaskSwitcher(const std::function<ExitStatus(TelvaroTaskSwitcher&)>& function)
+{
+    return with(function);
+}
+
+ExitStatus Service::withScreen(const std::function<ExitStatus(TelvaroScreen&)>& function)
+{
+    return with(function);
+}
+
+QString Service::reason(const QDBusError& error)
+{
+    if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
+        return notOnTheBus();
+    }
+    if (error.type() == QDBusError::NoReply) {
+        return noAnswer();
+    }
+    return error.message().isEmpty() ? error.name() : QStringLiteral("%1: %2").arg(error.name(), error.message());
+}
+
+QString Service::noAnswer()
+{
+    return QStringLiteral("%1 does not answer").arg(serviceName());
+}
+
+QString Service::notOnTheBus()
+{
+    return QStringLiteral("%1 is not on the bus").arg(serviceName());
+}

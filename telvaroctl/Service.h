@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// SPDX-FileCopyrightText: The Telvaro authors
+#pragma once
+
+#include "ExitStatus.h"
+
+#include <functional>
+
+class QDBusConnection;
+class QDBusError;
+class QDBusPendingCall;
+class QString;
+class TelvaroLiveObject;
+class TelvaroScreen;
+class TelvaroTaskSwitcher;
+
+/// The compositor service and the bus that it is on. Functions that return bool print the reason for a failure.
+namespace Service {
+
+/// The bus for which the libraries have been built: "session" or "system".
+QString builtBus();
+/// Has the libraries connect to another bus: "session", "system" or an address. To be called before the first use of
+/// the bus.
+void chooseBus(const QString& bus);
+QString busAddress();
+QDBusConnection bus();
+
+/// Connects to the bus, if this is a compositor device: on another device the libraries do nothing.
+bool connect();
+bool connectToBus();
+
+/// Runs the event loop until the object knows the service's state. Returns whether it is Ready.
+bool waitFor(const TelvaroLiveObject& object);
+/// Blocks until the reply. Returns whether the request has succeeded.
+bool waitFor(QDBusPendingCall request);
+
+/// Connects, reads, and calls the function with the state of the service.
+ExitStatus withTaskSwitcher(const std::function<ExitStatus(TelvaroTaskSwitcher&)>& function);
+ExitStatus withScreen(const std::function<ExitStatus(TelvaroScreen&)>& function);
+
+/// Returns the error as text for a person.
+QString reason(const QDBusError& error);
+/// "the service de.Telvaro does not answer"
+QString noAnswer();
+QString notOnTheBus();
+
+} // namespace Service
