@@ -36,8 +36,8 @@ void setTimer(std::chrono::microseconds time)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     itimerval timer{};
-    timer.it_value.tv_sec = seconds.count();
-    timer.it_value.tv_usec = (time - seconds).count();
+    timer.it_value.tv_sec = static_cast<time_t>(seconds.count());
+    timer.it_value.tv_usec = static_cast<suseconds_t>((time - seconds).count());
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
