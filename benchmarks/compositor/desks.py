@@ -145,7 +145,8 @@ class Telvaro(Desk):
 
     def _prepare(self, resources):
         bus = harness.LineProcess(["dbus-daemon", "--nofork", "--print-address",
-                                   f"--config-file={harness.BUS_CONFIGURATION}", f"--address=unix:dir={self.directory}"],
+                                   f"--config-file={harness.BUS_CONFIGURATION}",
+                                   f"--address=unix:dir={self.directory}"],
                                   self.environment, errors=subprocess.DEVNULL, is_endless=True)
         resources.callback(bus.end)
         address = bus.read()

@@ -23,7 +23,13 @@ FIGURES = {
     "start": ("start until a client's first frame, ms", False, None),
 }
 MOST_KEPT = 8
-MEMORY_TITLES = {"idle": "idle", "1": "1 client", "10": "10 clients", "50": "50 clients", "gone": "after they have gone"}
+MEMORY_TITLES = {
+    "idle": "idle",
+    "1": "1 client",
+    "10": "10 clients",
+    "50": "50 clients",
+    "gone": "after they have gone",
+}
 MEBIBYTE = 1024 * 1024
 
 
