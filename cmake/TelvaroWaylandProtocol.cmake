@@ -11,7 +11,8 @@ if(NOT telvaro_wayland_protocols OR NOT telvaro_wayland_scanner)
 endif()
 
 # Generates the code of a Wayland protocol and links it to the target. The file is a path in the package
-# wayland-protocols, the side is server or client, and the header is <name>-<side>-protocol.h.
+# wayland-protocols, the side is server or client, and the header is <name>-<side>-protocol.h. The target's property
+# TELVARO_PROTOCOLS lists the libraries.
 function(telvaro_wayland_protocol target side file)
     set(xml "${telvaro_wayland_protocols}/${file}")
     get_filename_component(name "${file}" NAME_WE)
@@ -31,4 +32,5 @@ function(telvaro_wayland_protocol target side file)
     target_include_directories(${library} SYSTEM INTERFACE "${directory}")
     target_link_libraries(${target} PRIVATE ${library})
     add_dependencies(${target} ${library})
+    set_property(TARGET ${target} APPEND PROPERTY TELVARO_PROTOCOLS ${library})
 endfunction()

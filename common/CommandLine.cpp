@@ -67,7 +67,7 @@ ExitStatus CommandLine::refuse(const QString& command, const QString& message)
 
 QString CommandLine::problem() const
 {
-    const QString text = mParser.errorText();
+    QString text = mParser.errorText();
     const QStringList unknown = mParser.unknownOptionNames();
     if (unknown.isEmpty()) {
         return text;

@@ -17,10 +17,11 @@ namespace {
 
 constexpr int cScreenShotMessageMilliseconds = 5000;
 
-/// Returns the options, with the desktop's keyboard layout where they have none.
+/// Returns the options, with the desktop's keyboard layout where they have none. The keys of a script are those of the
+/// layout that it was read with.
 Options withKeyboardLayout(Options options)
 {
-    if (options.keyboardLayout.name.isEmpty()) {
+    if (options.keyboardLayout.name.isEmpty() && options.script.steps.empty()) {
         options.keyboardLayout = DesktopKeyboard::layout().value_or(Keymap::Layout());
     }
     return options;

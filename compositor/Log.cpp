@@ -18,13 +18,6 @@ namespace {
 /// A faulty client can cause a hundred thousand messages a second.
 constexpr int cMostLinesPerSecond = 50;
 
-bool isKnownNoise(const QString& message)
-{
-    // For every menu of every client Qt Wayland Compositor warns that it does not implement the grab of popups.
-    // WindowStack does.
-    return message.contains(QLatin1String("QWaylandXdgPopupPrivate::xdg_popup_"));
-}
-
 void writeLine(const QByteArray& text)
 {
     const QByteArray line = "telvaro-compositor: " + text.trimmed() + '\n';
@@ -51,9 +44,6 @@ void writeBounded(const QByteArray& text)
 
 void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    if (type == QtWarningMsg && isKnownNoise(message)) {
-        return;
-    }
     if (type == QtFatalMsg) {
         writeLine(message.toLocal8Bit());
         std::_Exit(EXIT_FAILURE);

@@ -199,10 +199,11 @@ class VirtualDevice:
         return self.expect("in-session bash -c " + shlex.quote(command), **arguments)
 
     def start(self, name, command):
-        """Starts an application of the device's user, as a unit of the init system with that name. Both its channels
-        go to the file /run/NAME.log."""
-        self.expect("rm -f /run/%s.log && systemd-run --quiet --collect --unit=%s -p StandardOutput=append:/run/%s.log "
-                    "-p StandardError=inherit in-session %s" % (name, name, name, command))
+        """Starts an application of the device's user, as a unit of the init system with that name in the slice
+        applications. Both its channels go to the file /run/NAME.log."""
+        self.expect("rm -f /run/%s.log && systemd-run --quiet --collect --unit=%s --slice=applications "
+                    "-p StandardOutput=append:/run/%s.log -p StandardError=inherit in-session %s"
+                    % (name, name, name, command))
 
     def bring_files(self):
         """Installs the packages among the files, and puts the others into the home directory of the device's user."""

@@ -39,39 +39,39 @@ struct Setting
     std::function<QDBusPendingReply<>(TelvaroScreen&, const QVariant&)> write;
 };
 
-const Setting& screenSaverEnabled()
+const Setting* screenSaverEnabled()
 {
     static const Setting cSetting = {"screenSaverEnabled", "the screen saver",
                                      [](TelvaroScreen& screen, const QVariant& value) {
                                          return screen.setScreenSaverEnabled(value.toBool());
                                      }};
-    return cSetting;
+    return &cSetting;
 }
 
-const Setting& screenSaverTimeout()
+const Setting* screenSaverTimeout()
 {
     static const Setting cSetting = {"screenSaverTimeout", "the screen saver's timeout",
                                      [](TelvaroScreen& screen, const QVariant& value) {
                                          return screen.setScreenSaverTimeout(value.toInt());
                                      }};
-    return cSetting;
+    return &cSetting;
 }
 
-const Setting& orientation()
+const Setting* orientation()
 {
     static const Setting cSetting = {"orientation", "the orientation",
                                      [](TelvaroScreen& screen, const QVariant& value) {
                                          return screen.setOrientation(value.toString());
                                      }};
-    return cSetting;
+    return &cSetting;
 }
 
-const Setting& fullScreen()
+const Setting* fullScreen()
 {
     static const Setting cSetting = {"fullScreen", "full screen", [](TelvaroScreen& screen, const QVariant& value) {
                                          return screen.setFullScreen(value.toBool());
                                      }};
-    return cSetting;
+    return &cSetting;
 }
 
 QString toText(const QVariant& value)
@@ -84,12 +84,12 @@ QString toText(const QVariant& value)
 
 struct Change
 {
-    const Setting& setting;
+    const Setting* setting;
     /// Invalid for the opposite of what is set.
     QVariant value;
 };
 
-Change switched(const Setting& setting, const QString& word)
+Change switched(const Setting* setting, const QString& word)
 {
     return {setting, word == cToggle ? QVariant() : QVariant(word == QLatin1String("on"))};
 }
@@ -100,10 +100,10 @@ ExitStatus confirm(const QList<Change>& changes)
     return Service::withScreen([&changes](const TelvaroScreen& screen) {
         ExitStatus status = Done;
         for (const Change& change : changes) {
-            const QVariant value = screen.property(change.setting.property);
+            const QVariant value = screen.property(change.setting->property);
             if (value != change.value) {
                 printError(QStringLiteral("the service did not take '%1': %2 is '%3'")
-                               .arg(toText(change.value), QLatin1String(change.setting.name), toText(value)));
+                               .arg(toText(change.value), QLatin1String(change.setting->name), toText(value)));
                 status = Failed;
             }
         }
@@ -117,15 +117,15 @@ ExitStatus apply(QList<Change> changes)
         QList<QDBusPendingReply<>> requests;
         for (Change& change : changes) {
             if (!change.value.isValid()) {
-                change.value = !screen.property(change.setting.property).toBool();
+                change.value = !screen.property(change.setting->property).toBool();
             }
-            requests.append(change.setting.write(screen, change.value));
+            requests.append(change.setting->write(screen, change.value));
         }
         ExitStatus result = Done;
         for (int index = 0; index < requests.size(); ++index) {
             requests[index].waitForFinished();
             if (requests.at(index).isError()) {
-                printError(QStringLiteral("%1: %2").arg(QLatin1String(changes.at(index).setting.name),
+                printError(QStringLiteral("%1: %2").arg(QLatin1String(changes.at(index).setting->name),
                                                         Service::reason(requests.at(index).error())));
                 result = Failed;
             }

@@ -5,6 +5,7 @@
 #include "shell/Scene.h"
 #include "wayland/ClientBounds.h"
 #include "wayland/ClientDrag.h"
+#include "wayland/Presentation.h"
 
 #include <QWaylandSurface>
 
@@ -53,7 +54,7 @@ void DragImage::setPointer(const QPoint& position)
 void DragImage::sendFrameCallbacks()
 {
     if (mImage != nullptr) {
-        mImage->sendFrameCallbacks();
+        mImage->sendFrameCallbacks(Presentation::now());
     }
 }
 

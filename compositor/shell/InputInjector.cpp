@@ -15,8 +15,8 @@
 
 namespace {
 
-/// Between two looks at the size of the current view's window.
-constexpr int cSettlingMilliseconds = 16;
+/// Between two looks at whether the client of the current view is ready.
+constexpr int cPollMilliseconds = 16;
 /// Above the ids of a touch screen.
 constexpr int cFinger = 1 << 20;
 
@@ -60,11 +60,9 @@ void InputInjector::run()
         return;
     }
     const QScopedValueRollback<bool> running(mIsRunning, true);
-    // The timer runs once for each delay.
-    bool hasWaited = mNext > 0;
     while (!mQueue.empty()) {
-        if (mNext == 0 && !mStack.isSettled()) {
-            mTimer.start(cSettlingMilliseconds);
+        if (mStack.isBehind() || (mNext == 0 && !mStack.isSettled())) {
+            mTimer.start(cPollMilliseconds);
             return;
         }
         const QVector<Gesture::Event> events = mQueue.front().gesture.events;
@@ -74,10 +72,11 @@ void InputInjector::run()
             continue;
         }
         const Gesture::Event& event = events.at(mNext);
-        if (event.delayMilliseconds > 0 && !std::exchange(hasWaited, false)) {
+        if (event.delayMilliseconds > 0 && !std::exchange(mHasWaited, true)) {
             mTimer.start(event.delayMilliseconds);
             return;
         }
+        mHasWaited = false;
         ++mNext;
         std::visit(
             [this](const auto& what) {

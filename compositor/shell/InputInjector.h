@@ -35,7 +35,8 @@ public:
     }
 
     /// Injects the gesture when all earlier ones have ended and the current view's window has its size: at once if that
-    /// is so, up to the gesture's first delay.
+    /// is so, up to the gesture's first delay. Waits in between for a client that has yet to read earlier events,
+    /// rather than have it miss the others.
     void inject(const Gesture& gesture, const Done& done);
 
 private:
@@ -69,6 +70,8 @@ private:
     std::deque<Entry> mQueue;
     /// The next event of the first gesture; 0 before it has begun.
     int mNext = 0;
+    /// The delay of the next event has passed.
+    bool mHasWaited = false;
     bool mIsRunning = false;
     QPointF mOrigin;
     QTimer mTimer;

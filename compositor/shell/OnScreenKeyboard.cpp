@@ -96,12 +96,6 @@ OnScreenKeyboard::OnScreenKeyboard(Output& output, Scene& scene, QObject* parent
     connect(&output, &Output::workAreaChanged, this, &OnScreenKeyboard::layOut);
 }
 
-void OnScreenKeyboard::setKeymap(const Keymap& keymap)
-{
-    mKeymap = keymap;
-    layOut();
-}
-
 bool OnScreenKeyboard::isOpen() const
 {
     return !mOutput.keyboardRect().isEmpty();
@@ -145,8 +139,8 @@ void OnScreenKeyboard::layOut()
     mKeys.clear();
     mPressed = -1;
     if (isOpen()) {
-        mKeys =
-            KeyboardPage::keysOf(mPage, mKeymap, mOutput.keyboardRect().adjusted(cMargin, cMargin, -cMargin, -cMargin));
+        mKeys = KeyboardPage::keysOf(mPage, *mKeymap,
+                                     mOutput.keyboardRect().adjusted(cMargin, cMargin, -cMargin, -cMargin));
         changed();
     }
 }

@@ -4,12 +4,12 @@
 
 #include "shell/InputLayer.h"
 #include "shell/KeyboardPage.h"
-#include "shell/Keymap.h"
 
 #include <QObject>
 #include <QString>
 #include <QVector>
 
+class Keymap;
 class Output;
 class Scene;
 
@@ -21,7 +21,11 @@ class OnScreenKeyboard : public QObject, public InputLayer
 public:
     OnScreenKeyboard(Output& output, Scene& scene, QObject* parent = nullptr);
 
-    void setKeymap(const Keymap& keymap);
+    /// To be called before it is opened; `keymap` must outlive it.
+    void setKeymap(const Keymap& keymap)
+    {
+        mKeymap = &keymap;
+    }
 
     bool isOpen() const;
     /// Opens it with the letters, or with the digits where numbers are typed.
@@ -56,7 +60,7 @@ private:
 
     Output& mOutput;
     Scene& mScene;
-    Keymap mKeymap{Keymap::Layout()};
+    const Keymap* mKeymap = nullptr;
     KeyboardPage::Page mPage = KeyboardPage::Page::Letters;
     bool mIsNumeric = false;
     /// Shift has been pressed twice.

@@ -5,6 +5,7 @@
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/TouchInput.h"
+#include "state/Limits.h"
 #include "state/Output.h"
 
 #include <QKeyEvent>
@@ -14,11 +15,7 @@
 #include <QTouchEvent>
 #include <QWheelEvent>
 
-namespace {
-
-constexpr int cFrameMilliseconds = 16;
-
-} // namespace
+using Limits::cFrameMilliseconds;
 
 OutputWindow::OutputWindow(Output& output, Scene& scene)
     : mOutput(output)

@@ -31,7 +31,7 @@ SeatInput::SeatInput(QWaylandSeat* seat, RequestGuard& guard, ClientDrag& drag, 
         return hasPressedButton(client);
     });
     connect(&stack, &WindowStack::arrangementChanged, this, &SeatInput::updatePointerFocus);
-    connect(&stack, &WindowStack::currentChanged, this, &SeatInput::updateKeyboardFocus);
+    connect(&stack, &WindowStack::keyboardSurfaceChanged, this, &SeatInput::updateKeyboardFocus);
     connect(seat, &QWaylandSeat::cursorSurfaceRequest, this, [this](QWaylandSurface* surface, int x, int y) {
         mCursor.set(surface, QPoint(x, y));
     });
@@ -205,7 +205,7 @@ void SeatInput::releaseKeys()
 void SeatInput::updateKeyboardFocus()
 {
     ClientWindow* const window = mStack.current();
-    ClientSurface* const surface = window == nullptr ? nullptr : window->surface();
+    ClientSurface* const surface = mStack.keyboardSurface();
     mSeat->setKeyboardFocus(surface == nullptr ? nullptr : surface->surface());
     if (window != nullptr) {
         window->ping();

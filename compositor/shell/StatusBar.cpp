@@ -35,6 +35,7 @@ StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, 
         waitForNextMinute();
     });
     connect(&output, &Output::geometryChanged, this, &StatusBar::waitForNextMinute);
+    connect(&output, &Output::workAreaChanged, this, &StatusBar::waitForNextMinute);
     const auto requestFrameForTitle = [this] {
         if (mTitle != title()) {
             mIsStale = true;

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "shell/TextEntry.h"
 
+#include "shell/Keymap.h"
 #include "shell/OnScreenKeyboard.h"
 #include "shell/WindowStack.h"
 #include "wayland/ClientWindow.h"

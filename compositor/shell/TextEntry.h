@@ -2,12 +2,11 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "shell/Keymap.h"
-
 #include <QEvent>
 #include <QObject>
 #include <QTimer>
 
+class Keymap;
 class OnScreenKeyboard;
 class QWindow;
 class TextInputs;
@@ -46,7 +45,7 @@ private:
     TextInputs& mInputs;
     WindowStack& mStack;
     QWindow& mWindow;
-    const Keymap mKeymap;
+    const Keymap& mKeymap;
     bool mIsByFinger = false;
     bool mIsByHand = false;
     /// While keys of the on-screen keyboard are sent, which pass where a person's do.

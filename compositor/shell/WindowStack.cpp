@@ -5,13 +5,12 @@
 #include "shell/Scene.h"
 #include "state/Output.h"
 #include "state/ViewList.h"
-#include "wayland/ClientBounds.h"
 #include "wayland/ClientPopup.h"
 #include "wayland/ClientSurface.h"
 #include "wayland/ClientWindow.h"
+#include "wayland/Presentation.h"
 
 #include <QPainter>
-#include <QWaylandXdgToplevel>
 
 #include <algorithm>
 #include <utility>
@@ -23,7 +22,7 @@ constexpr int cMostPopups = 50;
 
 } // namespace
 
-WindowStack::WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent)
+WindowStack::WindowStack(Output& output, ViewList& views, Scene& scene, QObject* parent)
     : QObject(parent)
     , mOutput(output)
     , mViews(views)
@@ -58,6 +57,9 @@ void WindowStack::addWindow(ClientWindow* window)
 
 void WindowStack::addPopup(ClientPopup* popup)
 {
+    connect(popup, &ClientPopup::placementRequested, this, [this, popup] {
+        popup->place(boundsOf(popup));
+    });
     const auto count = std::count_if(mPopups.cbegin(), mPopups.cend(), [popup](const ClientPopup* other) {
         return other->client() == popup->client();
     });
@@ -73,7 +75,7 @@ void WindowStack::addPopup(ClientPopup* popup)
     connect(popup, &ClientPopup::committed, this, [this, popup] {
         handleCommit(popup);
     });
-    popup->place(mOutput.workArea().translated(-originOf(popup->parentXdgSurface())));
+    connect(popup, &ClientPopup::mappedChanged, this, &WindowStack::keyboardSurfaceChanged);
 }
 
 ClientWindow* WindowStack::current() const
@@ -84,13 +86,19 @@ ClientWindow* WindowStack::current() const
 QRect WindowStack::currentFrame() const
 {
     const ClientWindow* const window = current();
-    return window == nullptr ? QRect() : frameOf(window);
+    return window == nullptr ? QRect() : frameOf(window, window->windowGeometry().size());
 }
 
 bool WindowStack::isSettled() const
 {
     const ClientWindow* const window = current();
     return window == nullptr || window->isSettled();
+}
+
+bool WindowStack::isBehind() const
+{
+    const ClientWindow* const window = current();
+    return window != nullptr && window->isBehind();
 }
 
 bool WindowStack::canClose(const QString& uuid) const
@@ -103,8 +111,8 @@ void WindowStack::close(const QString& uuid)
     ClientWindow* const window = windowOfView(uuid);
     if (window != nullptr && !window->isResponding()) {
         window->endProcess();
-    } else if (window != nullptr && window->toplevel() != nullptr && window->admitEvent()) {
-        window->toplevel()->sendClose();
+    } else if (window != nullptr) {
+        window->close();
     }
 }
 
@@ -116,7 +124,7 @@ ClientWindow* WindowStack::windowOfView(const QString& uuid) const
     return found == mWindows.cend() ? nullptr : *found;
 }
 
-ClientWindow* WindowStack::windowOf(const QWaylandXdgToplevel* toplevel) const
+ClientWindow* WindowStack::windowOf(const XdgToplevel* toplevel) const
 {
     const auto found = std::find_if(mWindows.cbegin(), mWindows.cend(), [toplevel](const ClientWindow* window) {
         return window->toplevel() == toplevel;
@@ -152,19 +160,15 @@ QRegion WindowStack::visibleArea() const
 QVector<ClientWindow*> WindowStack::stackedWindows() const
 {
     QVector<ClientWindow*> windows;
-    // A client may make its windows each other's parents in a circle.
-    for (ClientWindow* window = current(); window != nullptr && !windows.contains(window);
-         window = windowOf(window->parentToplevel())) {
-        if (window->isMapped()) {
-            windows.prepend(window);
-        }
+    for (ClientWindow* window = current(); window != nullptr; window = windowOf(window->parentToplevel())) {
+        windows.prepend(window);
     }
     return windows;
 }
 
 ClientWindow* WindowStack::windowOfPopup(const ClientPopup* popup) const
 {
-    const QWaylandXdgSurface* ancestor = popup->parentXdgSurface();
+    const XdgSurface* ancestor = popup->parentXdgSurface();
     for (int steps = 0; ancestor != nullptr && steps <= mPopups.size(); ++steps) {
         if (ancestor->toplevel() != nullptr) {
             return windowOf(ancestor->toplevel());
@@ -190,21 +194,28 @@ QVector<ClientPopup*> WindowStack::visiblePopups() const
     return popups;
 }
 
-QRect WindowStack::frameOf(const ClientWindow* window) const
+QRect WindowStack::areaOf(const ClientWindow* window) const
 {
-    const QSize size = window->windowGeometry().size();
-    const QRect area = isPanel(window) ? mOutput.panelRect() : mOutput.workArea();
+    if (isPanel(window)) {
+        return mOutput.panelRect();
+    }
+    return window->wantsFullScreen() ? mOutput.fullScreenArea() : mOutput.maximizedArea();
+}
+
+QRect WindowStack::frameOf(const ClientWindow* window, const QSize& size) const
+{
+    const QRect area = areaOf(window);
     const QPoint margin((area.width() - size.width()) / 2, (area.height() - size.height()) / 2);
     return {area.topLeft() + QPoint(qMax(0, margin.x()), qMax(0, margin.y())), size};
 }
 
 /// Returns the top left corner of the window geometry on the output.
-QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
+QPoint WindowStack::originOf(const XdgSurface* xdgSurface) const
 {
     QPoint origin;
     for (int steps = 0; xdgSurface != nullptr && steps <= mPopups.size(); ++steps) {
         if (const ClientWindow* const window = windowOf(xdgSurface->toplevel())) {
-            return origin + frameOf(window).topLeft();
+            return origin + frameOf(window, window->windowGeometry().size()).topLeft();
         }
         const auto popup = std::find_if(mPopups.cbegin(), mPopups.cend(), [xdgSurface](const ClientPopup* other) {
             return other->xdgSurface() == xdgSurface;
@@ -218,10 +229,22 @@ QPoint WindowStack::originOf(const QWaylandXdgSurface* xdgSurface) const
     return origin + mOutput.workArea().topLeft();
 }
 
-QPoint WindowStack::surfacePosition(const QWaylandXdgSurface* xdgSurface) const
+QPoint WindowStack::surfacePosition(const XdgSurface* xdgSurface) const
 {
-    return xdgSurface == nullptr ? QPoint()
-                                 : originOf(xdgSurface) - ClientBounds::clamped(xdgSurface->windowGeometry()).topLeft();
+    return xdgSurface == nullptr ? QPoint() : originOf(xdgSurface) - xdgSurface->windowGeometry().topLeft();
+}
+
+QRect WindowStack::boundsOf(const ClientPopup* popup) const
+{
+    const XdgSurface* const parent = popup->parentXdgSurface();
+    const ClientWindow* const window = windowOfPopup(popup);
+    if (window == nullptr) {
+        return mOutput.workArea();
+    }
+    const bool isResized = parent->toplevel() != nullptr && !popup->parentSize().isEmpty();
+    const QPoint origin = isResized ? frameOf(window, popup->parentSize()).topLeft() : originOf(parent);
+    const QRect area = isPanel(window) ? visibleArea().boundingRect() : areaOf(window);
+    return area.translated(-origin);
 }
 
 WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
@@ -246,6 +269,16 @@ WindowStack::Hit WindowStack::surfaceAt(const QPointF& position) const
     return hit;
 }
 
+ClientSurface* WindowStack::keyboardSurface() const
+{
+    const QVector<ClientPopup*> popups = visiblePopups();
+    const auto grabbing = std::find_if(popups.crbegin(), popups.crend(), [](const ClientPopup* popup) {
+        return popup->isGrabbing();
+    });
+    const ClientWindow* const window = current();
+    return grabbing != popups.crend() ? (*grabbing)->surface() : window == nullptr ? nullptr : window->surface();
+}
+
 void WindowStack::dismissPopups()
 {
     for (auto popup = mPopups.crbegin(); popup != mPopups.crend(); ++popup) {
@@ -258,13 +291,14 @@ void WindowStack::dismissPopups()
 
 void WindowStack::sendFrameCallbacks()
 {
+    const timespec time = Presentation::now();
     for (const ClientWindow* window : visibleWindows()) {
         if (window->surface() != nullptr) {
-            window->surface()->sendFrameCallbacks();
+            window->surface()->sendFrameCallbacks(time);
         }
     }
     for (const ClientPopup* popup : visiblePopups()) {
-        popup->surface()->sendFrameCallbacks();
+        popup->surface()->sendFrameCallbacks(time);
     }
 }
 
@@ -315,14 +349,25 @@ QRegion WindowStack::opaqueRegion() const
 
 void WindowStack::configureAll()
 {
+    const QVector<ClientWindow*> stacked = stackedWindows();
+    mOutput.setStatusBarHidden(std::any_of(stacked.cbegin(), stacked.cend(), [](const ClientWindow* window) {
+        return window->wantsFullScreen();
+    }));
     const ClientWindow* const active = current();
     for (ClientWindow* window : qAsConst(mWindows)) {
-        if (isPanel(window)) {
-            // Without a size until it has a strip: the panel chooses the thickness of that.
-            const QSize size = mOutput.panelRect().size();
-            window->configure(size.isEmpty() ? QSize(0, 0) : size, false, false);
-        } else {
-            window->configure(mOutput.workArea().size(), mOutput.isFullScreen(), window == active);
+        // A panel gets no size until it has a strip: it chooses the thickness of that.
+        const QSize size = areaOf(window).size();
+        const bool isFullScreen = !isPanel(window) && (mOutput.isFullScreen() || window->wantsFullScreen());
+        window->configure(size.isEmpty() ? QSize(0, 0) : size, isFullScreen, window == active);
+    }
+}
+
+void WindowStack::replaceReactivePopups()
+{
+    for (ClientPopup* popup : qAsConst(mPopups)) {
+        ClientWindow* const window = windowOfPopup(popup);
+        if (popup->isReactive() && window != nullptr && window->admitEvent()) {
+            popup->replace(boundsOf(popup));
         }
     }
 }
@@ -332,6 +377,7 @@ void WindowStack::handleCurrentChanged()
     dismissPopups();
     configureAll();
     rearrange();
+    Q_EMIT currentChanged();
 }
 
 void WindowStack::rearrange()
@@ -339,7 +385,7 @@ void WindowStack::rearrange()
     mIsRearranged = true;
     mScene.requestFrame();
     Q_EMIT arrangementChanged();
-    Q_EMIT currentChanged();
+    Q_EMIT keyboardSurfaceChanged();
 }
 
 void WindowStack::handleCommit(const QObject* source)
@@ -359,7 +405,7 @@ QRegion WindowStack::update()
 {
     QRegion damage;
     QVector<QRect> arrangement;
-    const auto updateSurface = [&](ClientSurface* surface, const QWaylandXdgSurface* xdgSurface) {
+    const auto updateSurface = [&](ClientSurface* surface, const XdgSurface* xdgSurface) {
         const QRegion changed = surface->update();
         const QPoint position = surfacePosition(xdgSurface);
         damage |= changed.translated(position);
@@ -377,6 +423,7 @@ QRegion WindowStack::update()
     if (arrangement != mArrangement) {
         mArrangement = arrangement;
         mIsRearranged = true;
+        replaceReactivePopups();
         Q_EMIT arrangementChanged();
     }
     return std::exchange(mIsRearranged, false) ? visibleArea() : damage & visibleArea();

@@ -13,10 +13,10 @@ class ClientPopup;
 class ClientSurface;
 class ClientWindow;
 class Output;
-class QWaylandXdgSurface;
-class QWaylandXdgToplevel;
 class Scene;
 class ViewList;
+class XdgSurface;
+class XdgToplevel;
 
 /// The clients' windows and popups: which of them are visible, where, and which surface is under the pointer. Visible
 /// are the panel and the window of the current view, below it the parents of a dialog, and above it their popups.
@@ -33,17 +33,22 @@ public:
         QPointF position;
     };
 
-    WindowStack(const Output& output, ViewList& views, Scene& scene, QObject* parent = nullptr);
+    WindowStack(Output& output, ViewList& views, Scene& scene, QObject* parent = nullptr);
 
     void addWindow(ClientWindow* window);
     void addPopup(ClientPopup* popup);
 
     /// Null when there is no view.
     ClientWindow* current() const;
+    /// Returns the surface that receives keys: that of the topmost popup with a grab, or else that of the current
+    /// window. Null when there is none.
+    ClientSurface* keyboardSurface() const;
     /// Returns the geometry of the current view's window on the output; empty when it has none.
     QRect currentFrame() const;
     /// Returns false while the size of the current view's window is about to change.
     bool isSettled() const;
+    /// See ClientLiveness::isBehind().
+    bool isBehind() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
     void dismissPopups();
@@ -65,9 +70,11 @@ Q_SIGNALS:
     void arrangementChanged();
     /// current() has changed, and all windows have been configured.
     void currentChanged();
+    /// keyboardSurface() may have changed.
+    void keyboardSurfaceChanged();
 
 private:
-    ClientWindow* windowOf(const QWaylandXdgToplevel* toplevel) const;
+    ClientWindow* windowOf(const XdgToplevel* toplevel) const;
     /// Null when the view has no window.
     ClientWindow* windowOfView(const QString& uuid) const;
     /// Null when there is none.
@@ -82,17 +89,23 @@ private:
     QRegion visibleArea() const;
     QVector<ClientPopup*> visiblePopups() const;
     ClientWindow* windowOfPopup(const ClientPopup* popup) const;
-    QPoint originOf(const QWaylandXdgSurface* xdgSurface) const;
-    QPoint surfacePosition(const QWaylandXdgSurface* xdgSurface) const;
-    QRect frameOf(const ClientWindow* window) const;
+    QPoint originOf(const XdgSurface* xdgSurface) const;
+    QPoint surfacePosition(const XdgSurface* xdgSurface) const;
+    /// Returns what a window may fill.
+    QRect areaOf(const ClientWindow* window) const;
+    /// Returns the place of a window that has the size `size`.
+    QRect frameOf(const ClientWindow* window, const QSize& size) const;
+    /// Returns the space for a popup, relative to its parent's window geometry.
+    QRect boundsOf(const ClientPopup* popup) const;
 
     void configureAll();
+    void replaceReactivePopups();
     void handleCurrentChanged();
     void handleCommit(const QObject* source);
     /// To be called when other surfaces are visible than before.
     void rearrange();
 
-    const Output& mOutput;
+    Output& mOutput;
     ViewList& mViews;
     Scene& mScene;
     QVector<ClientWindow*> mWindows;

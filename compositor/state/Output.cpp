@@ -53,6 +53,15 @@ void Output::setFullScreen(bool fullScreen)
     Q_EMIT fullScreenChanged();
 }
 
+void Output::setStatusBarHidden(bool isHidden)
+{
+    if (isHidden == mStatusBarIsHidden) {
+        return;
+    }
+    mStatusBarIsHidden = isHidden;
+    Q_EMIT workAreaChanged();
+}
+
 QSize Output::size() const
 {
     return mRotation % 180 == 0 ? mPhysicalSize : mPhysicalSize.transposed();
@@ -60,7 +69,7 @@ QSize Output::size() const
 
 QRect Output::statusBarRect() const
 {
-    return mFullScreen ? QRect() : QRect(0, 0, size().width(), qMin(cStatusBarHeight, size().height() / 2));
+    return mStatusBarIsHidden ? QRect() : QRect(0, 0, size().width(), statusBarHeight());
 }
 
 void Output::setPanel(Qt::Edge edge, int thickness)
@@ -137,6 +146,21 @@ QRect Output::withoutStrips(const QRect& area) const
     }
     rest.setHeight(rest.height() - keyboardRect().height());
     return rest;
+}
+
+QRect Output::maximizedArea() const
+{
+    return withoutStrips(rect().adjusted(0, statusBarHeight(), 0, 0));
+}
+
+QRect Output::fullScreenArea() const
+{
+    return withoutStrips(rect());
+}
+
+int Output::statusBarHeight() const
+{
+    return mFullScreen ? 0 : qMin(cStatusBarHeight, size().height() / 2);
 }
 
 QTransform Output::toDisplay() const

@@ -57,12 +57,15 @@ public:
         return mFullScreen;
     }
     void setFullScreen(bool fullScreen);
+    /// Hides the status bar, regardless of isFullScreen().
+    void setStatusBarHidden(bool isHidden);
 
     QSize size() const;
     QRect rect() const
     {
         return {QPoint(), size()};
     }
+    /// Empty while the status bar is hidden.
     QRect statusBarRect() const;
     /// The strip of an application at an edge; of no thickness while there is none.
     QRect panelRect() const;
@@ -71,6 +74,10 @@ public:
     QRect keyboardRect() const;
     void setKeyboardOpen(bool isOpen);
     QRect workArea() const;
+    /// Returns the work area of a view that is not full screen, even while the status bar is hidden for one that is.
+    QRect maximizedArea() const;
+    /// Returns the work area of a view that is full screen.
+    QRect fullScreenArea() const;
 
     /// From the contents to the display of the device.
     QTransform toDisplay() const;
@@ -92,12 +99,14 @@ Q_SIGNALS:
     void fullScreenChanged();
 
 private:
+    int statusBarHeight() const;
     /// Returns what the panel and the keyboard leave of `area`.
     QRect withoutStrips(const QRect& area) const;
 
     QSize mPhysicalSize;
     int mRotation = 0;
     bool mFullScreen = false;
+    bool mStatusBarIsHidden = false;
     bool mTurnsWindow = false;
     Qt::Edge mPanelEdge = Qt::BottomEdge;
     int mPanelThickness = 0;

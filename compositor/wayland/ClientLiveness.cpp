@@ -2,10 +2,12 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientLiveness.h"
 
+#include "wayland/XdgShell.h"
+
 #include <QWaylandCompositor>
 
-#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <utility>
+#include <xdg-shell-server-protocol.h>
 
 namespace {
 
@@ -17,14 +19,17 @@ constexpr int cMostUnconfirmed = 128;
 
 } // namespace
 
-ClientLiveness::ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent)
+ClientLiveness::ClientLiveness(const XdgShell& shell, QWaylandClient* client, QObject* parent)
     : QObject(parent)
-    , mShell(shell)
     , mClient(client)
 {
     mSeconds.setInterval(cIntervalMilliseconds);
     connect(&mSeconds, &QTimer::timeout, this, &ClientLiveness::handleSecond);
-    connect(shell, &QWaylandXdgShell::pong, this, &ClientLiveness::handlePong);
+    connect(&shell, &XdgShell::pong, this, [this](wl_client* from, uint32_t serial) {
+        if (mClient != nullptr && mClient->client() == from) {
+            handlePong(serial);
+        }
+    });
     connect(client, &QObject::destroyed, this, &QObject::deleteLater);
 }
 
@@ -75,6 +80,11 @@ bool ClientLiveness::admitEvent()
     return true;
 }
 
+bool ClientLiveness::isBehind() const
+{
+    return mResponding && mUnconfirmed > cMostUnconfirmed / 2;
+}
+
 void ClientLiveness::ping()
 {
     if (mWaiting || mClient.isNull() || mShellObject == nullptr) {
@@ -84,8 +94,7 @@ void ClientLiveness::ping()
     mSincePingCount = 0;
     mWaiting = true;
     mSerial = mClient->compositor()->nextSerial();
-    // QWaylandXdgShell::ping() chooses an xdg_wm_base by itself.
-    QWaylandXdgShellPrivate::get(mShell)->ping(QWaylandXdgShellPrivate::Resource::fromResource(mShellObject), mSerial);
+    xdg_wm_base_send_ping(mShellObject, mSerial);
     mPassedSeconds = 0;
     mSeconds.start();
 }

@@ -9,9 +9,10 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWaylandClient>
-#include <QWaylandXdgShell>
 
 #include <memory>
+
+class XdgShell;
 
 /// Whether a client responds to xdg_wm_base.ping, and how many events may be sent to it that it has not read. A client
 /// with a mapped window is pinged once a second, others only on occasions.
@@ -20,7 +21,7 @@ class ClientLiveness : public QObject
     Q_OBJECT
 
 public:
-    ClientLiveness(QWaylandXdgShell* shell, QWaylandClient* client, QObject* parent);
+    ClientLiveness(const XdgShell& shell, QWaylandClient* client, QObject* parent);
 
     /// Sets the xdg_wm_base to ping: a client may bind several and serve only the one that it has created its window
     /// with.
@@ -41,6 +42,9 @@ public:
     /// too many events unread: libwayland disconnects a client whose connection is full.
     bool admitEvent();
 
+    /// Returns whether the client responds but has left so many events unread that admitEvent() will soon return false.
+    bool isBehind() const;
+
 Q_SIGNALS:
     void respondingChanged();
     /// The client has responded after admitEvent() had returned false.
@@ -51,7 +55,6 @@ private:
     void handleSecond();
     void setResponding(bool responding);
 
-    QWaylandXdgShell* mShell;
     QPointer<QWaylandClient> mClient;
     /// Null when the client has destroyed it.
     wl_resource* mShellObject = nullptr;

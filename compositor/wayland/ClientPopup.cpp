@@ -4,40 +4,36 @@
 
 #include "wayland/PopupPlacement.h"
 
-#include <QWaylandSurface>
-
-ClientPopup::ClientPopup(QWaylandXdgPopup* popup, wl_resource* resource, QWaylandXdgSurface* xdgSurface,
-                         QObject* parent)
+ClientPopup::ClientPopup(XdgPopup* popup, QObject* parent)
     : QObject(parent)
     , mPopup(popup)
-    , mXdgSurface(xdgSurface)
-    , mParentXdgSurface(popup->parentXdgSurface())
-    , mSurface(ClientSurface::of(xdgSurface->surface()))
-    , mClient(xdgSurface->surface()->client())
-    , mGeometry(popup->unconstrainedPosition(), popup->positionerSize())
-    , mResourceListener(resource, [this] {
-        delete mPopup;
-    })
+    , mXdgSurface(popup->xdgSurface())
+    , mSurface(ClientSurface::of(mXdgSurface->surface()))
+    , mClient(mXdgSurface->surface()->client())
 {
     connect(mSurface, &ClientSurface::committed, this, &ClientPopup::committed);
+    connect(mXdgSurface, &XdgSurface::initialCommit, this, &ClientPopup::placementRequested);
+    connect(mXdgSurface, &XdgSurface::mappedChanged, this, &ClientPopup::mappedChanged);
+    connect(popup, &XdgPopup::placementRequested, this, &ClientPopup::placementRequested);
     connect(popup, &QObject::destroyed, this, &QObject::deleteLater);
-    connect(xdgSurface, &QObject::destroyed, this, &QObject::deleteLater);
-    connect(xdgSurface->surface(), &QWaylandSurface::surfaceDestroyed, this, &QObject::deleteLater);
 }
 
 void ClientPopup::place(const QRect& bounds)
 {
-    const QRect geometry = PopupPlacement::place(*mPopup, bounds);
-    if (geometry != mGeometry) {
-        mGeometry = geometry;
-        mPopup->sendConfigure(geometry);
+    mGeometry = PopupPlacement::place(mPopup->rules(), bounds);
+    mPopup->sendConfigure(mGeometry);
+}
+
+void ClientPopup::replace(const QRect& bounds)
+{
+    if (PopupPlacement::place(mPopup->rules(), bounds) != mGeometry) {
+        place(bounds);
     }
 }
 
 void ClientPopup::dismiss()
 {
-    if (!mIsDismissed && mPopup != nullptr) {
-        mIsDismissed = true;
-        mPopup->sendPopupDone();
+    if (mPopup != nullptr) {
+        mPopup->dismiss();
     }
 }

@@ -3,13 +3,12 @@
 #pragma once
 
 #include "wayland/ClientSurface.h"
-#include "wayland/ResourceListener.h"
+#include "wayland/XdgPopup.h"
+#include "wayland/XdgSurface.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QRect>
-#include <QWaylandXdgPopup>
-#include <QWaylandXdgSurface>
 
 /// An xdg_popup: a menu, a combo box's list or a tool tip, shown beside its parent.
 class ClientPopup : public QObject
@@ -17,26 +16,40 @@ class ClientPopup : public QObject
     Q_OBJECT
 
 public:
-    /// Deletes `popup` when its xdg_popup, `resource`, is destroyed, which Qt does not do.
-    ClientPopup(QWaylandXdgPopup* popup, wl_resource* resource, QWaylandXdgSurface* xdgSurface, QObject* parent);
+    ClientPopup(XdgPopup* popup, QObject* parent);
 
-    QWaylandXdgSurface* xdgSurface() const
+    const XdgSurface* xdgSurface() const
     {
         return mXdgSurface;
     }
-    QWaylandXdgSurface* parentXdgSurface() const
+    const XdgSurface* parentXdgSurface() const
     {
-        return mParentXdgSurface;
+        return mPopup == nullptr ? nullptr : mPopup->parentXdgSurface();
     }
     /// Null when the client has destroyed it.
     ClientSurface* surface() const
     {
         return mSurface;
     }
-    /// Whether neither the client has destroyed the popup nor the compositor has dismissed it.
+    /// Whether the popup is mapped and has not been dismissed.
     bool isOpen() const
     {
-        return mSurface != nullptr && !mIsDismissed;
+        return mSurface != nullptr && mPopup != nullptr && !mPopup->isDismissed() && mXdgSurface->isMapped();
+    }
+    /// Whether it is open and has the keyboard focus while it is the topmost one.
+    bool isGrabbing() const
+    {
+        return isOpen() && mPopup->isGrabbing();
+    }
+    /// Whether it is placed anew when its bounds change.
+    bool isReactive() const
+    {
+        return isOpen() && mPopup->rules().isReactive && mPopup->isMovable();
+    }
+    /// Returns the size that the client expects the parent to have; empty for the one that it has.
+    QSize parentSize() const
+    {
+        return mPopup == nullptr ? QSize() : mPopup->rules().parentSize;
     }
     /// To be compared only: the client may have disconnected.
     const QWaylandClient* client() const
@@ -44,26 +57,29 @@ public:
         return mClient;
     }
 
-    /// Places the popup within `bounds`, which are relative to the parent's window geometry.
+    /// Sends a configure event with the popup's place within `bounds`, which are relative to the parent's window
+    /// geometry.
     void place(const QRect& bounds);
+    /// As place(), but only if the place is another one than that of the last event.
+    void replace(const QRect& bounds);
     /// Relative to the parent's window geometry.
     QPoint position() const
     {
-        return mGeometry.topLeft();
+        return mXdgSurface == nullptr ? QPoint() : mXdgSurface->popupGeometry().topLeft();
     }
-    /// Dismisses the popup. Sends popup_done only once: the client may be one that does not read.
     void dismiss();
 
 Q_SIGNALS:
     void committed();
+    /// The popup has been mapped or unmapped.
+    void mappedChanged();
+    /// The client expects place() to be called.
+    void placementRequested();
 
 private:
-    QPointer<QWaylandXdgPopup> mPopup;
-    QPointer<QWaylandXdgSurface> mXdgSurface;
-    QPointer<QWaylandXdgSurface> mParentXdgSurface;
+    QPointer<XdgPopup> mPopup;
+    QPointer<XdgSurface> mXdgSurface;
     QPointer<ClientSurface> mSurface;
     const QWaylandClient* mClient;
     QRect mGeometry;
-    bool mIsDismissed = false;
-    ResourceListener mResourceListener;
 };

@@ -3,6 +3,7 @@
 #include "wayland/ClientSurface.h"
 
 #include "wayland/ClientBounds.h"
+#include "wayland/Presentation.h"
 #include "wayland/ServerSurface.h"
 
 #include <QPainter>
@@ -24,7 +25,7 @@ ClientSurface::ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudg
 {
     setSurface(surface);
     connect(surface, &QWaylandSurface::childAdded, this, &ClientSurface::addChild);
-    connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::committed);
+    connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::handleCommit);
     connect(this, &QWaylandView::surfaceDestroyed, this, &QObject::deleteLater);
 }
 
@@ -36,6 +37,20 @@ ClientSurface* ClientSurface::of(const QWaylandSurface* surface)
 void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage)
 {
     mPixels.commit(buffer, damage);
+}
+
+QRect ClientSurface::bounds() const
+{
+    QRect bounds;
+    if (surface() != nullptr && surface()->hasContent()) {
+        bounds = QRect(QPoint(), ClientBounds::clamped(surface()->destinationSize()));
+        for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
+            for (const Child& child : *children) {
+                bounds |= child.surface->bounds().translated(child.position);
+            }
+        }
+    }
+    return ClientBounds::clamped(bounds);
 }
 
 QRegion ClientSurface::update()
@@ -60,15 +75,16 @@ void ClientSurface::paint(QPainter* painter, const QPoint& position) const
     }
 }
 
-void ClientSurface::sendFrameCallbacks()
+void ClientSurface::sendFrameCallbacks(const timespec& time)
 {
-    if (surface() != nullptr) {
+    if (auto* const server = qobject_cast<ServerSurface*>(surface())) {
+        server->feedback().present(time);
         surface()->frameStarted();
         surface()->sendFrameCallbacks();
     }
     for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (const Child& child : *children) {
-            child.surface->sendFrameCallbacks();
+            child.surface->sendFrameCallbacks(time);
         }
     }
 }
@@ -112,7 +128,7 @@ void ClientSurface::addChild(QWaylandSurface* surface)
     }
     child->leaveParent();
     child->mParent = this;
-    mChildrenAbove.append({child, QPoint()});
+    mChildrenAbove.append({child, QPoint(), QPoint()});
     connect(child, &ClientSurface::committed, this, &ClientSurface::committed);
     connect(child, &QObject::destroyed, this, [this, child] {
         removeChild(child);
@@ -187,11 +203,34 @@ void ClientSurface::moveChild(const ClientSurface* child, const QPoint& position
     for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
         for (Child& other : *children) {
             if (other.surface == child) {
-                other.position = ClientBounds::clamped(position);
+                other.nextPosition = ClientBounds::clamped(position);
             }
         }
     }
-    damageAll();
+}
+
+/// The state of the surface has been applied; that of its subsurfaces follows.
+void ClientSurface::handleCommit()
+{
+    QVector<QPointer<QWaylandSurface>> subsurfaces;
+    bool isMoved = false;
+    for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
+        for (Child& child : *children) {
+            isMoved = isMoved || child.position != child.nextPosition;
+            child.position = child.nextPosition;
+            subsurfaces.append(child.surface->surface());
+        }
+    }
+    for (const QPointer<QWaylandSurface>& subsurface : qAsConst(subsurfaces)) {
+        if (auto* const server = qobject_cast<ServerSurface*>(subsurface)) {
+            server->applyCachedState();
+        }
+    }
+    if (isMoved) {
+        damageAll();
+    } else {
+        Q_EMIT committed();
+    }
 }
 
 void ClientSurface::restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above)

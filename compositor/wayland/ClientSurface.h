@@ -10,6 +10,7 @@
 #include <QWaylandBufferRef>
 #include <QWaylandView>
 
+#include <ctime>
 #include <memory>
 
 class QPainter;
@@ -32,6 +33,9 @@ public:
         return mPixels.size();
     }
 
+    /// Returns the rectangle around this surface and its subsurfaces, as committed and in surface coordinates.
+    QRect bounds() const;
+
     /// Copies the pixels committed since the last call, in the whole tree. Returns the changed region in surface
     /// coordinates.
     QRegion update();
@@ -41,8 +45,8 @@ public:
     {
         return mPixels.opaqueRect();
     }
-    /// Sends wl_surface.frame callbacks: the content has been shown.
-    void sendFrameCallbacks();
+    /// Sends wl_surface.frame callbacks and presentation feedback: the content of the tree has been shown at `time`.
+    void sendFrameCallbacks(const timespec& time);
     /// Whether a surface of this tree has a zwp_idle_inhibitor_v1.
     bool inhibitsIdle() const;
     /// Returns the surface of this tree that takes input at `position`, which is mapped to `localPosition`, or null.
@@ -52,6 +56,10 @@ public:
     bool hasParent() const
     {
         return mParent != nullptr;
+    }
+    const ClientSurface* parentSurface() const
+    {
+        return mParent;
     }
     /// Detaches a subsurface from its parent.
     void leaveParent();
@@ -67,6 +75,8 @@ private:
     {
         ClientSurface* surface;
         QPoint position;
+        /// Becomes the position with the next commit of this surface.
+        QPoint nextPosition;
     };
     using Children = QVector<Child>;
 
@@ -78,6 +88,7 @@ private:
     void moveChild(const ClientSurface* child, const QPoint& position);
     void restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above);
     void damageAll();
+    void handleCommit();
 
     SurfacePixels mPixels;
     QRegion mDamage;

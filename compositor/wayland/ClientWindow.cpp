@@ -3,14 +3,13 @@
 #include "wayland/ClientWindow.h"
 
 #include "state/ViewList.h"
-#include "wayland/ClientBounds.h"
 #include "wayland/ClientLiveness.h"
 
 #include <QFile>
 #include <QUuid>
 #include <QWaylandClient>
-#include <QWaylandOutput>
-#include <QWaylandSurface>
+
+#include <xdg-shell-server-protocol.h>
 
 #include <csignal>
 
@@ -28,52 +27,38 @@ QString processNameOf(qint64 pid)
 
 } // namespace
 
-ClientWindow::ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* liveness,
-                           ViewList& views, QObject* parent)
+ClientWindow::ClientWindow(XdgToplevel* toplevel, ClientLiveness* liveness, ViewList& views, QObject* parent)
     : QObject(parent)
     , mToplevel(toplevel)
-    , mXdgSurface(xdgSurface)
-    , mSurface(ClientSurface::of(xdgSurface->surface()))
+    , mXdgSurface(toplevel->xdgSurface())
+    , mSurface(ClientSurface::of(mXdgSurface->surface()))
     , mLiveness(liveness)
     , mViews(views)
-    , mProcessName(processNameOf(xdgSurface->surface()->client()->processId()))
+    , mProcessName(processNameOf(mXdgSurface->surface()->client()->processId()))
 {
-    QWaylandSurface* const surface = xdgSurface->surface();
-    connect(surface, &QWaylandSurface::hasContentChanged, this, &ClientWindow::handleContentChanged);
-    connect(surface, &QWaylandSurface::surfaceDestroyed, this, &ClientWindow::unmap);
-    connect(surface, &QWaylandSurface::redraw, this, &ClientWindow::handleCommit);
     connect(mSurface, &ClientSurface::committed, this, &ClientWindow::committed);
-    connect(xdgSurface, &QObject::destroyed, this, &ClientWindow::unmap);
+    connect(mXdgSurface, &XdgSurface::initialCommit, this, &ClientWindow::handleStateRequest);
+    connect(mXdgSurface, &XdgSurface::mappedChanged, this, &ClientWindow::handleMappedChanged);
+    connect(mXdgSurface, &XdgSurface::committed, this, [this] {
+        mViews.setSize(mUuid, windowGeometry().size());
+    });
     connect(toplevel, &QObject::destroyed, this, [this] {
         unmap();
         deleteLater();
     });
 
-    connect(toplevel, &QWaylandXdgToplevel::titleChanged, this, [this] {
+    connect(toplevel, &XdgToplevel::titleChanged, this, [this] {
         mViews.setTitle(mUuid, mToplevel->title());
     });
-    connect(toplevel, &QWaylandXdgToplevel::appIdChanged, this, [this] {
+    connect(toplevel, &XdgToplevel::appIdChanged, this, [this] {
         mViews.setAppId(mUuid, appId());
         Q_EMIT configureRequested();
     });
-    connect(toplevel, &QWaylandXdgToplevel::parentToplevelChanged, this, [this] {
+    connect(toplevel, &XdgToplevel::parentChanged, this, [this] {
         mViews.setDialog(mUuid, parentToplevel() != nullptr);
         Q_EMIT configureRequested();
     });
-    const auto handleStateRequest = [this] {
-        mConfigureIsDue = true;
-        Q_EMIT configureRequested();
-    };
-    connect(toplevel, &QWaylandXdgToplevel::setMaximized, this, handleStateRequest);
-    connect(toplevel, &QWaylandXdgToplevel::unsetMaximized, this, handleStateRequest);
-    connect(toplevel, &QWaylandXdgToplevel::setFullscreen, this, [this, handleStateRequest] {
-        mWantsFullScreen = true;
-        handleStateRequest();
-    });
-    connect(toplevel, &QWaylandXdgToplevel::unsetFullscreen, this, [this, handleStateRequest] {
-        mWantsFullScreen = false;
-        handleStateRequest();
-    });
+    connect(toplevel, &XdgToplevel::stateRequested, this, &ClientWindow::handleStateRequest);
     connect(liveness, &ClientLiveness::respondingChanged, this, [this] {
         mViews.setResponding(mUuid, isResponding());
     });
@@ -85,19 +70,36 @@ ClientWindow::~ClientWindow()
     unmap();
 }
 
-QWaylandXdgToplevel* ClientWindow::parentToplevel() const
+const XdgToplevel* ClientWindow::parentToplevel() const
 {
     return mToplevel == nullptr ? nullptr : mToplevel->parentToplevel();
 }
 
+bool ClientWindow::wantsFullScreen() const
+{
+    return mToplevel != nullptr && mToplevel->wantsFullScreen();
+}
+
+void ClientWindow::close()
+{
+    if (mToplevel != nullptr && admitEvent()) {
+        mToplevel->sendClose();
+    }
+}
+
 QRect ClientWindow::windowGeometry() const
 {
-    return mXdgSurface == nullptr ? QRect() : ClientBounds::clamped(mXdgSurface->windowGeometry());
+    return mXdgSurface == nullptr ? QRect() : mXdgSurface->windowGeometry();
 }
 
 bool ClientWindow::isResponding() const
 {
     return mLiveness != nullptr && mLiveness->isResponding();
+}
+
+bool ClientWindow::isBehind() const
+{
+    return mLiveness != nullptr && mLiveness->isBehind();
 }
 
 void ClientWindow::ping()
@@ -123,19 +125,17 @@ void ClientWindow::endProcess() const
 
 void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActivated)
 {
-    const bool isDialog = parentToplevel() != nullptr;
-    QVector<QWaylandXdgToplevel::State> states;
-    if (!isDialog) {
-        // xdg-shell permits a fullscreen state with less than the size of the output.
-        states.append(isFullScreen || mWantsFullScreen ? QWaylandXdgToplevel::FullscreenState
-                                                       : QWaylandXdgToplevel::MaximizedState);
+    // A dialog chooses its own size.
+    const bool isFree = parentToplevel() != nullptr && !wantsFullScreen();
+    QVector<uint32_t> states;
+    if (!isFree) {
+        states.append(isFullScreen ? XDG_TOPLEVEL_STATE_FULLSCREEN : XDG_TOPLEVEL_STATE_MAXIMIZED);
     }
     // A window that is about to be mapped will be the current one: saying so at once spares it another configure event.
     if (isActivated || !isMapped()) {
-        states.append(QWaylandXdgToplevel::ActivatedState);
+        states.append(XDG_TOPLEVEL_STATE_ACTIVATED);
     }
-    // A dialog chooses its own size.
-    const QSize wanted = isDialog ? QSize(0, 0) : size;
+    const QSize wanted = isFree ? QSize(0, 0) : size;
     mConfigureIsDue = mConfigureIsDue || wanted != mSize || states != mStates;
     mSize = wanted;
     mStates = states;
@@ -144,7 +144,7 @@ void ClientWindow::configure(const QSize& size, bool isFullScreen, bool isActiva
 
 void ClientWindow::sendConfigure()
 {
-    if (mConfigureIsDue && mIsCommitted && mToplevel != nullptr && admitEvent()) {
+    if (mConfigureIsDue && mToplevel != nullptr && mXdgSurface->isInitialized() && admitEvent()) {
         mConfigureIsDue = false;
         mSinceConfigure.start();
         mToplevel->sendConfigure(mSize, mStates);
@@ -166,33 +166,23 @@ void ClientWindow::handleCaughtUp()
     Q_EMIT caughtUp();
 }
 
-void ClientWindow::handleContentChanged()
+void ClientWindow::handleStateRequest()
 {
-    const QWaylandSurface* const surface = mSurface == nullptr ? nullptr : mSurface->surface();
-    if (surface != nullptr && surface->hasContent()) {
+    mConfigureIsDue = true;
+    Q_EMIT configureRequested();
+}
+
+void ClientWindow::handleMappedChanged()
+{
+    if (mXdgSurface->isMapped()) {
         map();
     } else {
         unmap();
     }
 }
 
-void ClientWindow::handleCommit()
-{
-    if (isMapped()) {
-        mViews.setSize(mUuid, windowGeometry().size());
-    } else {
-        // The initial commit, without a buffer: the client waits for a configure event.
-        mIsCommitted = true;
-        mConfigureIsDue = true;
-        sendConfigure();
-    }
-}
-
 void ClientWindow::map()
 {
-    if (isMapped() || mToplevel == nullptr) {
-        return;
-    }
     mUuid = QUuid::createUuid().toString(QUuid::WithoutBraces);
 
     View view;

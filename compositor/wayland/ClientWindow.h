@@ -3,14 +3,14 @@
 #pragma once
 
 #include "wayland/ClientSurface.h"
+#include "wayland/XdgSurface.h"
+#include "wayland/XdgToplevel.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QRect>
 #include <QSize>
-#include <QWaylandXdgSurface>
-#include <QWaylandXdgToplevel>
 
 class ClientLiveness;
 class ViewList;
@@ -21,8 +21,7 @@ class ClientWindow : public QObject
     Q_OBJECT
 
 public:
-    ClientWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface, ClientLiveness* liveness,
-                 ViewList& views, QObject* parent);
+    ClientWindow(XdgToplevel* toplevel, ClientLiveness* liveness, ViewList& views, QObject* parent);
     ~ClientWindow() override;
 
     /// Empty while the window is not mapped.
@@ -39,21 +38,27 @@ public:
     {
         return mSurface;
     }
-    QWaylandXdgSurface* xdgSurface() const
+    const XdgSurface* xdgSurface() const
     {
         return mXdgSurface;
     }
     /// The process name of a client that sets none.
     QString appId() const;
-    QWaylandXdgToplevel* parentToplevel() const;
-    QWaylandXdgToplevel* toplevel() const
+    const XdgToplevel* parentToplevel() const;
+    const XdgToplevel* toplevel() const
     {
         return mToplevel;
     }
     /// The part of the surface without the client's shadows.
     QRect windowGeometry() const;
+    /// Whether the client has requested the state fullscreen.
+    bool wantsFullScreen() const;
+    /// Asks the client to close the window.
+    void close();
 
     bool isResponding() const;
+    /// See ClientLiveness::isBehind().
+    bool isBehind() const;
     /// See ClientLiveness::ping().
     void ping();
     /// See ClientLiveness::admitEvent().
@@ -65,8 +70,9 @@ public:
     /// it.
     bool isSettled() const;
 
-    /// Sends a configure event if the size or the states have changed. The event for a client that does not respond is
-    /// delayed until it does: events that it does not read would fill its connection.
+    /// Sends a configure event if the size or the states have changed. Nothing is sent before the client's initial
+    /// commit. The event for a client that does not respond is delayed until it does: events that it does not read
+    /// would fill its connection.
     void configure(const QSize& size, bool isFullScreen, bool isActivated);
 
 Q_SIGNALS:
@@ -77,24 +83,22 @@ Q_SIGNALS:
     void configureRequested();
 
 private:
-    void handleContentChanged();
-    void handleCommit();
+    void handleStateRequest();
+    void handleMappedChanged();
     void handleCaughtUp();
     void map();
     void unmap();
     void sendConfigure();
 
-    QPointer<QWaylandXdgToplevel> mToplevel;
-    QPointer<QWaylandXdgSurface> mXdgSurface;
+    QPointer<XdgToplevel> mToplevel;
+    QPointer<XdgSurface> mXdgSurface;
     QPointer<ClientSurface> mSurface;
     QPointer<ClientLiveness> mLiveness;
     ViewList& mViews;
     QString mUuid;
     QString mProcessName;
     QSize mSize;
-    QVector<QWaylandXdgToplevel::State> mStates;
-    bool mWantsFullScreen = false;
-    bool mIsCommitted = false;
+    QVector<uint32_t> mStates;
     bool mConfigureIsDue = false;
     QElapsedTimer mSinceConfigure;
 };

@@ -3,10 +3,10 @@
 #include "wayland/PopupPlacement.h"
 
 #include "wayland/ClientBounds.h"
-
-#include <QWaylandXdgPopup>
+#include "wayland/XdgPositioner.h"
 
 #include <algorithm>
+#include <xdg-shell-server-protocol.h>
 
 namespace {
 
@@ -43,7 +43,7 @@ int startOf(const Axis& axis, bool isFlipped)
 
     int start = axis.anchorStart + (anchorLow ? 0 : anchorHigh ? axis.anchorLength : axis.anchorLength / 2);
     start -= gravityLow ? axis.length : gravityHigh ? 0 : axis.length / 2;
-    return start + (isFlipped ? -axis.offset : axis.offset);
+    return start + axis.offset;
 }
 
 Span placeAlong(const Axis& axis)
@@ -57,7 +57,11 @@ Span placeAlong(const Axis& axis)
         start = startOf(axis, true);
     }
     if (!fits(start) && axis.maySlide) {
-        start = std::max(axis.lowBound, std::min(start, axis.highBound - axis.length));
+        // Of a popup larger than the bounds, the edge opposite to the gravity is visible.
+        const int lowest = axis.lowBound;
+        const int highest = axis.highBound - axis.length;
+        start =
+            axis.gravityLow ? std::min(std::max(start, lowest), highest) : std::max(std::min(start, highest), lowest);
     }
     int length = axis.length;
     if (!fits(start) && axis.mayResize) {
@@ -70,26 +74,22 @@ Span placeAlong(const Axis& axis)
 
 } // namespace
 
-QRect PopupPlacement::place(const QWaylandXdgPopup& popup, const QRect& bounds)
+QRect PopupPlacement::place(const PopupRules& rules, const QRect& bounds)
 {
-    const QRect anchor = ClientBounds::clamped(popup.anchorRect());
-    const QPoint offset = ClientBounds::clamped(popup.offset());
-    const QSize size = ClientBounds::clamped(popup.positionerSize());
-    const Qt::Edges anchors = popup.anchorEdges();
-    const Qt::Edges gravity = popup.gravityEdges();
-    const auto has = [](Qt::Edges edges, Qt::Edge edge) {
-        return edges.testFlag(edge);
+    const QRect& anchorRect = rules.anchorRect;
+    const auto may = [&rules](uint32_t adjustment) {
+        return (rules.adjustment & adjustment) != 0;
     };
-
     const Span x = placeAlong(
-        {anchor.x(), anchor.width(), has(anchors, Qt::LeftEdge), has(anchors, Qt::RightEdge),
-         has(gravity, Qt::LeftEdge), has(gravity, Qt::RightEdge), offset.x(), size.width(), bounds.x(),
-         bounds.x() + bounds.width(), popup.flipConstraints().testFlag(Qt::Horizontal),
-         popup.slideConstraints().testFlag(Qt::Horizontal), popup.resizeConstraints().testFlag(Qt::Horizontal)});
-    const Span y =
-        placeAlong({anchor.y(), anchor.height(), has(anchors, Qt::TopEdge), has(anchors, Qt::BottomEdge),
-                    has(gravity, Qt::TopEdge), has(gravity, Qt::BottomEdge), offset.y(), size.height(), bounds.y(),
-                    bounds.y() + bounds.height(), popup.flipConstraints().testFlag(Qt::Vertical),
-                    popup.slideConstraints().testFlag(Qt::Vertical), popup.resizeConstraints().testFlag(Qt::Vertical)});
+        {anchorRect.x(), anchorRect.width(), rules.anchor.testFlag(Qt::LeftEdge), rules.anchor.testFlag(Qt::RightEdge),
+         rules.gravity.testFlag(Qt::LeftEdge), rules.gravity.testFlag(Qt::RightEdge), rules.offset.x(),
+         rules.size.width(), bounds.x(), bounds.x() + bounds.width(), may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_FLIP_X),
+         may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_SLIDE_X), may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_RESIZE_X)});
+    const Span y = placeAlong(
+        {anchorRect.y(), anchorRect.height(), rules.anchor.testFlag(Qt::TopEdge), rules.anchor.testFlag(Qt::BottomEdge),
+         rules.gravity.testFlag(Qt::TopEdge), rules.gravity.testFlag(Qt::BottomEdge), rules.offset.y(),
+         rules.size.height(), bounds.y(), bounds.y() + bounds.height(),
+         may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_FLIP_Y), may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_SLIDE_Y),
+         may(XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_RESIZE_Y)});
     return ClientBounds::clamped(QRect(x.start, y.start, x.length, y.length));
 }

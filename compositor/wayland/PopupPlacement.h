@@ -4,7 +4,7 @@
 
 #include <QRect>
 
-class QWaylandXdgPopup;
+struct PopupRules;
 
 /// Places a popup by the rules of its xdg_positioner.
 class PopupPlacement
@@ -12,5 +12,5 @@ class PopupPlacement
 public:
     /// Returns the popup's rectangle. If it does not fit into `bounds` it is flipped, slid or resized as its
     /// constraint_adjustment allows. Both are relative to the parent's window geometry.
-    static QRect place(const QWaylandXdgPopup& popup, const QRect& bounds);
+    static QRect place(const PopupRules& rules, const QRect& bounds);
 };

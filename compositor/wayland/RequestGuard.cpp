@@ -6,10 +6,6 @@
 #include "wayland/Subsurface.h"
 
 #include <QWaylandCompositor>
-#include <QWaylandSurface>
-#include <QWaylandXdgPopup>
-#include <QWaylandXdgShell>
-#include <QWaylandXdgToplevel>
 
 #include <cstring>
 #include <unistd.h>
@@ -19,11 +15,6 @@ namespace {
 /// Far more objects than an application has at a time, and few enough for the memory.
 constexpr quint32 cMostObjects = 10000;
 constexpr qint64 cMostPixels = qint64(Limits::cLargestEdge) * Limits::cLargestEdge;
-
-// Of the protocol xdg-shell.
-constexpr quint32 cShellErrorRole = 0;
-constexpr quint32 cShellErrorDefunctSurfaces = 1;
-constexpr quint32 cXdgSurfaceErrorInvalidSize = 5;
 
 /// Whether `type` is an argument in a message's signature, which also has versions and marks of nullability.
 bool isArgument(char type)
@@ -103,37 +94,17 @@ struct RequestGuard::Rule
 const RequestGuard::Rule RequestGuard::cRules[] = {
     {"wl_surface", "set_buffer_scale", &RequestGuard::checkScale},
     {"wl_surface", "set_buffer_transform", &RequestGuard::checkTransform},
-    {"wl_surface", "destroy", &RequestGuard::checkSurfaceDestruction},
     {"wl_shm_pool", "create_buffer", &RequestGuard::checkBuffer},
     {"wl_pointer", "set_cursor", &RequestGuard::checkCursor},
     {"wl_subcompositor", "get_subsurface", &RequestGuard::createSubsurface},
-    {"xdg_wm_base", "get_xdg_surface", &RequestGuard::checkXdgSurface},
-    {"xdg_surface", "destroy", &RequestGuard::checkXdgSurfaceDestruction},
-    {"xdg_surface", "ack_configure", &RequestGuard::checkXdgSurfaceState},
-    {"xdg_surface", "set_window_geometry", &RequestGuard::checkWindowGeometry},
-    {"xdg_surface", "get_popup", &RequestGuard::notePopup},
-    {"xdg_popup", "destroy", &RequestGuard::destroyObject},
     {"wl_seat", "release", &RequestGuard::destroyObject},
     {"wl_output", "release", &RequestGuard::destroyObject},
     {"zwp_idle_inhibit_manager_v1", "destroy", &RequestGuard::destroyObject},
 };
 
-RequestGuard::RequestGuard(QWaylandCompositor& compositor, QWaylandXdgShell& shell)
+RequestGuard::RequestGuard(QWaylandCompositor& compositor)
     : mCompositor(compositor)
 {
-    connect(&shell, &QWaylandXdgShell::toplevelCreated, this,
-            [this](QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface) {
-                mRoleObjects.insert(xdgSurface, toplevel);
-            });
-    connect(&shell, &QWaylandXdgShell::popupCreated, this,
-            [this](QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface) {
-                mRoleObjects.insert(xdgSurface, popup);
-            });
-    connect(&shell, &QWaylandXdgShell::xdgSurfaceCreated, this, [this](QWaylandXdgSurface* xdgSurface) {
-        connect(xdgSurface, &QObject::destroyed, this, [this, xdgSurface] {
-            mRoleObjects.remove(xdgSurface);
-        });
-    });
 }
 
 RequestGuard::~RequestGuard()
@@ -194,13 +165,6 @@ void RequestGuard::checkTransform(const Request& request)
     }
 }
 
-void RequestGuard::checkSurfaceDestruction(const Request& request)
-{
-    if (QWaylandXdgSurface::findIn(QWaylandSurface::fromResource(request.resource)) != nullptr) {
-        reject(request.resource, cShellErrorDefunctSurfaces, "the xdg_surface must be destroyed before its surface");
-    }
-}
-
 /// Limits the size of a wl_buffer: libwayland admits two gigabytes, and what is shown is copied.
 void RequestGuard::checkBuffer(const Request& request)
 {
@@ -214,46 +178,6 @@ void RequestGuard::checkCursor(const Request& request)
     if (mMaySetCursor && !mMaySetCursor(wl_resource_get_client(request.resource))) {
         drop(request.resource);
     }
-}
-
-void RequestGuard::checkXdgSurface(const Request& request)
-{
-    mShell = request.resource;
-    if (QWaylandXdgSurface::findIn(
-            QWaylandSurface::fromResource(reinterpret_cast<wl_resource*>(request.arguments[1].o)))
-        != nullptr) {
-        reject(request.resource, cShellErrorRole, "the surface has an xdg_surface already");
-    }
-}
-
-void RequestGuard::checkXdgSurfaceDestruction(const Request& request)
-{
-    if (!mRoleObjects.value(QWaylandXdgSurface::fromResource(request.resource)).isNull()) {
-        reject(request.resource, cShellErrorDefunctSurfaces,
-               "the window or popup must be destroyed before its xdg_surface");
-    }
-}
-
-/// An xdg_surface whose xdg_toplevel or xdg_popup has been destroyed is inert; Qt would use the destroyed object.
-void RequestGuard::checkXdgSurfaceState(const Request& request)
-{
-    const auto role = mRoleObjects.constFind(QWaylandXdgSurface::fromResource(request.resource));
-    if (role != mRoleObjects.cend() && role->isNull()) {
-        drop(request.resource);
-    }
-}
-
-void RequestGuard::checkWindowGeometry(const Request& request)
-{
-    if (request.arguments[2].i <= 0 || request.arguments[3].i <= 0) {
-        reject(request.resource, cXdgSurfaceErrorInvalidSize, "the size of a window geometry is positive");
-    }
-}
-
-void RequestGuard::notePopup(const Request& request)
-{
-    mPopupClient = wl_resource_get_client(request.resource);
-    mPopupId = request.arguments[0].n;
 }
 
 /// Destroys the object: Qt ignores this request and would keep the object until its client disconnects.

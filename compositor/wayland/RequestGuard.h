@@ -2,21 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <QHash>
-#include <QObject>
-#include <QPointer>
-#include <QWaylandXdgSurface>
-
 #include <functional>
 #include <wayland-server.h>
 
 class QWaylandCompositor;
-class QWaylandXdgShell;
 
 /// Filters the clients' requests before Qt handles them. Qt 5 relies on clients to destroy their objects in the order
-/// of the protocol: a request to an object whose surface, window or popup is gone reads freed memory. The guard rejects
-/// such a request with the protocol's error, which disconnects the client, or drops it where the protocol leaves an
-/// inert object behind.
+/// of the protocol and to stay within its ranges. The guard rejects a request that does not with the protocol's error,
+/// which disconnects the client, drops it, or handles it itself where Qt does not.
 ///
 /// How it works: libwayland has no filter for requests, but it has protocol loggers. In its dispatch loop
 /// (wl_client_connection_data() in wayland-server.c) it unmarshals a request, looks up its objects, calls the loggers,
@@ -34,15 +27,15 @@ class QWaylandXdgShell;
 /// - The fields `object`, `data` and `destroy` of wl_resource, which the guard reads to restore a resource, are part of
 ///   libwayland's stable ABI; accessors exist only for writing.
 /// The order of logger and dispatcher is not documented. CompositorHostileClientTest fails where it differs.
-class RequestGuard : public QObject
+class RequestGuard
 {
-    Q_OBJECT
-
 public:
     using ClientRule = std::function<bool(wl_client*)>;
 
-    RequestGuard(QWaylandCompositor& compositor, QWaylandXdgShell& shell);
-    ~RequestGuard() override;
+    explicit RequestGuard(QWaylandCompositor& compositor);
+    ~RequestGuard();
+    RequestGuard(const RequestGuard&) = delete;
+    RequestGuard& operator=(const RequestGuard&) = delete;
 
     /// Starts to filter; the compositor must have been created.
     void start();
@@ -50,16 +43,6 @@ public:
     void setCursorRule(const ClientRule& rule)
     {
         mMaySetCursor = rule;
-    }
-    /// Returns the xdg_popup that the current request has created, while QWaylandXdgShell emits popupCreated(), and the
-    /// xdg_wm_base of the current request, while it emits xdgSurfaceCreated(). Qt has no accessors for them.
-    wl_resource* newPopup() const
-    {
-        return wl_client_get_object(mPopupClient, mPopupId);
-    }
-    wl_resource* shell() const
-    {
-        return mShell;
     }
 
 private:
@@ -72,12 +55,6 @@ private:
     void checkNewId(const Request& request);
     void checkScale(const Request& request);
     void checkTransform(const Request& request);
-    void checkSurfaceDestruction(const Request& request);
-    void checkXdgSurface(const Request& request);
-    void checkXdgSurfaceDestruction(const Request& request);
-    void checkXdgSurfaceState(const Request& request);
-    void checkWindowGeometry(const Request& request);
-    void notePopup(const Request& request);
     void createSubsurface(const Request& request);
     void destroyObject(const Request& request);
     void checkBuffer(const Request& request);
@@ -86,9 +63,4 @@ private:
     QWaylandCompositor& mCompositor;
     wl_protocol_logger* mLogger = nullptr;
     ClientRule mMaySetCursor;
-    wl_resource* mShell = nullptr;
-    wl_client* mPopupClient = nullptr;
-    quint32 mPopupId = 0;
-    /// The xdg_toplevel or xdg_popup of each xdg_surface that has been given one; null when it has been destroyed.
-    QHash<const QWaylandXdgSurface*, QPointer<QObject>> mRoleObjects;
 };

@@ -17,11 +17,6 @@ void destroyResource(wl_client*, wl_resource* resource)
     wl_resource_destroy(resource);
 }
 
-/// Ignores set_sync and set_desync: every commit takes effect at once.
-void ignoreMode(wl_client*, wl_resource*)
-{
-}
-
 QWaylandSurface* surfaceOf(const wl_argument& argument)
 {
     return QWaylandSurface::fromResource(reinterpret_cast<wl_resource*>(argument.o));
@@ -31,8 +26,8 @@ QWaylandSurface* surfaceOf(const wl_argument& argument)
 
 void Subsurface::handleGetSubsurface(wl_resource* subcompositor, const wl_argument* arguments)
 {
-    static const struct wl_subsurface_interface requests = {destroyResource, setPosition, placeAbove,
-                                                            placeBelow,      ignoreMode,  ignoreMode};
+    static const struct wl_subsurface_interface requests = {destroyResource, setPosition,   placeAbove,
+                                                            placeBelow,      setMode<true>, setMode<false>};
     static QWaylandSurfaceRole role("wl_subsurface");
 
     QWaylandSurface* const surface = surfaceOf(arguments[1]);
@@ -59,20 +54,29 @@ void Subsurface::handleGetSubsurface(wl_resource* subcompositor, const wl_argume
 }
 
 Subsurface::Subsurface(QWaylandSurface* surface)
-    : mSurface(surface)
+    : mSurface(qobject_cast<ServerSurface*>(surface))
 {
+    mSurface->setSynchronized(true);
 }
 
 Subsurface::~Subsurface()
 {
     if (ClientSurface* const surface = ClientSurface::of(mSurface)) {
         surface->leaveParent();
+        mSurface->setSynchronized(false);
     }
 }
 
 Subsurface* Subsurface::of(wl_resource* resource)
 {
     return static_cast<Subsurface*>(wl_resource_get_user_data(resource));
+}
+
+template <bool isSynchronized> void Subsurface::setMode(wl_client*, wl_resource* resource)
+{
+    if (ServerSurface* const surface = of(resource)->mSurface) {
+        surface->setSynchronized(isSynchronized);
+    }
 }
 
 void Subsurface::setPosition(wl_client*, wl_resource* resource, int32_t x, int32_t y)

@@ -2,8 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ServerSurface.h"
+
 #include <QPointer>
-#include <QWaylandSurface>
 
 #include <cstdint>
 
@@ -30,6 +31,7 @@ private:
     static void setPosition(wl_client* client, wl_resource* resource, int32_t x, int32_t y);
     static void placeAbove(wl_client* client, wl_resource* resource, wl_resource* sibling);
     static void placeBelow(wl_client* client, wl_resource* resource, wl_resource* sibling);
+    template <bool isSynchronized> static void setMode(wl_client* client, wl_resource* resource);
 
-    QPointer<QWaylandSurface> mSurface;
+    QPointer<ServerSurface> mSurface;
 };

@@ -6,6 +6,7 @@
 #include "wayland/BufferTransform.h"
 #include "wayland/ClientBounds.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/SharedMemoryImage.h"
 
 #include <QPainter>
 
@@ -70,7 +71,7 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
         const bool isPlain = mTransform == WL_OUTPUT_TRANSFORM_NORMAL && QSizeF(mSize) * scale == QSizeF(buffer.size());
         // The client may have truncated the file behind the memory: libwayland catches the SIGBUS between these calls.
         wl_shm_buffer_begin_access(memory);
-        copy(buffer.image(), isPlain ? damage : QRegion(), scale);
+        copy(SharedMemoryImage::of(memory), isPlain ? damage : QRegion(), scale);
         wl_shm_buffer_end_access(memory);
         if (!isPlain) {
             damage = QRect(QPoint(), mSize);
@@ -88,7 +89,7 @@ void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
     if (mImage.isNull() || mSize.isEmpty() || mSource.isEmpty()) {
         return;
     }
-    if (isPlain()) {
+    if (isUnscaled()) {
         painter->drawImage(position, mImage);
         return;
     }
@@ -110,10 +111,10 @@ void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
 
 QRect SurfacePixels::opaqueRect() const
 {
-    return isPlain() && mImage.format() == QImage::Format_RGB32 ? QRect(QPoint(), mSize) & mImage.rect() : QRect();
+    return isUnscaled() && mImage.format() == QImage::Format_RGB32 ? QRect(QPoint(), mSize) & mImage.rect() : QRect();
 }
 
-bool SurfacePixels::isPlain() const
+bool SurfacePixels::isUnscaled() const
 {
     return mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSource == QRectF(QPointF(), QSizeF(mSize));
 }

@@ -56,8 +56,8 @@ public:
     QRect opaqueRect() const;
 
 private:
-    /// Whether a pixel of the surface is one of the image.
-    bool isPlain() const;
+    /// Whether each pixel of the surface is one of the image.
+    bool isUnscaled() const;
     void setImage(const QImage& image);
     void copy(const QImage& source, const QRegion& damage, int scale);
 

@@ -4,6 +4,7 @@
 
 #include "state/Output.h"
 #include "state/ViewList.h"
+#include "wayland/ClientKeyboard.h"
 #include "wayland/ClientLiveness.h"
 #include "wayland/ClientPointer.h"
 #include "wayland/ClientPopup.h"
@@ -11,10 +12,17 @@
 #include "wayland/ClientTouch.h"
 #include "wayland/ClientWindow.h"
 #include "wayland/DataDevices.h"
+#include "wayland/Presentation.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
+#include "wayland/SharedMemoryImage.h"
 #include "wayland/TextInputs.h"
+#include "wayland/XdgDecoration.h"
 #include "wayland/XdgOutput.h"
+#include "wayland/XdgPopup.h"
+#include "wayland/XdgShell.h"
+#include "wayland/XdgSurface.h"
+#include "wayland/XdgToplevel.h"
 
 #include <QCoreApplication>
 #include <QWaylandOutputMode>
@@ -23,7 +31,6 @@
 
 #include <QtWaylandCompositor/private/qwaylandoutput_p.h>
 #include <QtWaylandCompositor/private/qwaylandseat_p.h>
-#include <QtWaylandCompositor/private/qwaylandxdgshell_p.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -89,8 +96,7 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     : mOutput(output)
     , mViews(views)
     , mWaylandOutput(this, &window)
-    , mShell(this)
-    , mGuard(*this, mShell)
+    , mGuard(*this)
     , mViewporter(this)
     , mIdleInhibitManager(this)
 {
@@ -98,9 +104,6 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     mWaylandOutput.setSizeFollowsWindow(false);
     mWaylandOutput.setManufacturer(QStringLiteral("Telvaro"));
     mWaylandOutput.setModel(QStringLiteral("Reference display"));
-    mShell.setFocusPolicy(QWaylandShell::ManualFocus);
-    mDecorations.setPreferredMode(QWaylandXdgToplevel::ServerSideDecoration);
-    mDecorations.setExtensionContainer(this);
 
     connect(this, &QWaylandCompositor::surfaceRequested, this, [this](QWaylandClient* client, uint id, int version) {
         new ServerSurface(this, client, id, version);
@@ -108,14 +111,6 @@ WaylandServer::WaylandServer(const Output& output, QWindow& window, ViewList& vi
     connect(this, &QWaylandCompositor::surfaceCreated, this, [this](QWaylandSurface* surface) {
         new ClientSurface(surface, recordOf(surface->client()).budget, this);
     });
-    connect(&mShell, &QWaylandXdgShell::xdgSurfaceCreated, this, [this](QWaylandXdgSurface* xdgSurface) {
-        mShellObjects.insert(xdgSurface, mGuard.shell());
-        connect(xdgSurface, &QObject::destroyed, this, [this, xdgSurface] {
-            mShellObjects.remove(xdgSurface);
-        });
-    });
-    connect(&mShell, &QWaylandXdgShell::toplevelCreated, this, &WaylandServer::addWindow);
-    connect(&mShell, &QWaylandXdgShell::popupCreated, this, &WaylandServer::addPopup);
     connect(&mOutput, &Output::geometryChanged, this, &WaylandServer::describeOutput);
 }
 
@@ -136,8 +131,8 @@ void WaylandServer::start(const QByteArray& socketName)
     mGuard.start();
     // Qt creates globals in Polish events; the first client must find all of them.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::Polish);
-    mDecorations.initialize();
     announceGlobals();
+    SharedMemoryImage::announceFormats(display());
     mXdgOutput = std::make_unique<XdgOutput>(display(), mOutput);
 }
 
@@ -183,6 +178,11 @@ QWaylandPointer* WaylandServer::createPointerDevice(QWaylandSeat* seat)
     return new ClientPointer(seat);
 }
 
+QWaylandKeyboard* WaylandServer::createKeyboardDevice(QWaylandSeat* seat)
+{
+    return new ClientKeyboard(seat);
+}
+
 ClientDrag& WaylandServer::drag()
 {
     return mDataDevices->drag();
@@ -204,32 +204,37 @@ void WaylandServer::announceGlobals()
     mGlobals->announce<QtWaylandServer::wl_compositor>(*QWaylandCompositorPrivate::get(this), 4);
     mGlobals->announce<QtWaylandServer::wl_seat, greetSeat>(*QWaylandSeatPrivate::get(defaultSeat()), 6);
     mGlobals->announce<QtWaylandServer::wl_output>(*QWaylandOutputPrivate::get(&mWaylandOutput), 3);
-    // Version 2 adds states that a compositor may send: tiled windows, which there are none of here.
-    mGlobals->announce<QtWaylandServer::xdg_wm_base>(*QWaylandXdgShellPrivate::get(&mShell), 2);
+    mShell = std::make_unique<XdgShell>(*mGlobals);
+    connect(mShell.get(), &XdgShell::toplevelCreated, this, &WaylandServer::addWindow);
+    connect(mShell.get(), &XdgShell::popupCreated, this, &WaylandServer::addPopup);
+    XdgDecoration::announce(*mGlobals);
+    Presentation::announce(*mGlobals);
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
     mTouch = std::make_unique<ClientTouch>(*defaultSeat());
     mTextInputs = std::make_unique<TextInputs>(*mGlobals, *defaultSeat());
 }
 
-void WaylandServer::addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface)
+void WaylandServer::addWindow(XdgToplevel* toplevel)
 {
-    ClientLiveness* const liveness = recordOf(xdgSurface->surface()->client()).liveness;
-    liveness->setShellObject(mShellObjects.value(xdgSurface));
-    Q_EMIT windowCreated(new ClientWindow(toplevel, xdgSurface, liveness, mViews, this));
-    mWaylandOutput.surfaceEnter(xdgSurface->surface());
+    ServerSurface* const surface = toplevel->xdgSurface()->surface();
+    ClientLiveness* const liveness = recordOf(surface->client()).liveness;
+    liveness->setShellObject(toplevel->xdgSurface()->shellObject());
+    Q_EMIT windowCreated(new ClientWindow(toplevel, liveness, mViews, this));
+    mWaylandOutput.surfaceEnter(surface);
 }
 
-void WaylandServer::addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface)
+void WaylandServer::addPopup(XdgPopup* popup)
 {
-    Q_EMIT popupCreated(new ClientPopup(popup, mGuard.newPopup(), xdgSurface, this));
-    mWaylandOutput.surfaceEnter(xdgSurface->surface());
+    ServerSurface* const surface = popup->xdgSurface()->surface();
+    Q_EMIT popupCreated(new ClientPopup(popup, this));
+    mWaylandOutput.surfaceEnter(surface);
 }
 
 const WaylandServer::ClientRecord& WaylandServer::recordOf(QWaylandClient* client)
 {
     auto record = mClients.find(client);
     if (record == mClients.end()) {
-        record = mClients.insert(client, {new ClientLiveness(&mShell, client, this), std::make_shared<PixelBudget>()});
+        record = mClients.insert(client, {new ClientLiveness(*mShell, client, this), std::make_shared<PixelBudget>()});
         connect(client, &QObject::destroyed, this, [this, client] {
             mClients.remove(client);
         });

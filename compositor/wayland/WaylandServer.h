@@ -11,8 +11,6 @@
 #include <QWaylandOutput>
 #include <QWaylandViewporter>
 
-#include <QWaylandXdgDecorationManagerV1>
-#include <QWaylandXdgShell>
 #include <memory>
 
 class ClientDrag;
@@ -27,6 +25,9 @@ class ServerGlobals;
 class TextInputs;
 class ViewList;
 class XdgOutput;
+class XdgPopup;
+class XdgShell;
+class XdgToplevel;
 
 /// The Wayland server: its globals, and the windows and popups that clients create.
 class WaylandServer : public QWaylandCompositor
@@ -59,6 +60,7 @@ Q_SIGNALS:
 protected:
     QWaylandSeat* createSeat() override;
     QWaylandPointer* createPointerDevice(QWaylandSeat* seat) override;
+    QWaylandKeyboard* createKeyboardDevice(QWaylandSeat* seat) override;
 
 private:
     struct ClientRecord
@@ -67,8 +69,8 @@ private:
         std::shared_ptr<PixelBudget> budget;
     };
 
-    void addWindow(QWaylandXdgToplevel* toplevel, QWaylandXdgSurface* xdgSurface);
-    void addPopup(QWaylandXdgPopup* popup, QWaylandXdgSurface* xdgSurface);
+    void addWindow(XdgToplevel* toplevel);
+    void addPopup(XdgPopup* popup);
     const ClientRecord& recordOf(QWaylandClient* client);
     void announceGlobals();
     void describeOutput();
@@ -78,17 +80,14 @@ private:
     const Output& mOutput;
     ViewList& mViews;
     QWaylandOutput mWaylandOutput;
-    QWaylandXdgShell mShell;
     RequestGuard mGuard;
-    QWaylandXdgDecorationManagerV1 mDecorations;
     QWaylandViewporter mViewporter;
     QWaylandIdleInhibitManagerV1 mIdleInhibitManager;
     std::unique_ptr<ServerGlobals> mGlobals;
+    std::unique_ptr<XdgShell> mShell;
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
     std::unique_ptr<TextInputs> mTextInputs;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
-    /// The xdg_wm_base of each xdg_surface.
-    QHash<const QWaylandXdgSurface*, wl_resource*> mShellObjects;
 };

@@ -2,10 +2,10 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ViewLogger.h"
 
-#include <TelvaroViewModel.h>
+#include <TelvaroDBusDefinitions.h>
 
+#include <QDBusConnection>
 #include <QDateTime>
-#include <QList>
 #include <QTextStream>
 
 namespace {
@@ -19,40 +19,43 @@ void logLine(const QString& event, const TelvaroTaskSwitcherDBusConnector::TaskS
 
 } // namespace
 
+// The connectors survive a restart of the service, but do not report it: QDBusServiceWatcher does. The library uses the
+// session bus unless it was built for the system bus.
 ViewLogger::ViewLogger(const QString& awakeAppId, QObject* parent)
     : QObject(parent)
+    , mServiceWatcher(TelvaroDBusDefinitions::getServiceName(), QDBusConnection::sessionBus(),
+                      QDBusServiceWatcher::WatchForOwnerChange)
     , mAwakeAppId(awakeAppId)
 {
-    // No value is lost or stale if the service starts later or is restarted: the status and the values change then.
-    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::statusChanged, this, &ViewLogger::update);
-    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::viewsChanged, this, &ViewLogger::update);
-    connect(&mTaskSwitcher, &TelvaroTaskSwitcher::currentViewChanged, this, &ViewLogger::update);
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::viewsChanged, this, &ViewLogger::update);
+    connect(&mTaskSwitcher, &TelvaroTaskSwitcherDBusConnector::currentViewChanged, this, &ViewLogger::update);
+    connect(&mServiceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &ViewLogger::update);
+    update();
 }
 
 ViewLogger::~ViewLogger()
 {
-    if (mAwake) {
-        // A process that exits at once may exit before the request is sent.
-        constexpr int cPatience = 1000;
-        mScreen.setTimeout(cPatience);
-        mScreen.setScreenSaverEnabled(true).waitForFinished();
-    }
+    setAwake(false);
 }
 
 void ViewLogger::update()
 {
-    logDifferences(mTaskSwitcher.getViews()->getViews());
+    // Without the service there are no views. getViews() would return none as well, but log a warning for every read.
+    QList<View> views;
+    if (mTaskSwitcher.isInterfaceValid()) {
+        views = mTaskSwitcher.getViews();
+    }
+    logDifferences(views);
 
-    const View current = mTaskSwitcher.getViews()->getView(mTaskSwitcher.getCurrentView());
+    View current;
+    if (!views.isEmpty()) {
+        current = mTaskSwitcher.getCurrentView();
+    }
     if (current.uuid != mCurrentUuid && !current.uuid.isEmpty()) {
         logLine(QStringLiteral("current"), current);
     }
     mCurrentUuid = current.uuid;
-    const bool awake = !mAwakeAppId.isEmpty() && current.appId == mAwakeAppId;
-    if (awake != mAwake) {
-        mAwake = awake;
-        mScreen.setScreenSaverEnabled(!awake);
-    }
+    setAwake(!mAwakeAppId.isEmpty() && current.appId == mAwakeAppId);
 }
 
 void ViewLogger::logDifferences(const QList<View>& views)
@@ -67,5 +70,18 @@ void ViewLogger::logDifferences(const QList<View>& views)
     for (const View& view : qAsConst(gone)) {
         logLine(QStringLiteral("left"), view);
         mViews.remove(view.uuid);
+    }
+}
+
+void ViewLogger::setAwake(bool awake)
+{
+    if (awake == mAwake) {
+        return;
+    }
+    mAwake = awake;
+    if (awake) {
+        mScreen.disableScreenSaver();
+    } else {
+        mScreen.enableScreenSaver();
     }
 }

@@ -2,10 +2,10 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include <TelvaroScreen.h>
-#include <TelvaroTaskSwitcher.h>
+#include <TelvaroScreenDBusConnector.h>
 #include <TelvaroTaskSwitcherDBusConnector.h>
 
+#include <QDBusServiceWatcher>
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -27,9 +27,13 @@ private:
 
     void update();
     void logDifferences(const QList<View>& views);
+    void setAwake(bool awake);
 
-    TelvaroTaskSwitcher mTaskSwitcher;
-    TelvaroScreen mScreen;
+    // Created before the connectors: the slots of a watcher that is created later can run before the connectors know
+    // the new owner of the service's name.
+    QDBusServiceWatcher mServiceWatcher;
+    TelvaroTaskSwitcherDBusConnector mTaskSwitcher;
+    TelvaroScreenDBusConnector mScreen;
     QString mAwakeAppId;
     QHash<QString, View> mViews;
     QString mCurrentUuid;

@@ -266,6 +266,7 @@ void ClientTouchTest::aSurfaceEndsUnderAFinger()
                               .number(client.surface));
         client.wire->attach(part, client.wire->createBuffer(QSize(50, 50)));
         client.wire->commit(part);
+        client.wire->commit(client.surface);
         client.wire->synchronise();
     });
     client.window->surface()->update();

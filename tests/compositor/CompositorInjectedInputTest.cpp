@@ -61,6 +61,8 @@ private Q_SLOTS:
     void aPointerThatMovesPressesNothing();
     void textIsTyped_data();
     void textIsTyped();
+    void aLongTextIsTypedToItsEnd();
+    void aHungClientDoesNotHoldUpTheInput();
     void textThatTheLayoutLacksIsRefused();
     void keysArePressedAndReleased();
     void aHeldKeyIsReleasedLater();
@@ -115,7 +117,7 @@ std::unique_ptr<WireClient> CompositorInjectedInputTest::openWire(quint16 reques
     *device = client->newId();
     client->send(WireMessage(seat, request).number(*device));
     const WireClient::Window window = client->createWindow();
-    client->commit(window.surface);
+    client->configure(window.surface, window.xdgSurface);
     client->attach(window.surface, client->createBuffer(cWorkArea));
     client->damage(window.surface, QRect(QPoint(), cWorkArea));
     client->commit(window.surface);
@@ -264,6 +266,33 @@ void CompositorInjectedInputTest::textIsTyped()
         typed += event.startsWith(press) ? event.mid(press.size()) : QByteArray();
     }
     QCOMPARE(QString::fromUtf8(typed), text + QLatin1Char('\r'));
+}
+
+void CompositorInjectedInputTest::aLongTextIsTypedToItsEnd()
+{
+    const auto client = openWindow();
+    // More keys than may be sent to a client that has read none, and less output than a pipe holds.
+    const QByteArray text = QByteArray("aB").repeated(200);
+    const QByteArray step = "{\"type\": \"" + text + "\\n\"}";
+    QCOMPARE(refusal(step), QString());
+    int count = 0;
+    const QList<QByteArray> events = client->takeEventsUntil("keyrelease 1 \r");
+    for (const QByteArray& event : events) {
+        count += event == "keypress 1 a" || event == "keypress 1 B" ? 1 : 0;
+    }
+    QCOMPARE(count, text.size());
+}
+
+void CompositorInjectedInputTest::aHungClientDoesNotHoldUpTheInput()
+{
+    const auto client = openWindow();
+    client->freeze();
+    const QByteArray step = "{\"type\": \"" + QByteArray("x").repeated(300) + "\"}";
+    QCOMPARE(refusal(step), QString());
+    QCOMPARE(CompositorBus::viewWithTitle(QStringLiteral("Window")).attributes.value(QStringLiteral("responding")),
+             QVariant(false));
+    client->thaw();
+    client->waitFor("keypress 1 x");
 }
 
 void CompositorInjectedInputTest::textThatTheLayoutLacksIsRefused()

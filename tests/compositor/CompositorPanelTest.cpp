@@ -59,8 +59,7 @@ WireClient::Window CompositorPanelTest::open(WireClient& client, const QByteArra
 {
     const WireClient::Window window = client.createWindow();
     client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_APP_ID).text(appId));
-    client.commit(window.surface);
-    client.synchronise();
+    client.configure(window.surface, window.xdgSurface);
     client.attach(window.surface, client.createBuffer(size));
     client.damage(window.surface, QRect(QPoint(), size));
     client.commit(window.surface);
@@ -205,8 +204,7 @@ void CompositorPanelTest::thePanelOpensMenusAboveTheViews()
     const quint32 surface = client->createSurface();
     const quint32 xdgSurface = client->createXdgSurface(surface);
     client->createPopup(xdgSurface, bar.xdgSurface, client->createPositioner(QSize(80, 60)));
-    client->commit(surface);
-    client->synchronise();
+    client->configure(surface, xdgSurface);
     client->attach(surface, client->createBuffer(QSize(80, 60)));
     client->damage(surface, QRect(0, 0, 80, 60));
     client->commit(surface);

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void pointerEventsComeInFrames();
     void anOldPointerGetsNoFrames();
     void theWheelTellsItsSourceAndSteps();
+    void everyKeyboardOfAClientGetsTheKeys();
     void thePingGoesToTheShellOfTheWindow();
     void aWindowHasItsSizeAndStatesBeforeItIsMapped();
     void fullScreenIsGranted();
@@ -169,7 +170,9 @@ void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion_data()
     QTest::newRow("wl_compositor") << 4U;
     QTest::newRow("wl_seat") << 6U;
     QTest::newRow("wl_output") << 3U;
-    QTest::newRow("xdg_wm_base") << 2U;
+    QTest::newRow("xdg_wm_base") << 3U;
+    QTest::newRow("zxdg_decoration_manager_v1") << 1U;
+    QTest::newRow("wp_presentation") << 1U;
 }
 
 void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion()
@@ -214,7 +217,7 @@ void CompositorProtocolsTest::damageInTheBufferIsShown()
     const auto client = connectClient();
     client->bind("wl_compositor", 4);
     const WireClient::Window window = client->createWindow();
-    client->commit(window.surface);
+    client->configure(window.surface, window.xdgSurface);
     const quint32 buffer = client->createBuffer(QSize(400, 200));
     client->send(WireMessage(window.surface, WL_SURFACE_SET_BUFFER_SCALE).number(scale));
     client->attach(window.surface, buffer);
@@ -280,7 +283,7 @@ void openTransformed(WireClient& client, qint32 transform, const QSize& viewport
 {
     client.bind("wl_compositor", 4);
     const WireClient::Window window = client.createWindow();
-    client.commit(window.surface);
+    client.configure(window.surface, window.xdgSurface);
     const quint32 buffer = client.createBuffer(QSize(cWidth, cHeight));
     QImage image(cWidth, cHeight, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < cHeight; ++y) {
@@ -419,6 +422,69 @@ void CompositorProtocolsTest::theWheelTellsItsSourceAndSteps()
     QCOMPARE(client->events(pointer, cPointerAxisSource).at(0).number(0), quint32(WL_POINTER_AXIS_SOURCE_WHEEL));
 }
 
+void CompositorProtocolsTest::everyKeyboardOfAClientGetsTheKeys()
+{
+    constexpr quint16 keymapEvent = 0;
+    constexpr quint16 enterEvent = 1;
+    constexpr quint16 leaveEvent = 2;
+    constexpr quint16 keyEvent = 3;
+    constexpr quint16 modifiersEvent = 4;
+    const auto client = connectClient();
+    const auto createKeyboard = [&](quint32 seat) {
+        const quint32 keyboard = client->newId();
+        client->send(WireMessage(seat, WL_SEAT_GET_KEYBOARD).number(keyboard));
+        return keyboard;
+    };
+    const quint32 seat = client->bind("wl_seat", 5);
+    const quint32 ended = createKeyboard(seat);
+    QVector<quint32> keyboards = {createKeyboard(seat), createKeyboard(seat),
+                                  createKeyboard(client->bind("wl_seat", 4))};
+    const WireClient::Window window = client->openWindow("Window");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    // One that is created while the client has the focus, and one that ends.
+    keyboards.append(createKeyboard(seat));
+    client->send(WireMessage(ended, WL_KEYBOARD_RELEASE));
+    const auto count = [&](quint32 keyboard, quint16 event) {
+        client->synchronise();
+        return client->events(keyboard, event).size();
+    };
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, enterEvent), 1);
+        QCOMPARE(client->events(keyboard, enterEvent).first().number(1), window.surface);
+        QCOMPARE(count(keyboard, keymapEvent), 1);
+    }
+
+    mDesktop->keyDown(QStringLiteral("Shift_L"));
+    mDesktop->key(QStringLiteral("a"));
+    mDesktop->keyUp(QStringLiteral("Shift_L"));
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, keyEvent), 4);
+        QVector<quint32> pressed;
+        QVector<quint32> released;
+        for (const WireClient::Event& event : client->events(keyboard, keyEvent)) {
+            (event.number(3) == 1 ? pressed : released).append(event.number(2));
+        }
+        constexpr quint32 shift = 42;
+        constexpr quint32 a = 30;
+        QCOMPARE(pressed, QVector<quint32>({shift, a}));
+        QCOMPARE(released, QVector<quint32>({a, shift}));
+        // After the focus, with Shift held, and without it.
+        TRY_COMPARE(count(keyboard, modifiersEvent), 3);
+        const auto modifiers = client->events(keyboard, modifiersEvent);
+        QCOMPARE(modifiers.at(0).number(1), 0U);
+        QCOMPARE(modifiers.at(1).number(1), 1U);
+        QCOMPARE(modifiers.at(2).number(1), 0U);
+        // Shift is held before the letter is pressed.
+        const QVector<quint16> opcodes = opcodesOf(*client, keyboard);
+        QVERIFY(opcodes.indexOf(modifiersEvent, opcodes.indexOf(keyEvent)) == opcodes.indexOf(keyEvent) + 1);
+    }
+    client->openWindow("Other");
+    for (const quint32 keyboard : qAsConst(keyboards)) {
+        TRY_COMPARE(count(keyboard, leaveEvent), 1);
+        TRY_COMPARE(count(keyboard, enterEvent), 2);
+    }
+}
+
 void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
 {
     expectComplaints(1);
@@ -430,7 +496,7 @@ void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
     const quint32 xdgSurface = client->newId();
     client->send(WireMessage(used, XDG_WM_BASE_GET_XDG_SURFACE).number(xdgSurface).number(surface));
     client->createToplevel(xdgSurface);
-    client->commit(surface);
+    client->configure(surface, xdgSurface);
     client->attach(surface, client->createBuffer(QSize(300, 200)));
     client->commit(surface);
     const auto isPinged = [&] {
@@ -452,21 +518,21 @@ void CompositorProtocolsTest::aWindowHasItsSizeAndStatesBeforeItIsMapped()
     const WireClient::Window window = client->createWindow();
     client->commit(window.surface);
     QVERIFY2(client->synchronise(), client->errorText());
-    // The first one is Qt's own, which leaves everything to the client.
     const auto configures = client->events(window.toplevel, cToplevelConfigure);
-    QCOMPARE(configures.size(), 2);
-    QCOMPARE(QSize(static_cast<int>(configures.at(1).number(0)), static_cast<int>(configures.at(1).number(1))),
+    QCOMPARE(configures.size(), 1);
+    QCOMPARE(QSize(static_cast<int>(configures.at(0).number(0)), static_cast<int>(configures.at(0).number(1))),
              QSize(1024, 566));
-    QCOMPARE(statesOf(configures.at(1)),
+    QCOMPARE(statesOf(configures.at(0)),
              QVector<quint32>({XDG_TOPLEVEL_STATE_MAXIMIZED, XDG_TOPLEVEL_STATE_ACTIVATED}));
 
+    client->acknowledge(window.xdgSurface);
     client->attach(window.surface, client->createBuffer(QSize(1024, 566)));
     client->commit(window.surface);
     QVERIFY2(client->synchronise(), client->errorText());
     TRY_COMPARE(CompositorBus::views().size(), 1);
     screenShot();
     QVERIFY(client->synchronise());
-    QCOMPARE(client->events(window.toplevel, cToplevelConfigure).size(), 2);
+    QCOMPARE(client->events(window.toplevel, cToplevelConfigure).size(), 1);
 }
 
 void CompositorProtocolsTest::fullScreenIsGranted()
@@ -595,6 +661,20 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
         client.openWindow("Shell-less");
         client.send(WireMessage(shell, XDG_WM_BASE_DESTROY));
         client.openWindow("Other");
+    });
+    row("more keyboards than there are fingers", cNoError, [](WireClient& client) {
+        const quint32 seat = client.bind("wl_seat", 5);
+        for (int i = 0; i < 3000; ++i) {
+            const quint32 keyboard = client.newId();
+            client.send(WireMessage(seat, WL_SEAT_GET_KEYBOARD).number(keyboard));
+            if (i % 50 == 0) {
+                client.synchronise();
+            }
+            if (i % 2 == 0) {
+                client.send(WireMessage(keyboard, WL_KEYBOARD_RELEASE));
+            }
+        }
+        client.openWindow("Keys");
     });
     row("a version that is not there", cAnyError, [](WireClient& client) {
         client.bind("wl_compositor", 5);

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void aPersonClosesTheKeyboard();
     void openedByHandItTypesKeys();
     void aClientThatLeavesTakesTheKeyboardWithIt();
+    void aTapIntoAFieldOfQtTypesThere();
 
 private:
     struct Field
@@ -455,6 +456,27 @@ void CompositorTextInputTest::aClientThatLeavesTakesTheKeyboardWithIt()
     TRY_COMPARE(height(field), cBesideKeyboard);
     field.client->disconnect();
     TRY_COMPARE(height(other), cWhole);
+}
+
+void CompositorTextInputTest::aTapIntoAFieldOfQtTypesThere()
+{
+    const auto client = testClient();
+    client->send("open a Window");
+    client->waitFor("size 1 1024x566");
+    client->send("field 1");
+    client->waitFor("field 1");
+    screenShot();
+    tap({300, 34 + 140});
+    client->waitFor("size 1 1024x326");
+    tap(cH);
+    client->waitFor("text 1 h");
+    tap(cShift);
+    tap(cQ);
+    client->waitFor("text 1 hQ");
+    tap(cBackspace);
+    client->waitFor("text 1 h");
+    tap(cClose);
+    client->waitFor("size 1 1024x566");
 }
 
 TELVARO_TEST_MAIN(CompositorTextInputTest)

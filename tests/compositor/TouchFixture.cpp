@@ -35,8 +35,7 @@ std::unique_ptr<WireClient> TouchFixture::wireClient() const
 WireClient::Window TouchFixture::openWindow(WireClient& client, const QByteArray& title)
 {
     const WireClient::Window window = client.createWindow();
-    client.commit(window.surface);
-    client.synchronise();
+    client.configure(window.surface, window.xdgSurface);
     client.attach(window.surface, client.createBuffer(cOutput - QSize(0, cStatusBar)));
     client.damage(window.surface, QRect(QPoint(), cOutput));
     client.send(WireMessage(window.toplevel, 2).text(title));

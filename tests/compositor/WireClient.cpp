@@ -268,9 +268,24 @@ void WireClient::commit(quint32 surface)
     send(WireMessage(surface, WL_SURFACE_COMMIT));
 }
 
-void WireClient::show(quint32 surface, quint32 buffer)
+void WireClient::acknowledge(quint32 xdgSurface)
+{
+    const QVector<Event> configures = events(xdgSurface, 0);
+    if (!configures.isEmpty()) {
+        send(WireMessage(xdgSurface, XDG_SURFACE_ACK_CONFIGURE).number(configures.last().number(0)));
+    }
+}
+
+void WireClient::configure(quint32 surface, quint32 xdgSurface)
 {
     commit(surface);
+    synchronise();
+    acknowledge(xdgSurface);
+}
+
+void WireClient::show(quint32 surface, quint32 buffer)
+{
+    configure(surface, mXdgSurfaces.value(surface));
     attach(surface, buffer);
     commit(surface);
 }
@@ -288,6 +303,7 @@ quint32 WireClient::createXdgSurface(quint32 surface)
     const quint32 shell = global("xdg_wm_base");
     const quint32 id = newId();
     send(WireMessage(shell, XDG_WM_BASE_GET_XDG_SURFACE).number(id).number(surface));
+    mXdgSurfaces.insert(surface, id);
     return id;
 }
 
@@ -367,7 +383,7 @@ WireClient::Window WireClient::openWindow(const QByteArray& title)
 {
     const Window window = createWindow();
     send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_TITLE).text(title));
-    commit(window.surface);
+    configure(window.surface, window.xdgSurface);
     attach(window.surface, createBuffer(QSize(300, 200)));
     damage(window.surface, QRect(0, 0, 300, 200));
     commit(window.surface);

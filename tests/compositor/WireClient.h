@@ -62,7 +62,11 @@ public:
     void attach(quint32 surface, quint32 buffer);
     void damage(quint32 surface, const QRect& rect);
     void commit(quint32 surface);
-    /// Commits without a buffer, as a role requires first, and then with it.
+    /// Acknowledges the last configure event, if there is one.
+    void acknowledge(quint32 xdgSurface);
+    /// Makes the initial commit, and acknowledges the configure event that follows.
+    void configure(quint32 surface, quint32 xdgSurface);
+    /// Shows the buffer on a surface with an xdg_surface, after configure().
     void show(quint32 surface, quint32 buffer);
     quint32 createSubsurface(quint32 surface, quint32 parent);
     quint32 createXdgSurface(quint32 surface);
@@ -106,6 +110,8 @@ private:
     QVector<Event> mEvents;
     QMap<QByteArray, quint32> mGlobals;
     QMap<QByteArray, quint32> mBound;
+    /// The xdg_surface of each surface.
+    QMap<quint32, quint32> mXdgSurfaces;
     bool mIsConnected = true;
     int mErrorCode = -1;
     QByteArray mErrorText;

@@ -262,6 +262,7 @@ void SessionTest::helpAndVersion()
     const Result help = session({QStringLiteral("--help")});
     QCOMPARE(help.status, 0);
     QVERIFY(help.output.startsWith(QLatin1String("Usage: telvaro-session ")));
+    QVERIFY(help.output.contains(QLatin1String("SCRIPTS in telvaro-compositor(1)")));
     QCOMPARE(help.errors, QString());
     const Result version = session({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);

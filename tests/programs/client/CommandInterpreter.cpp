@@ -67,6 +67,8 @@ void CommandInterpreter::run(const QString& line)
         window->openMenu();
     } else if (command == QLatin1String("combobox")) {
         window->openComboBox();
+    } else if (command == QLatin1String("field")) {
+        window->addTextField();
     } else if (command == QLatin1String("dialog")) {
         window->openDialog(rest);
     }

@@ -155,8 +155,6 @@ bool ProtocolClient::runCommand(const std::string& line)
         mWindows[number]->setAppId(rest);
     } else if (command == "title") {
         mWindows[number]->setTitle(rest);
-    } else if (command == "parent") {
-        mWindows[number]->setParent(*mWindows.at(count));
     } else if (command == "map") {
         mWindows[number]->map();
     } else if (command == "unmap") {

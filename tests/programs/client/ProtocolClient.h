@@ -12,7 +12,7 @@
 ///
 /// - open APPID TITLE...: a window; with "-" for APPID it has no application id
 /// - create: an unmapped window without a title
-/// - appid NUMBER APPID, title NUMBER TITLE..., parent NUMBER NUMBER
+/// - appid NUMBER APPID, title NUMBER TITLE...
 /// - map NUMBER, unmap NUMBER, destroy NUMBER
 /// - commit NUMBER COUNT: commits new contents COUNT times
 /// - titles NUMBER COUNT: sets a new title COUNT times

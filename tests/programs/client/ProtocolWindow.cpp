@@ -49,11 +49,6 @@ void ProtocolWindow::setTitle(const std::string& title)
     xdg_toplevel_set_title(mToplevel, title.c_str());
 }
 
-void ProtocolWindow::setParent(ProtocolWindow& parent)
-{
-    xdg_toplevel_set_parent(mToplevel, parent.mToplevel);
-}
-
 void ProtocolWindow::map()
 {
     mWantsMapping = true;

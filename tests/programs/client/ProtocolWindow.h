@@ -22,7 +22,6 @@ public:
 
     void setAppId(const std::string& appId);
     void setTitle(const std::string& title);
-    void setParent(ProtocolWindow& parent);
     /// Commits without a buffer and, once configured, with one.
     void map();
     void unmap();

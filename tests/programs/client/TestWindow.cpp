@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -54,6 +55,17 @@ void TestWindow::openMenu()
 void TestWindow::openComboBox()
 {
     mComboBox->showPopup();
+}
+
+void TestWindow::addTextField()
+{
+    auto* const field = new QLineEdit(this);
+    field->setGeometry(20, 120, 600, 40);
+    field->show();
+    connect(field, &QLineEdit::textChanged, this, [this](const QString& text) {
+        print("text", text);
+    });
+    print("field");
 }
 
 void TestWindow::openDialog(const QString& title)

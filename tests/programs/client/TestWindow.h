@@ -16,6 +16,8 @@ public:
 
     void openMenu();
     void openComboBox();
+    /// A text field, 600 wide and 40 high, with its top left corner at 20,120.
+    void addTextField();
     void openDialog(const QString& title);
 
 protected:
