@@ -26,6 +26,28 @@ QString syntaxOf(const QCommandLineOption& option)
     return option.valueName().isEmpty() ? syntax : syntax + QLatin1Char(' ') + option.valueName();
 }
 
+/// Breaks the lines of a text that starts in column `indent`, so that they fit into a terminal of 80 columns.
+QString wrapped(const QString& text, int indent = 0)
+{
+    constexpr int terminalWidth = 80;
+    QStringList lines;
+    const QStringList paragraphs = text.split(QLatin1Char('\n'));
+    for (const QString& paragraph : paragraphs) {
+        QStringList words = paragraph.split(QLatin1Char(' '));
+        QString line = words.takeFirst();
+        for (const QString& word : qAsConst(words)) {
+            if (indent + line.size() + 1 + word.size() > terminalWidth) {
+                lines.append(line);
+                line = word;
+            } else {
+                line += QLatin1Char(' ') + word;
+            }
+        }
+        lines.append(line);
+    }
+    return lines.join(QLatin1Char('\n') + QString(indent, QLatin1Char(' ')));
+}
+
 } // namespace
 
 CommandLine::CommandLine(Kind kind, const Text& text, const QList<QCommandLineOption>& options)
@@ -89,14 +111,17 @@ QString CommandLine::helpText() const
         const int size = syntaxOf(option).size();
         width = std::max(width, size > longest ? 0 : size);
     }
-    QString text =
-        QStringLiteral("Usage: %1 %2\n\n%3\n\nOptions:\n").arg(mText.command, mText.synopsis, mText.description);
-    const QString nextLine = QLatin1Char('\n') + QString(width + 4, QLatin1Char(' '));
+    const QString usage = QStringLiteral("Usage: %1 ").arg(mText.command);
+    QString text = usage
+        + QStringLiteral("%1\n\n%2\n\nOptions:\n")
+              .arg(wrapped(mText.synopsis, usage.size()), wrapped(mText.description));
+    const int column = width + 4;
+    const QString nextLine = QLatin1Char('\n') + QString(column, QLatin1Char(' '));
     for (const QCommandLineOption& option : mOptions) {
         const QString syntax = syntaxOf(option);
         text += QStringLiteral("  %1%2%3\n")
                     .arg(syntax.leftJustified(width), syntax.size() > width ? nextLine : QStringLiteral("  "),
-                         option.description().replace(QLatin1Char('\n'), nextLine));
+                         wrapped(option.description(), column));
     }
-    return mText.notes.isEmpty() ? text : text + QLatin1Char('\n') + mText.notes + QLatin1Char('\n');
+    return mText.notes.isEmpty() ? text : text + QLatin1Char('\n') + wrapped(mText.notes) + QLatin1Char('\n');
 }

@@ -90,11 +90,11 @@ QList<QCommandLineOption> Options::declarations()
     return QList<QCommandLineOption>{
                {cSocket,
                 QStringLiteral(
-                    "Name of the Wayland socket; by default the first free one\nof wayland-1, wayland-2, ..."),
+                    "Name of the Wayland socket; by default the first free one of wayland-1, wayland-2, ..."),
                 QStringLiteral("NAME")},
                {cFullScreenWindow, QStringLiteral("Fills the desktop's screen, whatever its size.")},
                {CompositorOptions::cRemoteControl,
-                QStringLiteral("Lets programs on the bus tap, type and take other steps\nof scripts.")}}
+                QStringLiteral("Lets programs on the bus tap, type and take other steps of scripts.")}}
     + CompositorOptions::declarations();
 }
 

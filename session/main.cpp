@@ -27,11 +27,11 @@ CommandLine::Text text()
 {
     return {
         QStringLiteral("telvaro-session"), QStringLiteral("[options] [--] [COMMAND [ARGUMENT]...]"),
-        QStringLiteral("Starts a private bus, the reference compositor and the command in it. When the command\n"
-                       "ends, ends both, and everything that the command has started. Without a command, prints\n"
+        QStringLiteral("Starts a private bus, the reference compositor and the command in it. When the command "
+                       "ends, ends both, and everything that the command has started. Without a command, prints "
                        "the environment variables of a program in the session, and runs until it is interrupted.\n\n"
                        "The compositor is a window where there is a display; without one it draws into memory."),
-        QStringLiteral("Exit status: the command's, or that of a script's end; 1 if the session failed, 2 for\n"
+        QStringLiteral("Exit status: the command's, or that of a script's end; 1 if the session failed, 2 for "
                        "wrong usage, 127 if the command cannot be started.")};
 }
 
@@ -41,11 +41,11 @@ QList<QCommandLineOption> options()
         + QList<QCommandLineOption>{
             {cHeadless, QStringLiteral("Draws into memory even where there is a display.")},
             {cEnvironmentFile,
-             QStringLiteral("Writes the environment to FILE, for '. FILE' in a shell, as soon\n"
+             QStringLiteral("Writes the environment to FILE, to be sourced by a shell, as soon "
                             "as the session is ready. Removes FILE when the session ends."),
              QStringLiteral("FILE")},
             {cBackground,
-             QStringLiteral("Returns as soon as the session is ready, and keeps it running;\n"
+             QStringLiteral("Returns as soon as the session is ready, and keeps it running; "
                             "its messages go to FILE.log. Needs --env-file.")},
             {cEnd, QStringLiteral("Ends the session that it is called in, and waits for its end.")},
         };

@@ -217,13 +217,9 @@ QStringList commandNames()
 QList<QCommandLineOption> commonOptions()
 {
     return {
-        {cTimeout,
-         QStringLiteral("Fails after this time; 2 s by default. Commands that wait for\n"
-                        "something to happen wait without a limit by default."),
+        {cTimeout, QStringLiteral("Fails after this time; 2 s by default, but unlimited for commands that wait."),
          QStringLiteral("SECONDS")},
-        {cBus,
-         QStringLiteral("The bus of the service, if it is not the one for which the library\n"
-                        "has been built."),
+        {cBus, QStringLiteral("The bus of the service, if it is not the one that the library was built for."),
          QStringLiteral("session|system|ADDRESS")},
         {cVerbose, QStringLiteral("Prints what the library logs.")},
     };

@@ -63,12 +63,15 @@ QList<Candidate> commandWords()
     return candidates;
 }
 
+/// What follows is left out of the description of an option.
+const QRegularExpression cClauseEnd(QStringLiteral("[.:;] "));
+
 QList<Candidate> optionWords(const QList<QCommandLineOption>& options)
 {
     QList<Candidate> candidates;
     for (const QCommandLineOption& option : options) {
         candidates.append(
-            {QStringLiteral("--") + option.names().constLast(), option.description().section(QLatin1Char('\n'), 0, 0)});
+            {QStringLiteral("--") + option.names().constLast(), option.description().section(cClauseEnd, 0, 0)});
     }
     candidates.append({QStringLiteral("--help"), {}});
     return candidates;
@@ -184,8 +187,8 @@ QList<Command> completeCommands()
         {"complete",
          "Prints completions of a command line, for the shells.",
          "-- WORD...",
-         "Prints what the last word, which may be empty, can become: a line for each, with a tab\n"
-         "and a description, or ':files' or ':directories'. The time limit is 0.3 s by default.",
+         "Prints the completions of the last word, which may be empty: one per line, with a tab and a description, or "
+         "':files' or ':directories'. The time limit is 0.3 s by default.",
          noOptions,
          complete,
          {QStringLiteral("WORD...")}},

@@ -29,8 +29,9 @@ const QString cRelease = QStringLiteral("release");
 /// The longest gesture, with the time in which the window gets its size.
 constexpr int cPatienceMilliseconds = 90000;
 
-constexpr auto cDetails = "Only in telvaro-session, or where the compositor has the option --remote-control.\n"
-                          "Returns when the input has been made. Without --timeout there is no time limit.";
+constexpr auto cDetails =
+    "Works only in telvaro-session, or if the compositor runs with --remote-control. Returns when "
+    "the input has been made; without --timeout there is no time limit.";
 
 /// Has the compositor take the step of a script.
 ExitStatus take(const QCommandLineParser& parser, const QString& step)

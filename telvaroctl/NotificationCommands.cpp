@@ -220,22 +220,22 @@ QList<QCommandLineOption> notifyOptions()
     return {
         {cIcon, QStringLiteral("Name or path of an icon."), QStringLiteral("ICON")},
         {cAction,
-         QStringLiteral("A button: its key, read as the name of an icon, and its label. May\n"
+         QStringLiteral("A button: its key, read as the name of an icon, and its label. May "
                         "be given more than once."),
          QStringLiteral("KEY=LABEL")},
-        {cUrgency, QStringLiteral("How urgent it is."), cUrgencies.join(QLatin1Char('|'))},
+        {cUrgency, QStringLiteral("The urgency of the notification."), cUrgencies.join(QLatin1Char('|'))},
         {cExpire,
-         QStringLiteral("Closes it after this time; 0, the default, is never, and -1 is up to\n"
+         QStringLiteral("Closes it after this time; 0, the default, is never, and -1 leaves it to "
                         "the service."),
          QStringLiteral("MILLISECONDS"), QStringLiteral("0")},
         {cReplace, QStringLiteral("Replaces the notification with this id."), QStringLiteral("ID"),
          QStringLiteral("0")},
         {cHint,
-         QStringLiteral("A hint; its type is boolean, byte, double, int or string. May be\n"
+         QStringLiteral("A hint; its type is boolean, byte, double, int or string. May be "
                         "given more than once."),
          QStringLiteral("TYPE:NAME:VALUE")},
         {cPrintId, QStringLiteral("Prints the id of the notification.")},
-        {cWait, QStringLiteral("Waits until it is closed, and prints the key of the action if one is\nchosen.")},
+        {cWait, QStringLiteral("Waits until it is closed, and prints the key of the action if one is chosen.")},
         {cClose, QStringLiteral("Closes the notification with this id instead."), QStringLiteral("ID")},
     };
 }
@@ -248,7 +248,7 @@ QList<Command> notificationCommands()
         {"notify",
          "Posts a notification, or closes one.",
          "SUMMARY [BODY] | --close ID",
-         "With --wait and actions, exits with 0 if an action is chosen, and with 1 if the\nnotification is closed "
+         "With --wait and actions, exits with 0 if an action is chosen, and with 1 if the notification is closed "
          "without one.",
          notifyOptions,
          notify,

@@ -117,8 +117,8 @@ QList<Command> processCommands()
              return bringToTop(arguments.constFirst());
          },
          process, 1},
-        {"is-current", "Tests whether the current view belongs to a process, given by its name.", "",
-         "Prints nothing: exits with 0 if it does and with 1 if not.", noOptions,
+        {"is-current", "Tests whether the current view belongs to a named process.", "",
+         "Prints nothing; exits with 0 if it does, else with 1.", noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return isCurrent(arguments.constFirst());
          },

@@ -83,8 +83,8 @@ QList<Command> recordCommands()
         {"record",
          "Records what the service does as a script, until interrupted.",
          "",
-         "The reference compositor plays FILE as its script; '-' is standard output. Prints\n"
-         "'recording' to standard error once it listens, and waits for a service that is not\n"
+         "The reference compositor plays FILE as its script; '-' is standard output. Prints "
+         "'recording' to standard error once it listens, and waits for a service that is not "
          "registered yet. The time limit ends when the bus has replied.",
          [] {
              return QList<QCommandLineOption>{

@@ -327,7 +327,7 @@ QList<QCommandLineOption> screenOptions()
 
 QList<Command> screenCommands()
 {
-    const char* const details = "A change is read back; exits with 1 if the service did not take it.";
+    const char* const details = "A change is read back; exits with 1 if the service has not applied it.";
     return {
         {"screen", "Shows all settings of the screen, or changes some of them.", "", details, screenOptions, runScreen},
         {"screensaver",

@@ -44,7 +44,7 @@ QList<Command> screenShotCommands()
 {
     return {
         {"screenshot",
-         "Stores a screenshot in a directory and prints the path that the service returns.",
+         "Stores a screenshot in a directory and prints its path.",
          "",
          "",
          jsonOption,

@@ -193,15 +193,16 @@ QList<Command> statusCommands()
 {
     return {
         {"status", "Shows whether the compositor can be used from here.", "",
-         "Exits with 0 if this is a compositor device, the service is registered on the bus\nand each of its objects "
+         "Exits with 0 if this is a compositor device, the service is registered on the bus and each of its objects "
          "answers, else with 1.",
          [] {
              return jsonOption()
                  + QList<QCommandLineOption>{
                      {cDeep,
-                      QStringLiteral("Compares what the service describes, answers and notifies, for those\n"
-                                     "who bring up a device. Changes each setting of the screen and the\n"
-                                     "current view for a moment.")}};
+                      QStringLiteral(
+                          "Compares the introspection, the values and the notifications of a service, to bring "
+                          "up a device. Changes each setting of the screen and the "
+                          "current view for a moment.")}};
          },
          [](const QCommandLineParser& parser, const QStringList& /*arguments*/) {
              return showStatus(isJsonWanted(parser), parser.isSet(cDeep));

@@ -94,7 +94,7 @@ QList<QCommandLineOption> Template::options(const QStringList& names)
     return jsonOption()
         + QList<QCommandLineOption>{
             {cFormat,
-             QStringLiteral("Prints a line of this form instead, with fields in double braces:\n%1.")
+             QStringLiteral("Prints a line of this form instead, with fields in double braces: %1.")
                  .arg(names.join(QStringLiteral(", "))
                       + (names.constLast().endsWith(QLatin1Char('.')) ? QStringLiteral("NAME") : QString())),
              QStringLiteral("TEMPLATE")}};

@@ -186,7 +186,7 @@ QList<Command> viewCommands()
         {"switch",
          "Makes a view the current one.",
          "UUID | --app APP [--index INDEX]",
-         "Without an index it is the application's view with the lowest one, unless one of them\nis current already.",
+         "Without --index, takes the application's view with the lowest one, unless one of them is current already.",
          [] {
              return QList<QCommandLineOption>{
                  {cApp, QStringLiteral("The view's application."), QStringLiteral("APP")},
@@ -194,12 +194,11 @@ QList<Command> viewCommands()
          },
          switchView,
          {QStringLiteral("UUID")}},
-        {"next", "Steps to the next view of the current application, from the last to the first.", "", "", noOptions,
+        {"next", "Switches to the application's next view, wrapping around.", "", "", noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& /*arguments*/) {
              return step(&TelvaroTaskSwitcher::next);
          }},
-        {"previous", "Steps to the previous view of the current application, from the first to the last.", "", "",
-         noOptions,
+        {"previous", "Switches to the application's previous view, wrapping around.", "", "", noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& /*arguments*/) {
              return step(&TelvaroTaskSwitcher::previous);
          }},

@@ -119,10 +119,11 @@ QList<Command> waitCommands()
 {
     return {
         {"wait", "Waits for a view or for the service, or for its end.", "",
-         "Waits for a view of an application, for a certain view, or for any view, which all\n"
-         "may have to be current, or for a service that answers. Exits with 0 as soon as that\n"
-         "is so, at once if it is so already, and with 1 at the time limit, which there is\n"
-         "only with --timeout, or if the bus ends.",
+         "Waits for the view that the options describe, by default any view, or for a service that answers. Exits with "
+         "0 "
+         "as soon as it is there, at once if it is already, and with 1 if the bus ends or when the limit of --timeout "
+         "has "
+         "passed.",
          [] {
              return QList<QCommandLineOption>{
                  {cApp, QStringLiteral("A view of this application."), QStringLiteral("APP")},

@@ -181,8 +181,8 @@ QList<Command> watchCommands()
 {
     return {
         {"watch", "Prints each change as it comes, until interrupted.", "",
-         "Prints 'watching' to standard error once it listens. Waits for a service that is not\n"
-         "registered yet, and prints 'serviceGone' and 'serviceBack' when it goes and comes.\n"
+         "Prints 'watching' to standard error once it listens. Waits for a service that is not "
+         "registered yet, and prints 'serviceGone' and 'serviceBack' when it goes and comes. "
          "The time limit ends when it listens.",
          [] {
              return Template::options(fieldNames())

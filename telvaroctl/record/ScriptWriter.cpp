@@ -40,6 +40,8 @@ Result<std::unique_ptr<ScriptWriter>> ScriptWriter::open(const QString& fileName
             ? Error{QStringLiteral("%1 exists already; --force replaces it").arg(fileName)}
             : Error{QStringLiteral("%1 cannot be written: %2").arg(fileName, file.errorString())};
     }
+    // The start of a file behind standard output may belong to another program.
+    writer->mIsStream = isStandardOutput || file.isSequential();
     writer->write("[");
     writer->mEnd = 1;
     if (!writer->append({}, 0)) {
@@ -54,7 +56,7 @@ bool ScriptWriter::append(const QVector<QJsonObject>& steps, qint64 milliseconds
     for (const QJsonObject& step : steps) {
         bytes += (mCount++ == 0 ? "\n  " : ",\n  ") + toLine(step, milliseconds);
     }
-    if (mFile.isSequential()) {
+    if (mIsStream) {
         return write(bytes);
     }
     // In one write, so that whoever ends the program leaves all of it or nothing.
@@ -65,7 +67,7 @@ bool ScriptWriter::append(const QVector<QJsonObject>& steps, qint64 milliseconds
 
 Result<int> ScriptWriter::finish()
 {
-    if (mFile.isSequential()) {
+    if (mIsStream) {
         write(cClosing);
     }
     if (mError) {

@@ -11,7 +11,8 @@
 
 #include <memory>
 
-/// Writes a script step by step. A file is a whole script after every step; a pipe is one when it ends.
+/// Writes a script step by step. A file is a whole script after every step; standard output and
+/// pipes are one at the end.
 class ScriptWriter
 {
 public:
@@ -29,6 +30,7 @@ private:
     bool write(const QByteArray& bytes);
 
     QFile mFile;
+    bool mIsStream = false;
     /// Where the closing bracket of the list stands.
     qint64 mEnd = 0;
     int mCount = 0;

@@ -95,11 +95,6 @@ private Q_SLOTS:
     void linesThatAreTooShortHarmNobody();
 
 private:
-    std::unique_ptr<WireClient> connectClient() const
-    {
-        return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/')
-                                            + mCompositor->display());
-    }
     /// Shows a picture of cSize as a window.
     static void show(WireClient& client, const QByteArray& picture, int bytesPerPixel, quint32 format);
 };
@@ -152,7 +147,7 @@ void CompositorBufferFormatTest::aPictureIsShownInItsColours()
 {
     QFETCH(quint32, code);
     QFETCH(Format, format);
-    const auto client = connectClient();
+    const auto client = wireClient();
     show(*client, pictureIn(format), format.bytes, code);
     const QImage picture = screenShot();
     for (int y = 0; y < cSize.height(); ++y) {
@@ -170,7 +165,7 @@ void CompositorBufferFormatTest::aPictureIsShownInItsColours()
 
 void CompositorBufferFormatTest::everyAnnouncedFormatIsTested()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const quint32 memory = client->bind("wl_shm");
     QVERIFY(client->synchronise());
     QSet<quint32> announced;
@@ -202,7 +197,7 @@ void CompositorBufferFormatTest::aTransparentPictureShowsWhatIsBelow()
 {
     QFETCH(quint32, code);
     QFETCH(int, bytes);
-    const auto client = connectClient();
+    const auto client = wireClient();
     show(*client, QByteArray(cSize.width() * cSize.height() * bytes, '\0'), bytes, code);
     const QImage picture = screenShot();
     // What is below is a gradient from the top to the bottom.
@@ -217,7 +212,7 @@ void CompositorBufferFormatTest::linesThatAreTooShortHarmNobody()
     // libwayland admits any stride that is not smaller than the width.
     for (const quint32 format : {quint32(WL_SHM_FORMAT_XRGB8888), quint32(WL_SHM_FORMAT_RGB888),
                                  quint32(WL_SHM_FORMAT_ABGR2101010), quint32(WL_SHM_FORMAT_C8)}) {
-        const auto client = connectClient();
+        const auto client = wireClient();
         const WireClient::Window window = client->createWindow();
         const quint32 pool = client->createPool(4096, 4096);
         client->show(window.surface, client->createBuffer(pool, 64, 64, 64, format));

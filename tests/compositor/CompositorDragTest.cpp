@@ -86,8 +86,7 @@ void CompositorDragTest::startCompositor()
 CompositorDragTest::Dragger CompositorDragTest::openDragger(const QByteArray& title)
 {
     Dragger dragger;
-    dragger.client =
-        std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    dragger.client = wireClient();
     const quint32 seat = dragger.client->bind("wl_seat");
     dragger.manager = dragger.client->bind("wl_data_device_manager");
     dragger.device = dragger.client->newId();

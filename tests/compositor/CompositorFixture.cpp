@@ -49,6 +49,11 @@ std::unique_ptr<LineClient> CompositorFixture::protocolClient()
     return std::make_unique<LineClient>(QStringLiteral(TELVARO_PROTOCOL_CLIENT), mCompositor->clientEnvironment());
 }
 
+std::unique_ptr<WireClient> CompositorFixture::wireClient() const
+{
+    return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+}
+
 std::unique_ptr<LineClient> CompositorFixture::foreignClient(const QString& program)
 {
     return std::make_unique<LineClient>(program, mCompositor->clientEnvironment());

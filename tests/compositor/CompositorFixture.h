@@ -5,6 +5,7 @@
 #include "CompositorProcess.h"
 #include "LineClient.h"
 #include "PropertyMonitor.h"
+#include "WireClient.h"
 
 #include <QImage>
 #include <QObject>
@@ -33,6 +34,7 @@ protected:
 
     std::unique_ptr<LineClient> testClient();
     std::unique_ptr<LineClient> protocolClient();
+    std::unique_ptr<WireClient> wireClient() const;
     /// A client that is not part of the tests.
     std::unique_ptr<LineClient> foreignClient(const QString& program);
 

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorFixture.h"
+#include "HostileClientFixture.h"
 #include "TestMain.h"
-#include "WireClient.h"
 
 #include <QLocalSocket>
 
-#include <functional>
 #include <limits>
 #include <text-input-unstable-v3-client-protocol.h>
 #include <unistd.h>
@@ -21,21 +19,11 @@ namespace {
 
 constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
 constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
-/// The expected error of a client that stays connected.
-constexpr int cNoError = -1;
-/// The compositor may disconnect the client or not.
-constexpr int cAnyEnd = -2;
-/// The compositor disconnects the client with any error.
-constexpr int cAnyError = -3;
-
-using Attack = std::function<void(WireClient&)>;
 
 } // namespace
 
-Q_DECLARE_METATYPE(Attack)
-
 /// Clients that violate the protocol, beside a well-behaved witness.
-class CompositorHostileClientTest : public CompositorFixture
+class CompositorHostileClientTest : public HostileClientFixture
 {
     Q_OBJECT
 
@@ -45,15 +33,7 @@ private Q_SLOTS:
     void whatAClientEndsLeavesNothingBehind();
     void aPopupIsEndedOnce();
     void moreConnectionsThanThereIsRoomForHarmNobody();
-
-private:
-    std::unique_ptr<WireClient> connectClient() const;
 };
-
-std::unique_ptr<WireClient> CompositorHostileClientTest::connectClient() const
-{
-    return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
-}
 
 void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
 {
@@ -691,39 +671,12 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
 
 void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
 {
-    QFETCH(Attack, attack);
-    QFETCH(int, error);
-    expectComplaints(200);
-    const auto witness = protocolClient();
-    witness->send("open a Witness");
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-
-    const auto client = connectClient();
-    attack(*client);
-    client->synchronise();
-    // Paints and arranges everything again.
-    screenShot();
-    const bool isConnected = client->synchronise();
-    if (error == cNoError) {
-        QVERIFY2(isConnected, client->errorText());
-    } else if (error != cAnyEnd) {
-        QVERIFY(!isConnected);
-        QVERIFY2(error == cAnyError || client->errorCode() == error,
-                 QByteArray::number(client->errorCode()) + ": " + client->errorText());
-    }
-    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("fullScreen"), true);
-    screenShot();
-    client->disconnect();
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-    QCOMPARE(CompositorBus::views().first().info1, QStringLiteral("Witness"));
-    witness->send("frame 1");
-    witness->waitFor("frame 1");
-    screenShot();
+    attackFrom(*wireClient());
 }
 
 void CompositorHostileClientTest::whatAClientEndsLeavesNothingBehind()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const WireClient::Window window = client->openWindow("Busy");
     const quint32 buffer = client->createBuffer(QSize(20, 20));
     const auto openAndClose = [&](int count) {
@@ -765,7 +718,7 @@ void CompositorHostileClientTest::aPopupIsEndedOnce()
     const auto witness = protocolClient();
     witness->send("open a Witness");
     TRY_COMPARE(CompositorBus::views().size(), 1);
-    const auto client = connectClient();
+    const auto client = wireClient();
     const WireClient::Window window = client->openWindow("Parent");
     const quint32 surface = client->createSurface();
     const quint32 xdgSurface = client->createXdgSurface(surface);

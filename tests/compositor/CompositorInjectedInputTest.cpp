@@ -111,8 +111,7 @@ std::unique_ptr<LineClient> CompositorInjectedInputTest::openWindow()
 
 std::unique_ptr<WireClient> CompositorInjectedInputTest::openWire(quint16 request, quint32* device)
 {
-    auto client =
-        std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    auto client = wireClient();
     const quint32 seat = client->bind("wl_seat", 4);
     *device = client->newId();
     client->send(WireMessage(seat, request).number(*device));

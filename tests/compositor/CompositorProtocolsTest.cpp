@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorFixture.h"
+#include "HostileClientFixture.h"
 #include "TestMain.h"
 #include "VirtualDesktop.h"
-#include "WireClient.h"
 
-#include <functional>
 #include <limits>
 #include <unistd.h>
 #include <viewporter-client-protocol.h>
@@ -30,14 +28,8 @@ constexpr quint16 cToplevelConfigure = 0;
 constexpr int cWheelUp = 4;
 constexpr int cWheelDown = 5;
 
-/// What a row of hostile requests expects of the connection.
-constexpr int cNoError = -1;
-constexpr int cAnyError = -3;
-
 constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
 constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
-
-using Attack = std::function<void(WireClient&)>;
 
 /// The globals as a wl_registry of its own lists them.
 struct Registry
@@ -98,10 +90,8 @@ QVector<quint16> opcodesOf(const WireClient& client, quint32 object)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Attack)
-
 /// The versions of the globals and what they promise, and clients that abuse it.
-class CompositorProtocolsTest : public CompositorFixture
+class CompositorProtocolsTest : public HostileClientFixture
 {
     Q_OBJECT
 
@@ -129,7 +119,6 @@ protected:
     void startCompositor() override;
 
 private:
-    std::unique_ptr<WireClient> connectClient() const;
     /// Moves the pointer over the window's middle until the pointer object has entered it.
     void enter(WireClient& client, quint32 pointer);
 
@@ -147,11 +136,6 @@ void CompositorProtocolsTest::startCompositor()
     mCompositor->environment().insert(QStringLiteral("DISPLAY"), mDesktop->display());
     mCompositor->start();
     mDesktop->movePointer(5, 595);
-}
-
-std::unique_ptr<WireClient> CompositorProtocolsTest::connectClient() const
-{
-    return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
 }
 
 void CompositorProtocolsTest::enter(WireClient& client, quint32 pointer)
@@ -178,7 +162,7 @@ void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion_data()
 void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion()
 {
     QFETCH(quint32, version);
-    const auto client = connectClient();
+    const auto client = wireClient();
     const QByteArray interface = QTest::currentDataTag();
     const Registry registry(*client);
     QCOMPARE(registry.globals.value(interface).size(), 1);
@@ -190,7 +174,7 @@ void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion()
 void CompositorProtocolsTest::aGlobalOfQtIsOutOfReach()
 {
     expectComplaints(1);
-    const auto client = connectClient();
+    const auto client = wireClient();
     const Registry registry(*client);
     quint32 lowest = std::numeric_limits<quint32>::max();
     for (const auto& globals : registry.globals) {
@@ -214,7 +198,7 @@ void CompositorProtocolsTest::damageInTheBufferIsShown_data()
 void CompositorProtocolsTest::damageInTheBufferIsShown()
 {
     QFETCH(qint32, scale);
-    const auto client = connectClient();
+    const auto client = wireClient();
     client->bind("wl_compositor", 4);
     const WireClient::Window window = client->createWindow();
     client->configure(window.surface, window.xdgSurface);
@@ -318,7 +302,7 @@ void CompositorProtocolsTest::aTransformedBufferIsShownUpright()
     QFETCH(QSize, size);
     QFETCH(QPoint, topLeft);
     QFETCH(QPoint, topRight);
-    const auto client = connectClient();
+    const auto client = wireClient();
     openTransformed(*client, transform, QSize());
     const QVariantMap attributes = CompositorBus::views().first().attributes;
     QCOMPARE(attributes.value(QStringLiteral("width")).toInt(), size.width());
@@ -334,7 +318,7 @@ void CompositorProtocolsTest::aTransformedBufferIsShownUpright()
 
 void CompositorProtocolsTest::aTransformedBufferIsCutByItsViewport()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const QSize size(300, 200);
     openTransformed(*client, WL_OUTPUT_TRANSFORM_90, size);
     const QImage picture = screenShot();
@@ -347,7 +331,7 @@ void CompositorProtocolsTest::aTransformedBufferIsCutByItsViewport()
 
 void CompositorProtocolsTest::pointerEventsComeInFrames()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const quint32 pointer = createPointer(*client, client->bind("wl_seat", 5));
     client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
@@ -376,7 +360,7 @@ void CompositorProtocolsTest::pointerEventsComeInFrames()
 
 void CompositorProtocolsTest::anOldPointerGetsNoFrames()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const quint32 pointer = createPointer(*client, client->bind("wl_seat", 4));
     client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
@@ -393,7 +377,7 @@ void CompositorProtocolsTest::anOldPointerGetsNoFrames()
 
 void CompositorProtocolsTest::theWheelTellsItsSourceAndSteps()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const quint32 pointer = createPointer(*client, client->bind("wl_seat", 5));
     client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
@@ -429,7 +413,7 @@ void CompositorProtocolsTest::everyKeyboardOfAClientGetsTheKeys()
     constexpr quint16 leaveEvent = 2;
     constexpr quint16 keyEvent = 3;
     constexpr quint16 modifiersEvent = 4;
-    const auto client = connectClient();
+    const auto client = wireClient();
     const auto createKeyboard = [&](quint32 seat) {
         const quint32 keyboard = client->newId();
         client->send(WireMessage(seat, WL_SEAT_GET_KEYBOARD).number(keyboard));
@@ -488,7 +472,7 @@ void CompositorProtocolsTest::everyKeyboardOfAClientGetsTheKeys()
 void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
 {
     expectComplaints(1);
-    const auto client = connectClient();
+    const auto client = wireClient();
     const Registry registry(*client);
     const quint32 used = registry.bind(*client, "xdg_wm_base", 1);
     const quint32 unused = registry.bind(*client, "xdg_wm_base", 1);
@@ -514,7 +498,7 @@ void CompositorProtocolsTest::thePingGoesToTheShellOfTheWindow()
 
 void CompositorProtocolsTest::aWindowHasItsSizeAndStatesBeforeItIsMapped()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const WireClient::Window window = client->createWindow();
     client->commit(window.surface);
     QVERIFY2(client->synchronise(), client->errorText());
@@ -537,7 +521,7 @@ void CompositorProtocolsTest::aWindowHasItsSizeAndStatesBeforeItIsMapped()
 
 void CompositorProtocolsTest::fullScreenIsGranted()
 {
-    const auto client = connectClient();
+    const auto client = wireClient();
     const WireClient::Window window = client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
     const auto states = [&] {
@@ -686,32 +670,10 @@ void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
 
 void CompositorProtocolsTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
 {
-    QFETCH(Attack, attack);
-    QFETCH(int, error);
-    expectComplaints(200);
-    const auto witness = protocolClient();
-    witness->send("open a Witness");
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-
-    const auto client = connectClient();
-    attack(*client);
-    client->synchronise();
-    mDesktop->movePointer(500, 300);
-    mDesktop->click();
-    screenShot();
-    const bool isConnected = client->synchronise();
-    if (error == cNoError) {
-        QVERIFY2(isConnected, client->errorText());
-    } else {
-        QVERIFY(!isConnected);
-        QVERIFY2(error == cAnyError || client->errorCode() == error,
-                 QByteArray::number(client->errorCode()) + ": " + client->errorText());
-    }
-    client->disconnect();
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-    witness->send("frame 1");
-    witness->waitFor("frame 1");
-    screenShot();
+    attackFrom(*wireClient(), [this] {
+        mDesktop->movePointer(500, 300);
+        mDesktop->click();
+    });
 }
 
 TELVARO_TEST_MAIN(CompositorProtocolsTest)

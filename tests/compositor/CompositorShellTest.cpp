@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorBus.h"
-#include "CompositorFixture.h"
+#include "HostileClientFixture.h"
 #include "TestMain.h"
-#include "WireClient.h"
 
-#include <functional>
 #include <limits>
 #include <wayland-client-protocol.h>
 #include <xdg-decoration-unstable-v1-client-protocol.h>
@@ -21,15 +19,12 @@ constexpr quint16 cPopupRepositioned = 2;
 constexpr quint16 cDecorationConfigure = 0;
 constexpr quint16 cKeyboardEnter = 1;
 
-constexpr int cNoError = -1;
 constexpr qint32 cHuge = std::numeric_limits<qint32>::max();
 constexpr qint32 cLowest = std::numeric_limits<qint32>::min();
 
 /// The place of a window of 300 x 200 on the output of 1024 x 600 below the status bar.
 constexpr QPoint cOrigin(362, 34 + 183);
 constexpr QSize cWindowSize(300, 200);
-
-using Attack = std::function<void(WireClient&)>;
 
 QRect rectOf(const WireClient::Event& event)
 {
@@ -101,10 +96,8 @@ quint32 createDecoration(WireClient& client, quint32 toplevel)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Attack)
-
 /// Windows and popups by the rules of xdg-shell, and clients that break them.
-class CompositorShellTest : public CompositorFixture
+class CompositorShellTest : public HostileClientFixture
 {
     Q_OBJECT
 
@@ -133,8 +126,7 @@ private:
 
 std::unique_ptr<WireClient> CompositorShellTest::connectClient(quint32 shellVersion) const
 {
-    auto client =
-        std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    auto client = wireClient();
     client->bind("xdg_wm_base", shellVersion);
     return client;
 }
@@ -836,29 +828,7 @@ void CompositorShellTest::aClientThatBreaksTheProtocolHarmsOnlyItself_data()
 
 void CompositorShellTest::aClientThatBreaksTheProtocolHarmsOnlyItself()
 {
-    QFETCH(Attack, attack);
-    QFETCH(int, error);
-    expectComplaints(200);
-    const auto witness = protocolClient();
-    witness->send("open a Witness");
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-
-    const auto client = connectClient();
-    attack(*client);
-    client->synchronise();
-    screenShot();
-    const bool isConnected = client->synchronise();
-    if (error == cNoError) {
-        QVERIFY2(isConnected, client->errorText());
-    } else {
-        QVERIFY(!isConnected);
-        QVERIFY2(client->errorCode() == error, QByteArray::number(client->errorCode()) + ": " + client->errorText());
-    }
-    client->disconnect();
-    TRY_COMPARE(CompositorBus::views().size(), 1);
-    witness->send("frame 1");
-    witness->waitFor("frame 1");
-    screenShot();
+    attackFrom(*connectClient());
 }
 
 TELVARO_TEST_MAIN(CompositorShellTest)

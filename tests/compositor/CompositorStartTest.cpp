@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QObject>
+#include <QRegularExpression>
 
 #include <csignal>
 #include <sys/socket.h>
@@ -81,6 +82,7 @@ void CompositorStartTest::printsHelpThatNamesEveryOption()
           "--script FILE", "WAYLAND_DISPLAY"}) {
         QVERIFY2(help.contains(option), option);
     }
+    QVERIFY(!QString::fromUtf8(help).contains(QRegularExpression(QStringLiteral("[^\n]{81}"))));
     QCOMPARE(compositor.errors(), QByteArray());
 }
 

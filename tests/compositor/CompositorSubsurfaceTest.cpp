@@ -54,7 +54,7 @@ private:
 
 void CompositorSubsurfaceTest::openWindow()
 {
-    mClient = std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    mClient = wireClient();
     mWindow = mClient->openWindow("Window").surface;
     TRY_COMPARE(CompositorBus::views().size(), 1);
 }
@@ -218,8 +218,7 @@ void CompositorSubsurfaceTest::hostileCommitsHarmNobody()
     const quint32 witnessWindow = mWindow;
     {
         // Commits that wait for a parent that is never committed, and end with their surface or their client.
-        mClient =
-            std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+        mClient = wireClient();
         mWindow = mClient->openWindow("Hostile").surface;
         quint32 parent = mWindow;
         for (int i = 0; i < 40; ++i) {
@@ -249,7 +248,7 @@ void CompositorSubsurfaceTest::hostileCommitsHarmNobody()
         mClient->disconnect();
     }
     TRY_COMPARE(CompositorBus::views().size(), 1);
-    mClient = std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
+    mClient = wireClient();
     QVERIFY2(mClient->synchronise(), mClient->errorText());
     witness->commit(witnessWindow);
     QVERIFY2(witness->synchronise(), witness->errorText());

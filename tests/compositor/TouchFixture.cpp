@@ -27,11 +27,6 @@ void TouchFixture::tap(const QPointF& position)
     put({});
 }
 
-std::unique_ptr<WireClient> TouchFixture::wireClient() const
-{
-    return std::make_unique<WireClient>(mCompositor->runtimeDirectory() + QLatin1Char('/') + mCompositor->display());
-}
-
 WireClient::Window TouchFixture::openWindow(WireClient& client, const QByteArray& title)
 {
     const WireClient::Window window = client.createWindow();

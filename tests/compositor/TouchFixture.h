@@ -29,7 +29,6 @@ protected:
     /// Positions are in the window's pixels.
     void put(const QMap<int, QPointF>& fingers);
     void tap(const QPointF& position);
-    std::unique_ptr<WireClient> wireClient() const;
     /// Maps a window that fills the work area, and waits until it is painted: then it takes input.
     WireClient::Window openWindow(WireClient& client, const QByteArray& title);
 

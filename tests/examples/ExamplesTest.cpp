@@ -43,6 +43,7 @@ private Q_SLOTS:
     void viewLoggerKeepsTheScreenSaverAway();
     void viewLoggerFollowsARestartOfTheService();
     void viewLoggerStartsBeforeTheService();
+    void viewLoggerCatchesUpWithAServiceThatHung();
     void qmlTaskSwitcherSwitchesToTheViewThatIsClicked();
     void qmlTaskSwitcherSwitchesByKeyboard();
     void anExampleOutlivesItsService_data();
@@ -360,6 +361,29 @@ void ExamplesTest::viewLoggerStartsBeforeTheService()
     QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared org.example.other/0")));
     QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared screen-settings/0")));
     QVERIFY(readEvent(*logger).startsWith(QStringLiteral("current screen-settings/0")));
+}
+
+void ExamplesTest::viewLoggerCatchesUpWithAServiceThatHung()
+{
+    // The read for the first notification gets no reply.
+    playScript(R"({"after": {"call": "de.Telvaro.globaloverlay.Hide"},
+                   "fault": {"get": "de.Telvaro.taskswitcher.views", "silent": true, "times": 1}},
+                  {"after": {"call": "de.Telvaro.globaloverlay.Hide"},
+                   "add-view": {"uuid": "late", "appId": "org.example.late", "pid": 4712}})");
+    const Program logger = startExample(cViewLogger);
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("appeared org.example.other/0")));
+    QVERIFY(readEvent(*logger).startsWith(QStringLiteral("current org.example.other/0")));
+
+    QElapsedTimer timer;
+    timer.start();
+    TelvaroRequests::hideGlobalOverlay().waitForFinished();
+    QVERIFY(logger->waitForOutputLine(2 * ChildProcess::cDeadline));
+    // The limit of a call is Qt's, of 25 seconds.
+    QVERIFY2(timer.elapsed() > 20000, qPrintable(QString::number(timer.elapsed())));
+    QString event;
+    while (!event.startsWith(QStringLiteral("current org.example.late/0"))) {
+        event = readEvent(*logger);
+    }
 }
 
 void ExamplesTest::qmlTaskSwitcherSwitchesToTheViewThatIsClicked()

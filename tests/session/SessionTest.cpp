@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -262,7 +263,8 @@ void SessionTest::helpAndVersion()
     const Result help = session({QStringLiteral("--help")});
     QCOMPARE(help.status, 0);
     QVERIFY(help.output.startsWith(QLatin1String("Usage: telvaro-session ")));
-    QVERIFY(help.output.contains(QLatin1String("SCRIPTS in telvaro-compositor(1)")));
+    QVERIFY(help.output.simplified().contains(QLatin1String("SCRIPTS in telvaro-compositor(1)")));
+    QVERIFY(!help.output.contains(QRegularExpression(QStringLiteral("[^\n]{81}"))));
     QCOMPARE(help.errors, QString());
     const Result version = session({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);

@@ -12,6 +12,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 
 #include <csignal>
 #include <memory>
@@ -91,6 +92,7 @@ private Q_SLOTS:
     void aServiceThatCannotBeReadIsRecordedFurther();
     void anonymousRecordingsHaveNoTexts();
     void aKilledRecordingIsAWholeScript();
+    void standardOutputIsAWholeScriptAtTheEnd_data();
     void standardOutputIsAWholeScriptAtTheEnd();
     void anExistingFileIsReplacedOnlyOnRequest();
     void aFileThatCannotBeWrittenIsAFailure();
@@ -509,9 +511,25 @@ void TelvaroctlRecordTest::aKilledRecordingIsAWholeScript()
              QStringList(QStringLiteral(R"({"set":{"de.Telvaro.screen.orientation":"90"}})")));
 }
 
+void TelvaroctlRecordTest::standardOutputIsAWholeScriptAtTheEnd_data()
+{
+    QTest::addColumn<bool>("isFile");
+    QTest::newRow("pipe") << false;
+    QTest::newRow("file with earlier output") << true;
+}
+
 void TelvaroctlRecordTest::standardOutputIsAWholeScriptAtTheEnd()
 {
+    QFETCH(bool, isFile);
+    const QByteArray earlier(isFile ? "earlier\n" : "");
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    QCOMPARE(file.write(earlier), qint64(earlier.size()));
+    QVERIFY(file.flush());
     ChildProcess process;
+    if (isFile) {
+        process.setStandardOutputFile(file.fileName(), QIODevice::Append);
+    }
     start(process, {QStringLiteral("record"), QStringLiteral("-")});
     process.setReadChannel(QProcess::StandardError);
     QCOMPARE(QString::fromUtf8(process.readOutputLine()),
@@ -520,7 +538,10 @@ void TelvaroctlRecordTest::standardOutputIsAWholeScriptAtTheEnd()
     QVERIFY(process.waitForFinished(ChildProcess::cDeadline));
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()), QStringLiteral("telvaroctl: 6 steps written to -\n"));
-    QCOMPARE(QJsonDocument::fromJson(process.readAllStandardOutput()).array().size(), cFirstSteps);
+    QVERIFY(file.seek(0));
+    const QByteArray output = isFile ? file.readAll() : process.readAllStandardOutput();
+    QVERIFY2(output.startsWith(earlier), output);
+    QCOMPARE(QJsonDocument::fromJson(output.mid(earlier.size())).array().size(), cFirstSteps);
 }
 
 void TelvaroctlRecordTest::anExistingFileIsReplacedOnlyOnRequest()

@@ -4,6 +4,8 @@
 #include "TelvaroctlFixture.h"
 #include "TestMain.h"
 
+#include <QRegularExpression>
+
 class TelvaroctlUsageTest : public TelvaroctlFixture
 {
     Q_OBJECT
@@ -30,6 +32,8 @@ void TelvaroctlUsageTest::helpNamesEveryCommand()
     const Result result = telvaroctl("--help");
     QCOMPARE(result.status, 0);
     QCOMPARE(result.errors, QString());
+    const QRegularExpression tooWide(QStringLiteral("[^\n]{81}"));
+    QVERIFY(!result.output.contains(tooWide));
     const QStringList commands =
         words("status views current switch next previous top is-current pid screen screensaver orientation fullscreen "
               "overlay notify screenshot wait watch record tap click drag scroll type key step help complete");
@@ -39,6 +43,7 @@ void TelvaroctlUsageTest::helpNamesEveryCommand()
         QCOMPARE(help.status, 0);
         QVERIFY(help.output.startsWith(QStringLiteral("Usage: telvaroctl %1 [options]").arg(command)));
         QVERIFY(help.output.contains(QLatin1String("-h, --help")));
+        QVERIFY2(!help.output.contains(tooWide), qPrintable(command));
         QCOMPARE(help.errors, QString());
     }
     QCOMPARE(takeWrites(), QStringList());
