@@ -10,6 +10,7 @@ import itertools
 import json
 import os
 import pathlib
+import platform
 import re
 import selectors
 import signal
@@ -52,7 +53,7 @@ OPERATIONS = [
 ]
 
 
-def _end_with_parent():
+def end_with_parent():
     ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
 
 
@@ -65,7 +66,7 @@ class LineProcess:
         self._name = os.path.basename(command[0])
         self._is_endless = is_endless
         self._process = subprocess.Popen(command, env=environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                         stderr=errors, preexec_fn=_end_with_parent)
+                                         stderr=errors, preexec_fn=end_with_parent)
         self._selector = selectors.DefaultSelector()
         self._selector.register(self._process.stdout, selectors.EVENT_READ)
         self._buffer = b""
@@ -284,3 +285,13 @@ def count_allocations(bus, name, operations):
             samples = [client.run(operation.command, count).allocations for count in (few, many)]
             allocations[operation.name] = (samples[1] - samples[0]) / (many - few)
     return allocations
+
+
+def describe_machine():
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        model = re.search(r"model name\s*: (.*)", file.read())
+    return {
+        "processor": model.group(1) if model else platform.machine(),
+        "processors": os.cpu_count(),
+        "load": os.getloadavg()[0],
+    }

@@ -8,7 +8,6 @@ import contextlib
 import glob
 import json
 import os
-import platform
 import re
 import subprocess
 import sys
@@ -212,16 +211,6 @@ def measure_loading(new_bus, library):
     }
 
 
-def describe_machine():
-    with open("/proc/cpuinfo", encoding="utf-8") as file:
-        model = re.search(r"model name\s*: (.*)", file.read())
-    return {
-        "processor": model.group(1) if model else platform.machine(),
-        "processors": os.cpu_count(),
-        "load": os.getloadavg()[0],
-    }
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", required=True, help="folder with the benchmarks' programs")
@@ -245,7 +234,7 @@ def main():
     def report(what):
         print(what, file=sys.stderr, flush=True)
 
-    results = {"machine": describe_machine(), "quick": arguments.quick}
+    results = {"machine": harness.describe_machine(), "quick": arguments.quick}
     report("All clients send and read the same ...")
     check_equal(new_bus)
     rounds = 7 if arguments.quick else 25

@@ -44,9 +44,14 @@ void Scene::paint(QPainter* painter, const QSize& size, const QTransform& transf
         return;
     }
     painter->setTransform(transform, true);
-    for (const SceneLayer* layer : mLayers) {
+    QRegion visible = painter->hasClipping() ? painter->clipRegion() : mOutput.rect();
+    int lowest = mLayers.size();
+    while (lowest > 0 && !visible.isEmpty()) {
+        visible -= mLayers.at(--lowest)->opaqueRegion();
+    }
+    for (int i = lowest; i < mLayers.size(); ++i) {
         painter->save();
-        layer->paint(painter);
+        mLayers.at(i)->paint(painter);
         painter->restore();
     }
 }

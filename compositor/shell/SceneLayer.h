@@ -16,6 +16,11 @@ public:
     /// looks different now. Called before each frame.
     virtual QRegion update() = 0;
     virtual void paint(QPainter* painter) const = 0;
+    /// Returns the region that paint() covers with opaque pixels, so that no layer below is seen there.
+    virtual QRegion opaqueRegion() const
+    {
+        return {};
+    }
 
 protected:
     SceneLayer() = default;

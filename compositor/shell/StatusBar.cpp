@@ -11,6 +11,8 @@
 #include <QPainter>
 #include <QTime>
 
+#include <utility>
+
 namespace {
 
 constexpr int cMargin = 14;
@@ -28,6 +30,7 @@ StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, 
 {
     mClock.setSingleShot(true);
     connect(&mClock, &QTimer::timeout, this, [this] {
+        mIsStale = true;
         mScene.requestFrame();
         waitForNextMinute();
     });
@@ -35,6 +38,7 @@ StatusBar::StatusBar(const Output& output, const ViewList& views, Scene& scene, 
     connect(&output, &Output::workAreaChanged, this, &StatusBar::waitForNextMinute);
     const auto requestFrameForTitle = [this] {
         if (mTitle != title()) {
+            mIsStale = true;
             mScene.requestFrame();
         }
     };
@@ -49,12 +53,16 @@ void StatusBar::waitForNextMinute()
         mClock.stop();
         return;
     }
+    mIsStale = true;
     const QTime now = QTime::currentTime();
     mClock.start(60000 - now.second() * 1000 - now.msec());
 }
 
 QRegion StatusBar::update()
 {
+    if (!std::exchange(mIsStale, false)) {
+        return {};
+    }
     const QString newTitle = title();
     const QString newTime = QTime::currentTime().toString(QStringLiteral("HH:mm"));
     if (newTitle == mTitle && newTime == mTime) {
@@ -91,10 +99,15 @@ void StatusBar::release(const QPoint& position)
     }
 }
 
+QRegion StatusBar::opaqueRegion() const
+{
+    return mOutput.statusBarRect();
+}
+
 void StatusBar::paint(QPainter* painter) const
 {
     const QRect bar = mOutput.statusBarRect();
-    if (bar.isEmpty()) {
+    if (bar.isEmpty() || (painter->hasClipping() && !painter->clipBoundingRect().intersects(bar))) {
         return;
     }
     painter->fillRect(bar, Theme::cBar);

@@ -24,6 +24,7 @@ public:
     void release(const QPoint& position) override;
     QRegion update() override;
     void paint(QPainter* painter) const override;
+    QRegion opaqueRegion() const override;
 
 Q_SIGNALS:
     void clicked();
@@ -39,4 +40,6 @@ private:
     /// The texts that are painted.
     QString mTitle;
     QString mTime;
+    /// Whether the texts may be others by now.
+    bool mIsStale = true;
 };

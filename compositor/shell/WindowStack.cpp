@@ -335,6 +335,18 @@ void WindowStack::paint(QPainter* painter) const
     }
 }
 
+QRegion WindowStack::opaqueRegion() const
+{
+    QRegion region;
+    for (const ClientWindow* window : visibleWindows()) {
+        if (window->surface() != nullptr) {
+            const QRect area = isPanel(window) ? mOutput.panelRect() : mOutput.workArea();
+            region |= window->surface()->opaqueRect().translated(surfacePosition(window->xdgSurface())) & area;
+        }
+    }
+    return region;
+}
+
 void WindowStack::configureAll()
 {
     const QVector<ClientWindow*> stacked = stackedWindows();

@@ -63,6 +63,7 @@ public:
 
     QRegion update() override;
     void paint(QPainter* painter) const override;
+    QRegion opaqueRegion() const override;
 
 Q_SIGNALS:
     /// The surface under the pointer may have changed.

@@ -40,6 +40,11 @@ public:
     /// coordinates.
     QRegion update();
     void paint(QPainter* painter, const QPoint& position) const;
+    /// Returns the part in which paint() leaves nothing of what is below, in surface coordinates.
+    QRect opaqueRect() const
+    {
+        return mPixels.opaqueRect();
+    }
     /// Sends wl_surface.frame callbacks and presentation feedback: the content of the tree has been shown at `time`.
     void sendFrameCallbacks(const timespec& time);
     /// Whether a surface of this tree has a zwp_idle_inhibitor_v1.

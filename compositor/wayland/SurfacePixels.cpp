@@ -12,6 +12,7 @@
 
 #include <wayland-server-core.h>
 
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -88,7 +89,7 @@ void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
     if (mImage.isNull() || mSize.isEmpty() || mSource.isEmpty()) {
         return;
     }
-    if (mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSource == QRectF(QPointF(), QSizeF(mSize))) {
+    if (isUnscaled()) {
         painter->drawImage(position, mImage);
         return;
     }
@@ -106,6 +107,16 @@ void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
         painter->drawImage(QPoint(), mImage);
     }
     painter->restore();
+}
+
+QRect SurfacePixels::opaqueRect() const
+{
+    return isUnscaled() && mImage.format() == QImage::Format_RGB32 ? QRect(QPoint(), mSize) & mImage.rect() : QRect();
+}
+
+bool SurfacePixels::isUnscaled() const
+{
+    return mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSource == QRectF(QPointF(), QSizeF(mSize));
 }
 
 void SurfacePixels::setImage(const QImage& image)
@@ -129,12 +140,14 @@ void SurfacePixels::copy(const QImage& source, const QRegion& damage, int scale)
         setImage(source.copy());
         return;
     }
+    uchar* const target = mImage.bits();
     for (const QRect& rect : damage) {
         const QRect pixels = QRect(rect.topLeft() * scale, rect.size() * scale) & source.rect();
         const auto offset = static_cast<std::size_t>(pixels.left()) * sizeof(QRgb);
         const auto length = static_cast<std::size_t>(pixels.width()) * sizeof(QRgb);
         for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
-            std::memcpy(mImage.scanLine(y) + offset, source.constScanLine(y) + offset, length);
+            std::memcpy(target + static_cast<std::ptrdiff_t>(y) * mImage.bytesPerLine() + offset,
+                        source.constScanLine(y) + offset, length);
         }
     }
 }

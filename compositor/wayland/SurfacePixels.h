@@ -52,8 +52,12 @@ public:
         return mSize;
     }
     void paint(QPainter* painter, const QPoint& position) const;
+    /// Returns the part in which paint() leaves nothing of what is below, in surface coordinates.
+    QRect opaqueRect() const;
 
 private:
+    /// Whether each pixel of the surface is one of the image.
+    bool isUnscaled() const;
     void setImage(const QImage& image);
     void copy(const QImage& source, const QRegion& damage, int scale);
 

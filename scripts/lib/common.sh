@@ -71,16 +71,18 @@ ensure_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# build_preset NAME: configures and builds a preset in build/NAME; prints nothing if it is up to date.
+# build_preset NAME [TARGET...]: configures a preset in build/NAME and builds it, or only these targets; prints nothing
+# if it is up to date.
 build_preset() {
     local preset=$1 directory=$project_directory/build/$1
+    shift
     cd "$project_directory"
     if [ ! -f "$directory/build.ninja" ] || [ CMakePresets.json -nt "$directory/build.ninja" ]; then
         run_logged "configure-$preset" cmake --preset "$preset"
     fi
-    if ! ninja -C "$directory" -n | grep -q 'no work to do'; then
+    if ! ninja -C "$directory" -n "$@" | grep -q 'no work to do'; then
         echo "Building in build/$preset"
-        run_logged "build-$preset" cmake --build "$directory"
+        run_logged "build-$preset" ninja -C "$directory" "$@"
     fi
     put_manifest "$directory"
 }

@@ -5,6 +5,7 @@
 #include "shell/NotificationCards.h"
 #include "shell/OutputWindow.h"
 #include "shell/OverlayPanel.h"
+#include "shell/SceneLayer.h"
 #include "shell/StatusBar.h"
 #include "shell/WindowStack.h"
 #include "state/NotificationCenter.h"
@@ -13,6 +14,8 @@
 #include "state/ViewList.h"
 
 #include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -46,6 +49,40 @@ struct Desk
 
 using Change = std::function<void(Desk&)>;
 
+/// Fills a rectangle, and counts how often.
+class Sheet : public SceneLayer
+{
+public:
+    Sheet(const QRect& rect, const QColor& color)
+        : mRect(rect)
+        , mColor(color)
+    {
+    }
+
+    QRegion update() override
+    {
+        return {};
+    }
+    void paint(QPainter* painter) const override
+    {
+        ++mCount;
+        painter->fillRect(mRect, mColor);
+    }
+    QRegion opaqueRegion() const override
+    {
+        return mColor.alpha() == 255 ? mRect : QRect();
+    }
+    int count() const
+    {
+        return mCount;
+    }
+
+private:
+    const QRect mRect;
+    const QColor mColor;
+    mutable int mCount = 0;
+};
+
 View view()
 {
     View result;
@@ -65,6 +102,8 @@ class SceneTest : public QObject
 private Q_SLOTS:
     void oneChangePaintsOneFrame_data();
     void oneChangePaintsOneFrame();
+    void layersThatNobodySeesAreNotPainted_data();
+    void layersThatNobodySeesAreNotPainted();
 };
 
 void SceneTest::oneChangePaintsOneFrame_data()
@@ -104,6 +143,35 @@ void SceneTest::oneChangePaintsOneFrame()
     QVERIFY(frames.wait());
     QVERIFY(!frames.wait(cSeveralFrames));
     QCOMPARE(frames.count(), 1);
+}
+
+void SceneTest::layersThatNobodySeesAreNotPainted_data()
+{
+    QTest::addColumn<QRect>("rect");
+    QTest::addColumn<QColor>("color");
+    QTest::addColumn<int>("paintedBelow");
+    const QRect all(0, 0, 400, 300);
+    QTest::newRow("covered") << all << QColor(Qt::blue) << 0;
+    QTest::newRow("seen through") << all << QColor(0, 0, 255, 128) << 1;
+    QTest::newRow("seen at an edge") << all.adjusted(0, 0, 0, -1) << QColor(Qt::blue) << 1;
+}
+
+void SceneTest::layersThatNobodySeesAreNotPainted()
+{
+    QFETCH(QRect, rect);
+    QFETCH(QColor, color);
+    QFETCH(int, paintedBelow);
+    Output output{QSize(400, 300)};
+    ScreenSaver screenSaver{0};
+    Scene scene{output, screenSaver};
+    Sheet below(output.rect(), Qt::red);
+    Sheet above(rect, color);
+    scene.addLayer(&below);
+    scene.addLayer(&above);
+    const QImage image = scene.toImage();
+    QCOMPARE(below.count(), paintedBelow);
+    QCOMPARE(above.count(), 1);
+    QCOMPARE(image.pixelColor(0, 299), rect.height() < 300 ? QColor(Qt::red) : image.pixelColor(0, 0));
 }
 
 int main(int argc, char** argv)

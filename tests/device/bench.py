@@ -67,7 +67,8 @@ class Bench:
         return self.device.in_session("telvaroctl " + command)
 
     def read(self, command):
-        output = self.control(command + " --json")
+        """Returns what telvaroctl prints as JSON. What Qt may print beside it goes to a file."""
+        output = self.control(command + " --json 2>> /tmp/telvaroctl.log")
         try:
             return json.loads(output)
         except ValueError:
@@ -160,7 +161,7 @@ def keep_what_is_known(bench, name, message):
     try:
         bench.device.save_screen(os.path.join(folder, "screen.png"))
         for file_name, command in (("journal.txt", "journalctl --boot --no-pager --lines=200"),
-                                   ("applications.txt", "tail -n 100 /run/*.log"), ("processes.txt", "ps axf")):
+                                   ("applications.txt", "tail -n 100 /run/*.log /tmp/*.log"), ("processes.txt", "ps axf")):
             with open(os.path.join(folder, file_name), "w", encoding="utf-8") as file:
                 file.write(bench.device.run(command)[1])
     except (DeviceError, OSError) as error:
