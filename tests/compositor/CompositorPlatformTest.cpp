@@ -72,6 +72,8 @@ void CompositorPlatformTest::isAWindowOfAnotherWaylandCompositor()
     host.environment().insert(QStringLiteral("DISPLAY"), desktop.display());
     host.start({QStringLiteral("--keyboard-layout"), QStringLiteral("de(nodeadkeys)")});
 
+    // Qt unloads plugins of its Wayland platform before the leak check, which then takes what they hold for lost.
+    mCompositor->environment().insert(QStringLiteral("LSAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
     mCompositor->environment().insert(QStringLiteral("WAYLAND_DISPLAY"),
                                       host.runtimeDirectory() + QLatin1Char('/') + host.display());
     startOn(QStringLiteral("wayland"));
