@@ -161,7 +161,8 @@ def keep_what_is_known(bench, name, message):
     try:
         bench.device.save_screen(os.path.join(folder, "screen.png"))
         for file_name, command in (("journal.txt", "journalctl --boot --no-pager --lines=200"),
-                                   ("applications.txt", "tail -n 100 /run/*.log /tmp/*.log"), ("processes.txt", "ps axf")):
+                                   ("applications.txt", "tail -n 100 /run/*.log /tmp/*.log"),
+                                   ("processes.txt", "ps axf")):
             with open(os.path.join(folder, file_name), "w", encoding="utf-8") as file:
                 file.write(bench.device.run(command)[1])
     except (DeviceError, OSError) as error:
