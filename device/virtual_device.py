@@ -220,8 +220,8 @@ class VirtualDevice:
     def read_file(self, path):
         data = b""
         while True:
-            piece = base64.b64decode(self.expect("tail -c +%d %s | head -c %d | base64 -w 0"
-                                                 % (len(data) + 1, shlex.quote(path), PIECE)))
+            piece = base64.b64decode(self.expect("dd if=%s bs=%d skip=%d count=1 status=none | base64 -w 0"
+                                                 % (shlex.quote(path), PIECE, len(data) // PIECE)))
             data += piece
             if len(piece) < PIECE:
                 return data
