@@ -11,8 +11,10 @@
 #include <TelvaroScreen.h>
 #include <TelvaroTaskSwitcher.h>
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusError>
+#include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QEventLoop>
 #include <QString>
@@ -38,6 +40,20 @@ QString addressOf(const QString& bus)
         ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
         : QStringLiteral("unix:path=%1/bus").arg(qEnvironmentVariable("XDG_RUNTIME_DIR"));
     return qEnvironmentVariable(variableOf(bus), standard);
+}
+
+/// From the first turn of the event loop on, Qt's thread stores the names of this process without the lock under which
+/// calls to a service read them. Replies from the bus itself, for which the names are not read, ensure that the first
+/// name has been stored.
+void letQtStoreNames()
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    const QDBusMessage query =
+        QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId"));
+    Service::bus().call(query);
+    QCoreApplication::processEvents();
+    Service::bus().call(query);
+    Service::bus().call(query);
 }
 
 template <typename Object> ExitStatus with(const std::function<ExitStatus(Object&)>& function)
@@ -88,10 +104,12 @@ bool Service::connectToBus()
 {
     TimeLimit::expect(QStringLiteral("the bus %1 does not answer").arg(busAddress()));
     const bool isConnected = bus().isConnected();
-    TimeLimit::expect(noAnswer());
-    if (!isConnected) {
+    if (isConnected) {
+        letQtStoreNames();
+    } else {
         printError(QStringLiteral("there is no bus at %1").arg(busAddress()));
     }
+    TimeLimit::expect(noAnswer());
     return isConnected;
 }
 
