@@ -34,6 +34,19 @@ private Q_SLOTS:
     void topSaysWhenTheServiceDidNotFollow();
 };
 
+namespace {
+
+/// Returns the path of an idle program in the directory, under a name that no other process has.
+QString copyIdleProgram(const QTemporaryDir& directory)
+{
+    const QString program =
+        directory.filePath(QStringLiteral("tctl-%1").arg(QFileInfo(directory.path()).fileName().right(6)));
+    QFile::copy(ChildProcess::serviceProgram(QStringLiteral("idle-process")), program);
+    return program;
+}
+
+} // namespace
+
 void TelvaroctlViewsTest::viewsAreATable()
 {
     setTwoViews();
@@ -212,11 +225,10 @@ void TelvaroctlViewsTest::nextFailsWithoutViews()
 
 void TelvaroctlViewsTest::processesAreFoundBroughtToTheTopAndAskedForByName()
 {
-    // A program under a name that no other process has.
     QTemporaryDir directory;
-    const QString name = QStringLiteral("tctl-%1").arg(QFileInfo(directory.path()).fileName().right(6));
-    const QString program = directory.filePath(name);
-    QVERIFY(QFile::copy(ChildProcess::serviceProgram(QStringLiteral("idle-process")), program));
+    const QString program = copyIdleProgram(directory);
+    QVERIFY(QFile::exists(program));
+    const QString name = QFileInfo(program).fileName();
     ChildProcess process;
     process.run(program);
     const auto pid = static_cast<uint32_t>(process.processId());
@@ -265,9 +277,9 @@ void TelvaroctlViewsTest::processesAreFoundBroughtToTheTopAndAskedForByName()
 void TelvaroctlViewsTest::topSaysWhenTheServiceDidNotFollow()
 {
     QTemporaryDir directory;
-    const QString name = QStringLiteral("tctl-%1").arg(QFileInfo(directory.path()).fileName().right(6));
-    const QString program = directory.filePath(name);
-    QVERIFY(QFile::copy(ChildProcess::serviceProgram(QStringLiteral("idle-process")), program));
+    const QString program = copyIdleProgram(directory);
+    QVERIFY(QFile::exists(program));
+    const QString name = QFileInfo(program).fileName();
     ChildProcess process;
     process.run(program);
     const auto pid = static_cast<uint32_t>(process.processId());
