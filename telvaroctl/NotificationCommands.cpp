@@ -143,7 +143,7 @@ ExitStatus closeNotification(uint id)
                                        Names::getNotificationsInterface(), QStringLiteral("CloseNotification"));
     message.setAutoStartService(false);
     message << id;
-    QDBusPendingCall call = Service::bus().asyncCall(message, TimeLimit::remaining());
+    QDBusPendingCall call = Service::bus().asyncCall(message, TimeLimit::beyond());
     call.waitForFinished();
     // The error without a text that the Desktop Notifications Specification asks for.
     if (call.isError() && call.error().message().isEmpty()) {

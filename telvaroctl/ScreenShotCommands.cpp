@@ -26,7 +26,7 @@ ExitStatus captureScreenShot(const QCommandLineParser& parser, const QStringList
     if (!Service::connect()) {
         return Failed;
     }
-    const QDBusPendingReply<QString> reply = TelvaroRequests::captureScreenShot(directory, TimeLimit::remaining());
+    const QDBusPendingReply<QString> reply = TelvaroRequests::captureScreenShot(directory, TimeLimit::beyond());
     if (!Service::waitFor(reply)) {
         return Failed;
     }

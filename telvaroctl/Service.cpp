@@ -36,10 +36,25 @@ const char* variableOf(const QString& bus)
 
 QString addressOf(const QString& bus)
 {
-    const QString standard = bus == cSystem
-        ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
-        : QStringLiteral("unix:path=%1/bus").arg(qEnvironmentVariable("XDG_RUNTIME_DIR"));
+    const QString directory = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QString standard = bus == cSystem ? QStringLiteral("unix:path=/var/run/dbus/system_bus_socket")
+        : directory.isEmpty()               ? QString()
+                                            : QStringLiteral("unix:path=%1/bus").arg(directory);
     return qEnvironmentVariable(variableOf(bus), standard);
+}
+
+constexpr int cSettlingMilliseconds = 100;
+
+QString chosenBus = QStringLiteral(TELVARO_BUS_NAME);
+bool isNameStored = false;
+
+/// Returns when Qt's thread has done what it had to do before the call, or after the timeout.
+void askBus(int timeout = -1)
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    Service::bus().call(
+        QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId")),
+        QDBus::Block, timeout);
 }
 
 /// From the first turn of the event loop on, Qt's thread stores the names of this process without the lock under which
@@ -47,13 +62,11 @@ QString addressOf(const QString& bus)
 /// name has been stored.
 void letQtStoreNames()
 {
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    const QDBusMessage query =
-        QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId"));
-    Service::bus().call(query);
+    askBus();
     QCoreApplication::processEvents();
-    Service::bus().call(query);
-    Service::bus().call(query);
+    askBus();
+    askBus();
+    isNameStored = true;
 }
 
 template <typename Object> ExitStatus with(const std::function<ExitStatus(Object&)>& function)
@@ -62,7 +75,7 @@ template <typename Object> ExitStatus with(const std::function<ExitStatus(Object
         return Failed;
     }
     Object object;
-    object.setTimeout(TimeLimit::remaining());
+    object.setTimeout(TimeLimit::beyond());
     return Service::waitFor(object) ? function(object) : Failed;
 }
 
@@ -75,7 +88,9 @@ QString Service::builtBus()
 
 void Service::chooseBus(const QString& bus)
 {
-    const QString address = bus == cSession || bus == cSystem ? addressOf(bus) : bus;
+    const bool isNamed = bus == cSession || bus == cSystem;
+    const QString address = isNamed ? addressOf(bus) : bus;
+    chosenBus = isNamed ? bus : builtBus();
     if (bus != builtBus()) {
         qputenv(variableOf(builtBus()), address.toLocal8Bit());
     }
@@ -107,10 +122,20 @@ bool Service::connectToBus()
     if (isConnected) {
         letQtStoreNames();
     } else {
-        printError(QStringLiteral("there is no bus at %1").arg(busAddress()));
+        const QString address = busAddress();
+        printError(address.isEmpty()
+                       ? QStringLiteral("there is no bus: %1 is not set").arg(QLatin1String(variableOf(chosenBus)))
+                       : QStringLiteral("there is no bus at %1").arg(address));
     }
     TimeLimit::expect(noAnswer());
     return isConnected;
+}
+
+void Service::settle()
+{
+    if (isNameStored) {
+        askBus(cSettlingMilliseconds);
+    }
 }
 
 bool Service::waitFor(const TelvaroLiveObject& object)

@@ -28,6 +28,9 @@ QDBusConnection bus();
 /// Connects to the bus, if this is a compositor device: on another device the libraries do nothing.
 bool connect();
 bool connectToBus();
+/// To be called before the process ends: Qt's thread may still hold a reply, and would drop it when the types of its
+/// values are already gone.
+void settle();
 
 /// Runs the event loop until the object knows the service's state. Returns whether it is Ready.
 bool waitFor(const TelvaroLiveObject& object);

@@ -42,7 +42,7 @@ QDBusPendingCall askBus(const QString& method, const QString& name)
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), method);
     question << name;
-    return Service::bus().asyncCall(question, TimeLimit::remaining());
+    return Service::bus().asyncCall(question, TimeLimit::beyond());
 }
 
 Owner serviceOwner()

@@ -85,6 +85,11 @@ int TimeLimit::remainingButReserve()
     return std::max(1, remaining() - reserve);
 }
 
+int TimeLimit::beyond()
+{
+    return remaining() + 1000;
+}
+
 void TimeLimit::lift()
 {
     setTimer(std::chrono::microseconds(0));

@@ -18,6 +18,8 @@ void expect(const QString& message);
 int remaining();
 /// As above, less a part in which the process can print what it knows.
 int remainingButReserve();
+/// Returns the timeout of a call whose failure to return is the limit's to report, and not Qt's at the same time.
+int beyond();
 
 /// Ends the limit.
 void lift();

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Command.h"
 #include "Console.h"
+#include "Service.h"
 
 #include <QCoreApplication>
 
@@ -9,5 +10,7 @@ int main(int argc, char* argv[])
 {
     installMessageHandler();
     const QCoreApplication application(argc, argv);
-    return run(QCoreApplication::arguments().mid(1));
+    const ExitStatus status = run(QCoreApplication::arguments().mid(1));
+    Service::settle();
+    return status;
 }

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void withoutTheServiceEveryCommandFailsAndSaysWhy_data();
     void withoutTheServiceEveryCommandFailsAndSaysWhy();
     void theBusCanBeChosen();
+    void aSessionBusWithoutAnAddressIsReportedByItsVariable();
 };
 
 void TelvaroctlUsageTest::helpNamesEveryCommand()
@@ -292,6 +293,19 @@ void TelvaroctlUsageTest::theBusCanBeChosen()
     QCOMPARE(onOther.output, views);
     QCOMPARE(addressed.output, views);
     QCOMPARE(telvaroctl(words("views --bus") + QStringList(built)).output, views);
+}
+
+void TelvaroctlUsageTest::aSessionBusWithoutAnAddressIsReportedByItsVariable()
+{
+    const QByteArray address = PrivateBus::address().toUtf8();
+    const QByteArray directory = qgetenv("XDG_RUNTIME_DIR");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    qunsetenv("XDG_RUNTIME_DIR");
+    const Result result = telvaroctl("views --bus session");
+    PrivateBus::setAddress(address);
+    qputenv("XDG_RUNTIME_DIR", directory);
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.errors, message("there is no bus: DBUS_SESSION_BUS_ADDRESS is not set"));
 }
 
 TELVARO_TEST_MAIN(TelvaroctlUsageTest)
