@@ -26,7 +26,10 @@ ClientSurface::ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudg
     setSurface(surface);
     connect(surface, &QWaylandSurface::childAdded, this, &ClientSurface::addChild);
     connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::handleCommit);
-    connect(this, &QWaylandView::surfaceDestroyed, this, &QObject::deleteLater);
+    connect(this, &QWaylandView::surfaceDestroyed, this, [this] {
+        mPixels.commit(QWaylandBufferRef(), QRegion());
+        deleteLater();
+    });
 }
 
 ClientSurface* ClientSurface::of(const QWaylandSurface* surface)

@@ -36,7 +36,7 @@ public:
     /// Returns the rectangle around this surface and its subsurfaces, as committed and in surface coordinates.
     QRect bounds() const;
 
-    /// Copies the pixels committed since the last call, in the whole tree. Returns the changed region in surface
+    /// Reads what was committed since the last call, in the whole tree. Returns the changed region in surface
     /// coordinates.
     QRegion update();
     void paint(QPainter* painter, const QPoint& position) const;

@@ -12,14 +12,18 @@
 
 #include <wayland-server-core.h>
 
-#include <cstddef>
-#include <cstring>
 #include <utility>
 
 namespace {
 
 /// Two pictures of the largest output.
 constexpr qint64 cMostBytesPerClient = 2 * qint64(Limits::cLargestEdge) * Limits::cLargestEdge * sizeof(QRgb);
+
+/// Whether Qt paints the format without converting it.
+bool isPlain(QImage::Format format)
+{
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32_Premultiplied;
+}
 
 } // namespace
 
@@ -35,12 +39,14 @@ SurfacePixels::SurfacePixels(std::shared_ptr<PixelBudget> budget)
 
 SurfacePixels::~SurfacePixels()
 {
-    setImage(QImage());
+    unshare();
+    setCopy(QImage());
 }
 
 void SurfacePixels::commit(const QWaylandBufferRef& buffer, const QRegion& damage)
 {
-    mCommittedBuffer = buffer;
+    unshare();
+    mBuffer = buffer;
     mCommittedDamage |= damage;
     mHasCommit = true;
 }
@@ -50,32 +56,27 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
     if (!std::exchange(mHasCommit, false)) {
         return {};
     }
-    const QWaylandBufferRef buffer = std::exchange(mCommittedBuffer, QWaylandBufferRef());
     QRegion damage = std::exchange(mCommittedDamage, QRegion());
-
     const QSize oldSize = mSize;
     const QRectF oldSource = mSource;
-    wl_resource* const resource = surface != nullptr && buffer.hasContent() ? buffer.wl_buffer() : nullptr;
+    wl_resource* const resource = surface != nullptr && mBuffer.hasContent() ? mBuffer.wl_buffer() : nullptr;
     wl_shm_buffer* const memory = resource == nullptr ? nullptr : wl_shm_buffer_get(resource);
-    const qint64 bytes = qint64(buffer.size().width()) * buffer.size().height() * qint64(sizeof(QRgb));
-    if (memory == nullptr || !mBudget->hasRoomFor(bytes - mImage.sizeInBytes())) {
+    if (memory == nullptr) {
         // A null buffer hides the surface; so does one that is already destroyed or is in a GPU's memory.
-        setImage(QImage());
+        setCopy(QImage());
         mSize = QSize();
         mSource = QRectF();
     } else {
         const int scale = surface->bufferScale();
+        mBufferSize = mBuffer.size();
         mSize = ClientBounds::clamped(surface->destinationSize());
         mSource = QRectF(surface->sourceGeometry().topLeft() * scale, surface->sourceGeometry().size() * scale);
         mTransform = surface->bufferTransform();
-        const bool isPlain = mTransform == WL_OUTPUT_TRANSFORM_NORMAL && QSizeF(mSize) * scale == QSizeF(buffer.size());
-        // The client may have truncated the file behind the memory: libwayland catches the SIGBUS between these calls.
-        wl_shm_buffer_begin_access(memory);
-        copy(SharedMemoryImage::of(memory), isPlain ? damage : QRegion(), scale);
-        wl_shm_buffer_end_access(memory);
-        if (!isPlain) {
+        const bool isWhole = mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSize * scale == mBufferSize;
+        if (!isWhole) {
             damage = QRect(QPoint(), mSize);
         }
+        read(memory);
     }
 
     if (mSize != oldSize || mSource != oldSource) {
@@ -86,32 +87,38 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
 
 void SurfacePixels::paint(QPainter* painter, const QPoint& position) const
 {
-    if (mImage.isNull() || mSize.isEmpty() || mSource.isEmpty()) {
+    if (mShared != nullptr) {
+        paintShared(painter, position);
+        return;
+    }
+    if (mCopy.isNull() || mSize.isEmpty() || mSource.isEmpty()) {
         return;
     }
     if (isUnscaled()) {
-        painter->drawImage(position, mImage);
+        painter->drawImage(position, mCopy);
         return;
     }
     painter->save();
     painter->setRenderHint(QPainter::SmoothPixmapTransform, mSource.size() != QSizeF(mSize));
     if (mTransform == WL_OUTPUT_TRANSFORM_NORMAL) {
-        painter->drawImage(QRectF(position, mSize), mImage, mSource);
+        painter->drawImage(QRectF(position, mSize), mCopy, mSource);
     } else {
         painter->setClipRect(QRect(position, mSize), Qt::IntersectClip);
         painter->translate(position);
         painter->scale(mSize.width() / mSource.width(), mSize.height() / mSource.height());
         painter->translate(-mSource.topLeft());
-        const QSizeF upright = BufferTransform::applied(mTransform, QSizeF(mImage.size()));
+        const QSizeF upright = BufferTransform::applied(mTransform, QSizeF(mCopy.size()));
         painter->setTransform(BufferTransform::toBuffer(mTransform, upright).inverted(), true);
-        painter->drawImage(QPoint(), mImage);
+        painter->drawImage(QPoint(), mCopy);
     }
     painter->restore();
 }
 
 QRect SurfacePixels::opaqueRect() const
 {
-    return isUnscaled() && mImage.format() == QImage::Format_RGB32 ? QRect(QPoint(), mSize) & mImage.rect() : QRect();
+    const QImage::Format format = mShared != nullptr ? mSharedFormat : mCopy.format();
+    return isUnscaled() && format == QImage::Format_RGB32 ? QRect(QPoint(), mSize) & QRect(QPoint(), mBufferSize)
+                                                          : QRect();
 }
 
 bool SurfacePixels::isUnscaled() const
@@ -119,35 +126,73 @@ bool SurfacePixels::isUnscaled() const
     return mTransform == WL_OUTPUT_TRANSFORM_NORMAL && mSource == QRectF(QPointF(), QSizeF(mSize));
 }
 
-void SurfacePixels::setImage(const QImage& image)
+void SurfacePixels::read(wl_shm_buffer* memory)
 {
-    mBudget->add(image.sizeInBytes() - mImage.sizeInBytes());
-    mImage = image;
+    const QImage image = SharedMemoryImage::of(memory);
+    const auto address = reinterpret_cast<quintptr>(image.constBits());
+    const bool isAligned = (address | static_cast<quintptr>(image.bytesPerLine())) % alignof(QRgb) == 0;
+    setCopy(QImage());
+    if (isUnscaled() && isPlain(image.format()) && isAligned) {
+        share(memory, image.format());
+    } else {
+        copy(memory);
+    }
 }
 
-/// Copies the damaged part, or everything when the size or the format has changed.
-void SurfacePixels::copy(const QImage& source, const QRegion& damage, int scale)
+void SurfacePixels::share(wl_shm_buffer* memory, QImage::Format format)
 {
-    const bool isPlain =
-        source.format() == QImage::Format_RGB32 || source.format() == QImage::Format_ARGB32_Premultiplied;
-    if (!isPlain) {
-        // Qt converts in other threads, in which libwayland does not catch the SIGBUS: copy first.
-        setImage(source.copy().convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
-                                                                        : QImage::Format_RGB32));
+    mShared = memory;
+    mSharedFormat = format;
+    mDestroyListener = std::make_unique<ResourceListener>(mBuffer.wl_buffer(), [this] {
+        copy(std::exchange(mShared, nullptr));
+    });
+}
+
+void SurfacePixels::unshare()
+{
+    mShared = nullptr;
+    mDestroyListener.reset();
+}
+
+void SurfacePixels::copy(wl_shm_buffer* memory)
+{
+    const QImage image = SharedMemoryImage::of(memory);
+    if (!mBudget->hasRoomFor(qint64(image.width()) * image.height() * qint64(sizeof(QRgb)))) {
         return;
     }
-    if (damage.isEmpty() || mImage.size() != source.size() || mImage.format() != source.format()) {
-        setImage(source.copy());
-        return;
+    wl_shm_buffer_begin_access(memory);
+    const QImage copy = image.copy();
+    wl_shm_buffer_end_access(memory);
+    setCopy(isPlain(image.format()) ? copy
+                                    : copy.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                                   : QImage::Format_RGB32));
+}
+
+void SurfacePixels::setCopy(const QImage& image)
+{
+    mBudget->add(image.sizeInBytes() - mCopy.sizeInBytes());
+    mCopy = image;
+}
+
+/// Paints each rectangle by itself: only then Qt neither uses other threads nor reads what is not shown.
+void SurfacePixels::paintShared(QPainter* painter, const QPoint& position) const
+{
+    const bool isUpright = painter->transform().type() <= QTransform::TxTranslate;
+    QRegion visible = QRect(QPoint(), mSize) & QRect(QPoint(), mBufferSize);
+    if (painter->hasClipping()) {
+        visible &= painter->clipRegion().translated(-position);
     }
-    uchar* const target = mImage.bits();
-    for (const QRect& rect : damage) {
-        const QRect pixels = QRect(rect.topLeft() * scale, rect.size() * scale) & source.rect();
-        const auto offset = static_cast<std::size_t>(pixels.left()) * sizeof(QRgb);
-        const auto length = static_cast<std::size_t>(pixels.width()) * sizeof(QRgb);
-        for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
-            std::memcpy(target + static_cast<std::ptrdiff_t>(y) * mImage.bytesPerLine() + offset,
-                        source.constScanLine(y) + offset, length);
+    painter->save();
+    painter->setClipping(false);
+    wl_shm_buffer_begin_access(mShared);
+    const QImage image = SharedMemoryImage::of(mShared);
+    for (const QRect& rect : visible) {
+        if (isUpright) {
+            painter->drawImage(position + rect.topLeft(), image, rect);
+        } else {
+            painter->drawImage(position + rect.topLeft(), image.copy(rect));
         }
     }
+    wl_shm_buffer_end_access(mShared);
+    painter->restore();
 }

@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "wayland/ResourceListener.h"
+
 #include <QImage>
 #include <QRectF>
 #include <QRegion>
@@ -14,9 +16,10 @@
 class QPainter;
 class QPoint;
 class ServerSurface;
+struct wl_shm_buffer;
 
-/// The bytes that all SurfacePixels of one client hold. Limited, because a client can show a single wl_buffer on any
-/// number of surfaces.
+/// The bytes that all SurfacePixels of one client have copied. Limited, because a client can show a single wl_buffer on
+/// any number of surfaces.
 class PixelBudget
 {
 public:
@@ -30,8 +33,9 @@ private:
     qint64 mBytes = 0;
 };
 
-/// A copy of the pixels of a surface's current wl_buffer. Because it is a copy, a client that hangs, dies or truncates
-/// its memory can neither disturb the painting nor leave a hole.
+/// The pixels of a surface's current wl_buffer. They stay in the client's memory, where libwayland catches the SIGBUS
+/// of a client that truncates it. A picture that Qt has to convert, scale or turn is copied, since Qt does that in
+/// other threads, in which no SIGBUS is caught; so is the memory of a wl_buffer that is destroyed while it is shown.
 class SurfacePixels
 {
 public:
@@ -40,9 +44,9 @@ public:
     SurfacePixels(const SurfacePixels&) = delete;
     SurfacePixels& operator=(const SurfacePixels&) = delete;
 
-    /// Notes a wl_surface.commit; the buffer is copied by the next update().
+    /// Takes a wl_surface.commit, and leaves the buffer that was current. Nothing is to be painted before update().
     void commit(const QWaylandBufferRef& buffer, const QRegion& damage);
-    /// Copies what was committed since the last call. Returns the changed region in surface coordinates. `surface` is
+    /// Reads what was committed since the last call. Returns the changed region in surface coordinates. `surface` is
     /// null when the client has destroyed it.
     QRegion update(const ServerSurface* surface);
 
@@ -58,15 +62,24 @@ public:
 private:
     /// Whether each pixel of the surface is one of the image.
     bool isUnscaled() const;
-    void setImage(const QImage& image);
-    void copy(const QImage& source, const QRegion& damage, int scale);
+    void read(wl_shm_buffer* memory);
+    void share(wl_shm_buffer* memory, QImage::Format format);
+    void unshare();
+    void copy(wl_shm_buffer* memory);
+    void setCopy(const QImage& image);
+    void paintShared(QPainter* painter, const QPoint& position) const;
 
     std::shared_ptr<PixelBudget> mBudget;
-    QWaylandBufferRef mCommittedBuffer;
+    QWaylandBufferRef mBuffer;
     QRegion mCommittedDamage;
     bool mHasCommit = false;
 
-    QImage mImage;
+    /// The client's memory, or null where there is a copy or nothing.
+    wl_shm_buffer* mShared = nullptr;
+    QImage::Format mSharedFormat = QImage::Format_Invalid;
+    std::unique_ptr<ResourceListener> mDestroyListener;
+    QImage mCopy;
+    QSize mBufferSize;
     QSize mSize;
     wl_output_transform mTransform = WL_OUTPUT_TRANSFORM_NORMAL;
     /// The part of the upright image that is shown, by wp_viewport.

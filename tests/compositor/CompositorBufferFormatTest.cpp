@@ -8,6 +8,7 @@
 #include <QSet>
 
 #include <functional>
+#include <stdexcept>
 #include <unistd.h>
 #include <wayland-client-protocol.h>
 
@@ -93,45 +94,60 @@ private Q_SLOTS:
     void aTransparentPictureShowsWhatIsBelow_data();
     void aTransparentPictureShowsWhatIsBelow();
     void linesThatAreTooShortHarmNobody();
+    void aPictureOutlivesItsBuffer();
+    void aPictureWhoseMemoryIsTakenAwayHarmsOnlyItsClient_data();
+    void aPictureWhoseMemoryIsTakenAwayHarmsOnlyItsClient();
 
 private:
-    /// Shows a picture of cSize as a window.
-    static void show(WireClient& client, const QByteArray& picture, int bytesPerPixel, quint32 format);
+    /// Shows a picture of cSize as a window. Returns its wl_buffer.
+    static quint32 show(WireClient& client, const QByteArray& picture, int bytesPerPixel, quint32 format,
+                        int offset = 0);
 };
 
-void CompositorBufferFormatTest::show(WireClient& client, const QByteArray& picture, int bytesPerPixel, quint32 format)
+quint32 CompositorBufferFormatTest::show(WireClient& client, const QByteArray& picture, int bytesPerPixel,
+                                         quint32 format, int offset)
 {
     const WireClient::Window window = client.createWindow();
-    // A pool that begins with something else, so that the picture is not aligned.
-    const quint32 pool = client.createPool(picture.size() + 1, picture.size() + 1);
-    QCOMPARE(pwrite(client.memory(), picture.constData(), static_cast<std::size_t>(picture.size()), 1), picture.size());
+    const quint32 pool = client.createPool(picture.size() + offset, picture.size() + offset);
+    if (pwrite(client.memory(), picture.constData(), static_cast<std::size_t>(picture.size()), offset)
+        != picture.size()) {
+        throw std::runtime_error("the picture cannot be written");
+    }
     const quint32 buffer = client.newId();
     client.send(WireMessage(pool, WL_SHM_POOL_CREATE_BUFFER)
                     .number(buffer)
-                    .number(1U)
+                    .number(static_cast<quint32>(offset))
                     .number(cSize.width())
                     .number(cSize.height())
                     .number(cSize.width() * bytesPerPixel)
                     .number(format));
     client.show(window.surface, buffer);
-    QVERIFY2(client.synchronise(), client.errorText());
-    TRY_COMPARE(CompositorBus::views().size(), 1);
+    if (!client.synchronise()) {
+        throw std::runtime_error(client.errorText().toStdString());
+    }
+    return buffer;
 }
 
 void CompositorBufferFormatTest::aPictureIsShownInItsColours_data()
 {
     QTest::addColumn<quint32>("code");
     QTest::addColumn<Format>("format");
-    const auto row = [](const char* name, quint32 code, const Format& format) {
-        QTest::newRow(name) << code << format;
+    QTest::addColumn<int>("offset");
+    const auto row = [](const char* name, quint32 code, const Format& format, int offset = 0) {
+        QTest::newRow(name) << code << format << offset;
     };
-    row("ARGB8888", WL_SHM_FORMAT_ARGB8888, {4, {8, 16}, {8, 8}, {8, 0}, {8, 24}, 0});
-    row("XRGB8888", WL_SHM_FORMAT_XRGB8888, {4, {8, 16}, {8, 8}, {8, 0}, {0, 0}, 0x12000000});
+    const Format argb{4, {8, 16}, {8, 8}, {8, 0}, {8, 24}, 0};
+    const Format xrgb{4, {8, 16}, {8, 8}, {8, 0}, {0, 0}, 0x12000000};
+    row("ARGB8888", WL_SHM_FORMAT_ARGB8888, argb);
+    row("ARGB8888, unaligned", WL_SHM_FORMAT_ARGB8888, argb, 1);
+    row("XRGB8888", WL_SHM_FORMAT_XRGB8888, xrgb);
+    row("XRGB8888, unaligned", WL_SHM_FORMAT_XRGB8888, xrgb, 1);
     row("ABGR8888", WL_SHM_FORMAT_ABGR8888, {4, {8, 0}, {8, 8}, {8, 16}, {8, 24}, 0});
     row("XBGR8888", WL_SHM_FORMAT_XBGR8888, {4, {8, 0}, {8, 8}, {8, 16}, {0, 0}, 0x12000000});
     row("RGB888", WL_SHM_FORMAT_RGB888, {3, {8, 16}, {8, 8}, {8, 0}, {0, 0}, 0});
     row("BGR888", WL_SHM_FORMAT_BGR888, {3, {8, 0}, {8, 8}, {8, 16}, {0, 0}, 0});
     row("RGB565", WL_SHM_FORMAT_RGB565, {2, {5, 11}, {6, 5}, {5, 0}, {0, 0}, 0});
+    row("RGB565, unaligned", WL_SHM_FORMAT_RGB565, {2, {5, 11}, {6, 5}, {5, 0}, {0, 0}, 0}, 1);
     row("XRGB1555", WL_SHM_FORMAT_XRGB1555, {2, {5, 10}, {5, 5}, {5, 0}, {0, 0}, 0});
     row("XRGB1555, filled", WL_SHM_FORMAT_XRGB1555, {2, {5, 10}, {5, 5}, {5, 0}, {0, 0}, 0x8000});
     row("ARGB4444", WL_SHM_FORMAT_ARGB4444, {2, {4, 8}, {4, 4}, {4, 0}, {4, 12}, 0});
@@ -147,8 +163,9 @@ void CompositorBufferFormatTest::aPictureIsShownInItsColours()
 {
     QFETCH(quint32, code);
     QFETCH(Format, format);
+    QFETCH(int, offset);
     const auto client = wireClient();
-    show(*client, pictureIn(format), format.bytes, code);
+    show(*client, pictureIn(format), format.bytes, code, offset);
     const QImage picture = screenShot();
     for (int y = 0; y < cSize.height(); ++y) {
         for (int x = 0; x < cSize.width(); ++x) {
@@ -220,6 +237,39 @@ void CompositorBufferFormatTest::linesThatAreTooShortHarmNobody()
         screenShot();
         QVERIFY2(client->synchronise(), client->errorText());
     }
+}
+
+void CompositorBufferFormatTest::aPictureOutlivesItsBuffer()
+{
+    const auto client = wireClient();
+    const quint32 buffer =
+        show(*client, QByteArray(cSize.width() * cSize.height() * 4, '\xff'), 4, WL_SHM_FORMAT_XRGB8888);
+    QCOMPARE(screenShot().pixelColor(cOrigin), QColor(Qt::white));
+    client->send(WireMessage(buffer, WL_BUFFER_DESTROY));
+    QVERIFY2(client->synchronise(), client->errorText());
+    QCOMPARE(screenShot().pixelColor(cOrigin), QColor(Qt::white));
+}
+
+void CompositorBufferFormatTest::aPictureWhoseMemoryIsTakenAwayHarmsOnlyItsClient_data()
+{
+    QTest::addColumn<QString>("orientation");
+    for (const char* orientation : {"0", "90", "180", "270"}) {
+        QTest::newRow(orientation) << QString::fromLatin1(orientation);
+    }
+}
+
+void CompositorBufferFormatTest::aPictureWhoseMemoryIsTakenAwayHarmsOnlyItsClient()
+{
+    QFETCH(QString, orientation);
+    expectComplaints(1);
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"), orientation);
+    const auto client = wireClient();
+    show(*client, QByteArray(cSize.width() * cSize.height() * 4, '\xff'), 4, WL_SHM_FORMAT_XRGB8888);
+    screenShot();
+    QCOMPARE(ftruncate(client->memory(), 0), 0);
+    screenShot();
+    QVERIFY(!client->synchronise());
+    TRY_COMPARE(CompositorBus::views().size(), 0);
 }
 
 TELVARO_TEST_MAIN(CompositorBufferFormatTest)
