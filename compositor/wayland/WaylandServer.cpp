@@ -31,8 +31,7 @@
 
 #include <QtWaylandCompositor/private/qwaylandoutput_p.h>
 #include <QtWaylandCompositor/private/qwaylandseat_p.h>
-#include <sys/socket.h>
-#include <sys/un.h>
+#include <cstdio>
 #include <unistd.h>
 #include <wayland-server.h>
 
@@ -45,8 +44,6 @@ namespace {
 
 constexpr int cRefreshMilliHertz = 60000;
 constexpr qreal cMillimetresPerPixel = 25.4 / 96;
-/// Of clients that wait to be accepted, as libwayland has it.
-constexpr int cLongestQueue = 128;
 
 /// Hides Qt's plugins for client buffers in a GPU's memory. Only shared memory can be painted, and without those
 /// globals that is what clients use.
@@ -118,6 +115,7 @@ WaylandServer::~WaylandServer()
 {
     // Must happen while the receivers of the signals still exist. QWaylandCompositor destroys only some clients.
     wl_display_destroy_clients(display());
+    ::unlink(hiddenSocketPath().constData());
 }
 
 void WaylandServer::start(const QByteArray& socketName)
@@ -141,28 +139,28 @@ QByteArray WaylandServer::socketPath() const
     return qgetenv("XDG_RUNTIME_DIR") + '/' + socketName();
 }
 
+QByteArray WaylandServer::hiddenSocketPath() const
+{
+    return socketPath() + ".closed";
+}
+
 void WaylandServer::hangUp()
 {
-    // libwayland has no function that closes a socket before the display is destroyed. Without its file nobody can
-    // connect to it.
-    ::unlink(socketPath().constData());
+    // libwayland has no function that closes a socket before the display is destroyed. Under another name nobody
+    // connects to it.
+    ::rename(socketPath().constData(), hiddenSocketPath().constData());
     wl_display_destroy_clients(display());
 }
 
 MaybeError WaylandServer::reopen()
 {
     const QByteArray path = socketPath();
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    qstrncpy(address.sun_path, path.constData(), sizeof(address.sun_path));
-    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0
-        || ::listen(descriptor, cLongestQueue) != 0) {
-        const QString reason = qt_error_string();
-        ::close(descriptor);
-        return Error{QStringLiteral("cannot open the socket %1: %2").arg(QString::fromLocal8Bit(path), reason)};
+    // Unlike rename(), takes the name from nobody.
+    if (::link(hiddenSocketPath().constData(), path.constData()) != 0) {
+        return Error{
+            QStringLiteral("cannot open the socket %1: %2").arg(QString::fromLocal8Bit(path), qt_error_string())};
     }
-    addSocketDescriptor(descriptor);
+    ::unlink(hiddenSocketPath().constData());
     return {};
 }
 

@@ -40,9 +40,9 @@ public:
 
     /// Opens the socket.
     void start(const QByteArray& socketName);
-    /// Removes the socket and disconnects all clients, as if the compositor had ended.
+    /// Hides the socket and disconnects all clients, as if the compositor had ended.
     void hangUp();
-    /// Opens a socket of the same name again.
+    /// Shows the socket again.
     MaybeError reopen();
     RequestGuard& guard()
     {
@@ -76,6 +76,8 @@ private:
     void describeOutput();
     /// Returns the path of the socket.
     QByteArray socketPath() const;
+    /// The socket's path between hangUp() and reopen().
+    QByteArray hiddenSocketPath() const;
 
     const Output& mOutput;
     ViewList& mViews;

@@ -11,6 +11,7 @@
 #include <QDBusReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
@@ -152,6 +153,8 @@ private Q_SLOTS:
     void aFrozenCompositorDoesNotBlameTheApplications();
     void aStoppedApplicationRunsOnAfterTheCompositorsEnd();
     void aRestartLosesClientsAndTheService();
+    void restartsKeepNoDescriptors();
+    void anEndDuringARestartLeavesNoSocket();
     void theEndHasItsStatus_data();
     void theEndHasItsStatus();
     void buttonsArePressedWhenTheirViewIsThere();
@@ -1005,6 +1008,47 @@ void CompositorScriptTest::aRestartLosesClientsAndTheService()
     other->waitFor("activated 1");
     QCOMPARE(CompositorBus::views().size(), 1);
     TRY_COMPARE(screen("orientation"), QVariant(QStringLiteral("90")));
+}
+
+void CompositorScriptTest::restartsKeepNoDescriptors()
+{
+    play(R"([
+        {"after": {"current": "app"}, "restart": 0},
+        {"after": {"current": "app", "times": 2}, "restart": 0},
+        {"after": {"current": "app", "times": 3}, "restart": 0}
+    ])");
+    mMonitor.reset();
+    QDBusServiceWatcher watcher(QStringLiteral(TELVARO_SERVICE_NAME), PrivateBus::connection());
+    const QSignalSpy back(&watcher, &QDBusServiceWatcher::serviceRegistered);
+    const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(mCompositor->processId()));
+    const auto count = [&descriptors] {
+        return descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
+    };
+    int before = 0;
+    for (int restarts = 1; restarts <= 3; ++restarts) {
+        const auto client = protocolClient();
+        client->send("open app Window");
+        client->waitFor("disconnected");
+        TRY_COMPARE(back.count(), restarts);
+        if (restarts == 1) {
+            before = count();
+        }
+    }
+    TRY_COMPARE(count(), before);
+}
+
+void CompositorScriptTest::anEndDuringARestartLeavesNoSocket()
+{
+    play(R"([{"after": {"current": "app"}, "restart": 60}])");
+    mMonitor.reset();
+    const auto client = protocolClient();
+    client->send("open app Window");
+    client->waitFor("disconnected");
+    QCOMPARE(mCompositor->end(), 0);
+    QCOMPARE(mCompositor->sockets(), QStringList());
+    // The cleanup expects a running compositor.
+    mCompositor = std::make_unique<CompositorProcess>();
+    play("[]");
 }
 
 void CompositorScriptTest::theEndHasItsStatus_data()
