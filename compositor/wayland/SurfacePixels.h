@@ -34,8 +34,8 @@ private:
 };
 
 /// The pixels of a surface's current wl_buffer. They stay in the client's memory, where libwayland catches the SIGBUS
-/// of a client that truncates it. A picture that Qt has to convert or scale is copied first, since Qt does that in other
-/// threads, in which no SIGBUS is caught; so is the picture of a wl_buffer that is destroyed while it is shown.
+/// of a client that truncates it. A picture that Qt has to convert or scale is copied first, since Qt does that in
+/// other threads, in which no SIGBUS is caught; so is the picture of a wl_buffer that is destroyed while it is shown.
 class SurfacePixels
 {
 public:
