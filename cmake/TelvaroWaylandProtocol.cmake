@@ -11,10 +11,10 @@ if(NOT telvaro_wayland_protocols OR NOT telvaro_wayland_scanner)
 endif()
 
 # Generates the code of a Wayland protocol and links it to the target. The file is a path in the package
-# wayland-protocols, the side is server or client, and the header is <name>-<side>-protocol.h. The target's property
-# TELVARO_PROTOCOLS lists the libraries.
+# wayland-protocols or an absolute one, the side is server or client, and the header is <name>-<side>-protocol.h. The
+# target's property TELVARO_PROTOCOLS lists the libraries.
 function(telvaro_wayland_protocol target side file)
-    set(xml "${telvaro_wayland_protocols}/${file}")
+    get_filename_component(xml "${file}" ABSOLUTE BASE_DIR "${telvaro_wayland_protocols}")
     get_filename_component(name "${file}" NAME_WE)
     set(library "${target}-${name}")
     set(directory "${CMAKE_CURRENT_BINARY_DIR}/${library}-generated")

@@ -109,6 +109,7 @@ MaybeError Compositor::start()
     mBusService.takeNotificationName();
 
     mServer.start(std::get<QByteArray>(socketName));
+    mScene.feed(mServer.screencopy());
     const QVector<InputLayer*> inputLayers{&mMenu, &mNotificationCards, &mKeyboard, &mStatusBar};
     QWaylandSeat* const seat = mServer.defaultSeat();
     mSeatInput = std::make_unique<SeatInput>(seat, mServer.guard(), mServer.drag(), mWindowStack,

@@ -5,7 +5,6 @@
 #include "shell/Scene.h"
 #include "shell/SeatInput.h"
 #include "shell/TouchInput.h"
-#include "state/Limits.h"
 #include "state/Output.h"
 
 #include <QKeyEvent>
@@ -14,8 +13,6 @@
 #include <QResizeEvent>
 #include <QTouchEvent>
 #include <QWheelEvent>
-
-using Limits::cFrameMilliseconds;
 
 OutputWindow::OutputWindow(Output& output, Scene& scene)
     : mOutput(output)
@@ -26,23 +23,19 @@ OutputWindow::OutputWindow(Output& output, Scene& scene)
     setTitle(QStringLiteral("Telvaro"));
     resize(output.windowSize());
 
-    mFrameTimer.setSingleShot(true);
-    mFrameTimer.setTimerType(Qt::PreciseTimer);
-    connect(&mFrameTimer, &QTimer::timeout, this, &OutputWindow::paintFrame);
+    connect(&mFrameTimer, &FrameTimer::due, this, &OutputWindow::paintFrame);
     connect(&scene, &Scene::frameRequested, this, &OutputWindow::scheduleFrame);
     connect(&output, &Output::geometryChanged, this, [this] {
         if (size() != mOutput.windowSize()) {
             resize(mOutput.windowSize());
         }
     });
-    mSinceFrame.start();
 }
 
 void OutputWindow::scheduleFrame()
 {
-    if (!mFrameTimer.isActive() && isExposed()) {
-        mFrameTimer.start(
-            static_cast<int>(qBound<qint64>(0, cFrameMilliseconds - mSinceFrame.elapsed(), cFrameMilliseconds)));
+    if (isExposed()) {
+        mFrameTimer.request();
     }
 }
 
@@ -51,7 +44,6 @@ void OutputWindow::paintFrame()
     if (!isExposed()) {
         return;
     }
-    mSinceFrame.restart();
     const QRegion damage = mScene.update();
     if (!damage.isEmpty()) {
         mBackingStore.resize(size());

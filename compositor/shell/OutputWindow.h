@@ -2,9 +2,9 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "state/FrameTimer.h"
+
 #include <QBackingStore>
-#include <QElapsedTimer>
-#include <QTimer>
 #include <QWindow>
 
 class Output;
@@ -63,6 +63,5 @@ private:
     /// While the mouse is a finger that is down.
     int mMouseFingers = 0;
     QBackingStore mBackingStore;
-    QTimer mFrameTimer;
-    QElapsedTimer mSinceFrame;
+    FrameTimer mFrameTimer;
 };

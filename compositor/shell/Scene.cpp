@@ -4,6 +4,7 @@
 
 #include "shell/SceneLayer.h"
 #include "state/ScreenSaver.h"
+#include "wayland/Screencopy.h"
 
 #include <QPainter>
 
@@ -19,14 +20,22 @@ Scene::Scene(const Output& output, const ScreenSaver& screenSaver, QObject* pare
 
 void Scene::repaint()
 {
-    mDamage = mOutput.rect();
+    addDamage(mOutput.rect());
     requestFrame();
 }
 
 void Scene::updateLayers()
 {
     for (SceneLayer* layer : qAsConst(mLayers)) {
-        mDamage |= layer->update();
+        addDamage(layer->update());
+    }
+}
+
+void Scene::addDamage(const QRegion& region)
+{
+    if (!region.isEmpty()) {
+        mDamage |= region;
+        Q_EMIT damaged(region);
     }
 }
 
@@ -63,4 +72,17 @@ QImage Scene::toImage()
     QPainter painter(&image);
     paint(&painter, mOutput.physicalSize(), mOutput.toDisplay());
     return image;
+}
+
+void Scene::feed(Screencopy& screencopy)
+{
+    screencopy.setSource(
+        [this] {
+            updateLayers();
+        },
+        [this] {
+            return toImage();
+        });
+    connect(this, &Scene::frameRequested, &screencopy, &Screencopy::noteChange);
+    connect(this, &Scene::damaged, &screencopy, &Screencopy::addDamage);
 }

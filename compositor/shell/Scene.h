@@ -11,6 +11,7 @@
 
 class QPainter;
 class SceneLayer;
+class Screencopy;
 class ScreenSaver;
 
 /// The contents of the output: its layers, rotated with the output, or black while the screen saver is active.
@@ -44,12 +45,17 @@ public:
     }
     /// Returns what the display of the device shows.
     QImage toImage();
+    /// Lets clients capture the scene.
+    void feed(Screencopy& screencopy);
 
 Q_SIGNALS:
     void frameRequested();
+    /// The region looks different now; in the output's coordinates.
+    void damaged(const QRegion& region);
 
 private:
     void updateLayers();
+    void addDamage(const QRegion& region);
     void paint(QPainter* painter, const QSize& size, const QTransform& transform) const;
 
     const Output& mOutput;

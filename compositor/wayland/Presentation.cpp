@@ -98,15 +98,14 @@ void FeedbackList::discard()
 
 void FeedbackList::present(const timespec& time)
 {
-    const auto seconds = static_cast<uint64_t>(time.tv_sec);
+    const Presentation::WireTime wireTime(time);
     endAll([&](wl_resource* feedback) {
         for (wl_resource* output : ClientResources::of(wl_resource_get_client(feedback), wl_output_interface)) {
             wp_presentation_feedback_send_sync_output(feedback, output);
         }
         // Frames are painted by a timer, and no counter of a display's retraces is known: its value and the flags are
         // 0.
-        wp_presentation_feedback_send_presented(feedback, static_cast<uint32_t>(seconds >> 32),
-                                                static_cast<uint32_t>(seconds), static_cast<uint32_t>(time.tv_nsec),
-                                                cRefreshNanoseconds, 0, 0, 0);
+        wp_presentation_feedback_send_presented(feedback, wireTime.highSeconds, wireTime.lowSeconds,
+                                                wireTime.nanoseconds, cRefreshNanoseconds, 0, 0, 0);
     });
 }

@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include <cstdint>
 #include <ctime>
 #include <wayland-server-core.h>
 
@@ -13,6 +14,21 @@ namespace Presentation {
 void announce(ServerGlobals& globals);
 /// Returns the time of the clock that clients are sent times of.
 timespec now();
+
+/// A time as events carry it.
+struct WireTime
+{
+    explicit WireTime(const timespec& time)
+        : highSeconds(static_cast<uint32_t>(static_cast<uint64_t>(time.tv_sec) >> 32))
+        , lowSeconds(static_cast<uint32_t>(time.tv_sec))
+        , nanoseconds(static_cast<uint32_t>(time.tv_nsec))
+    {
+    }
+
+    uint32_t highSeconds;
+    uint32_t lowSeconds;
+    uint32_t nanoseconds;
+};
 
 } // namespace Presentation
 

@@ -13,6 +13,7 @@
 #include "wayland/ClientWindow.h"
 #include "wayland/DataDevices.h"
 #include "wayland/Presentation.h"
+#include "wayland/Screencopy.h"
 #include "wayland/ServerGlobals.h"
 #include "wayland/ServerSurface.h"
 #include "wayland/SharedMemoryImage.h"
@@ -196,6 +197,11 @@ TextInputs& WaylandServer::textInputs()
     return *mTextInputs;
 }
 
+Screencopy& WaylandServer::screencopy()
+{
+    return *mScreencopy;
+}
+
 void WaylandServer::announceGlobals()
 {
     mGlobals = std::make_unique<ServerGlobals>(display());
@@ -210,6 +216,7 @@ void WaylandServer::announceGlobals()
     mDataDevices = std::make_unique<DataDevices>(*mGlobals, *defaultSeat());
     mTouch = std::make_unique<ClientTouch>(*defaultSeat());
     mTextInputs = std::make_unique<TextInputs>(*mGlobals, *defaultSeat());
+    mScreencopy = std::make_unique<Screencopy>(*mGlobals, mOutput);
 }
 
 void WaylandServer::addWindow(XdgToplevel* toplevel)

@@ -21,6 +21,7 @@ class ClientWindow;
 class DataDevices;
 class Output;
 class PixelBudget;
+class Screencopy;
 class ServerGlobals;
 class TextInputs;
 class ViewList;
@@ -52,6 +53,7 @@ public:
     ClientDrag& drag();
     ClientTouch& touch();
     TextInputs& textInputs();
+    Screencopy& screencopy();
 
 Q_SIGNALS:
     void windowCreated(ClientWindow* window);
@@ -90,6 +92,7 @@ private:
     std::unique_ptr<DataDevices> mDataDevices;
     std::unique_ptr<ClientTouch> mTouch;
     std::unique_ptr<TextInputs> mTextInputs;
+    std::unique_ptr<Screencopy> mScreencopy;
     std::unique_ptr<XdgOutput> mXdgOutput;
     QHash<QWaylandClient*, ClientRecord> mClients;
 };

@@ -26,7 +26,8 @@ test_build_packages=(
 )
 test_packages=(
     "${documentation_packages[@]}"
-    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish libglib2.0-bin libnotify-bin meson python3-dbus python3-jsonschema
+    binutils bsdextrautils clang-format desktop-file-utils dpkg-dev fish grim libglib2.0-bin libnotify-bin meson
+    python3-dbus python3-jsonschema
     qml-module-qtquick-window2 qml-module-qtquick2 qml-module-qttest qt6-base-dev reuse systemd xdotool xvfb
     zsh
 )

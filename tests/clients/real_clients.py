@@ -168,6 +168,12 @@ def content(path, empty):
     return differing * 1000 // total, len(colours)
 
 
+def grid(path):
+    """The pixels of a PNG file without their opacity, as a list of rows."""
+    rows, step = pixels(path)
+    return [[row[i:i + 3] for i in range(0, len(row), step)] for row in rows]
+
+
 class Desk:
     """A session without a display, its compositor, and what can be done in it."""
 
@@ -241,6 +247,17 @@ class Desk:
         if path is None:
             raise Finding("no screenshot")
         return pathlib.Path(shutil.move(path.strip(), self.pictures / f"{name}.png"))
+
+    def capture(self):
+        """Takes a picture by grim and returns its path, or None where grim fails."""
+        self.log("grim")
+        path = self.pictures / "grim.png"
+        try:
+            done = subprocess.run(["grim", path], env=self.environment, stdin=subprocess.DEVNULL, stdout=self.output,
+                                  stderr=subprocess.STDOUT, timeout=2 * PATIENCE)
+        except subprocess.TimeoutExpired:
+            raise Finding("no end of: grim") from None
+        return None if done.returncode else path
 
     def start(self, name):
         self.log(f"start {name}")
@@ -318,6 +335,26 @@ def try_client(desk, name, empty):
             raise Finding(f"the views of {name} stay")
 
 
+def try_grim(desk):
+    """Compares the picture of grim with the screenshot, in every orientation; returns what was wrong."""
+    def is_screenshot(turns):
+        picture = desk.capture()
+        expected = grid(desk.picture("grim-expected"))
+        for _ in range(turns):
+            expected = [list(column) for column in zip(*expected)][::-1]
+        return picture is not None and grid(picture) == expected
+
+    try:
+        for turns in range(4):
+            desk.control("orientation", str(90 * turns))
+            # The clock may change between the pictures.
+            if not wait_until(lambda: is_screenshot(turns), 5):
+                return f"not the screenshot at {90 * turns} degrees"
+        return ""
+    finally:
+        desk.control("orientation", "0")
+
+
 class Soak:
     """Random actions; which, depends on the seed alone, and not on how far the clients are."""
 
@@ -327,7 +364,7 @@ class Soak:
         self.count = 0
         choices = {self.start: 5, self.kill: 1, self.stop: 1, self.resume: 3, self.tap: 5, self.click: 3, self.drag: 5,
                    self.scroll: 2, self.type: 4, self.key: 5, self.turn: 1, self.full_screen: 1, self.notify: 1,
-                   self.screenshot: 1, self.overlay: 1}
+                   self.screenshot: 1, self.capture: 1, self.overlay: 1}
         self.actions, self.weights = zip(*choices.items())
 
     def run(self, seconds):
@@ -400,6 +437,10 @@ class Soak:
     def screenshot(self):
         self.desk.picture("soak")
 
+    def capture(self):
+        # grim may fail: a key may still be rotating the screen.
+        self.desk.capture()
+
     def overlay(self):
         self.desk.control("overlay", *self.random.choice([["show", "Wait"], ["hide"]]))
 
@@ -425,6 +466,10 @@ def run(arguments, log):
     try:
         empty = desk.picture("empty")
         shutil.copy(empty, directory / "picture.png")
+        problem = try_grim(desk)
+        print(f"grim: {problem or 'ok'}", flush=True)
+        if problem:
+            problems.append(f"grim: {problem}")
         names = [name for name, client in CLIENTS.items() if client.package in arguments.packages]
         for name in names:
             problem = try_client(desk, name, empty)

@@ -12,6 +12,7 @@
 #include <vector>
 #include <viewporter-client-protocol.h>
 #include <wayland-client-protocol.h>
+#include <wlr-screencopy-unstable-v1-client-protocol.h>
 #include <xdg-decoration-unstable-v1-client-protocol.h>
 #include <xdg-shell-client-protocol.h>
 
@@ -294,6 +295,161 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
             client.send(WireMessage(input, setText).text(QByteArray("\xff\xc3")).number(cHuge).number(cLowest));
             client.send(WireMessage(input, setType).number(0xffffffffU).number(0xffffffffU));
             client.send(commit(input));
+        });
+    }
+
+    {
+        struct Capture
+        {
+            quint32 manager;
+            quint32 output;
+            quint32 frame;
+        };
+        const auto capture = [](WireClient& client) {
+            const quint32 manager = client.bind("zwlr_screencopy_manager_v1", 3);
+            const quint32 output = client.bind("wl_output");
+            const quint32 frame = client.newId();
+            client.send(WireMessage(manager, ZWLR_SCREENCOPY_MANAGER_V1_CAPTURE_OUTPUT)
+                            .number(frame)
+                            .number(0U)
+                            .number(output));
+            return Capture{manager, output, frame};
+        };
+        const auto copy = [](quint32 frame, quint32 buffer) {
+            return WireMessage(frame, ZWLR_SCREENCOPY_FRAME_V1_COPY).number(buffer);
+        };
+        const auto copyWithDamage = [](quint32 frame, quint32 buffer) {
+            return WireMessage(frame, ZWLR_SCREENCOPY_FRAME_V1_COPY_WITH_DAMAGE).number(buffer);
+        };
+        constexpr quint32 format = 1;
+        constexpr qint32 bytes = 1024 * 600 * 4;
+        const auto createBuffer = [=](WireClient& client) {
+            return client.createBuffer(client.createPool(bytes, bytes), 1024, 600, 4096, format);
+        };
+        const auto captureRow = [&row](const char* name, int error, const Attack& attack) {
+            row((QByteArray("capture: ") + name).constData(), error, attack);
+        };
+        captureRow("of an output that is none", cAnyError, [](WireClient& client) {
+            const quint32 manager = client.bind("zwlr_screencopy_manager_v1", 3);
+            client.send(WireMessage(manager, ZWLR_SCREENCOPY_MANAGER_V1_CAPTURE_OUTPUT)
+                            .number(client.newId())
+                            .number(0U)
+                            .number(client.createSurface()));
+        });
+        captureRow("into a buffer that is none", cAnyError, [=](WireClient& client) {
+            const auto [manager, output, frame] = capture(client);
+            client.send(copy(frame, output));
+        });
+        captureRow("into no buffer", cAnyError, [=](WireClient& client) {
+            client.send(copy(capture(client).frame, 0));
+        });
+        captureRow("into a buffer of another size", 1, [=](WireClient& client) {
+            client.send(copy(capture(client).frame,
+                             client.createBuffer(client.createPool(bytes, bytes), 1024, 599, 4096, format)));
+        });
+        captureRow("into a buffer of another shape", 1, [=](WireClient& client) {
+            client.send(copy(capture(client).frame,
+                             client.createBuffer(client.createPool(bytes, bytes), 600, 1024, 2400, format)));
+        });
+        captureRow("into a buffer of another stride", 1, [=](WireClient& client) {
+            constexpr qint32 twice = 2 * bytes;
+            client.send(copy(capture(client).frame,
+                             client.createBuffer(client.createPool(twice, twice), 1024, 600, 8192, format)));
+        });
+        captureRow("into a buffer of another format", 1, [=](WireClient& client) {
+            client.send(
+                copy(capture(client).frame, client.createBuffer(client.createPool(bytes, bytes), 1024, 600, 4096)));
+        });
+        captureRow("twice", 0, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 buffer = createBuffer(client);
+            client.send(copy(frame, buffer));
+            client.send(copy(frame, buffer));
+        });
+        captureRow("again after it was ready", 0, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 buffer = createBuffer(client);
+            client.send(copy(frame, buffer));
+            constexpr quint16 ready = 2;
+            while (client.synchronise() && client.events(frame, ready).isEmpty()) { }
+            client.send(copyWithDamage(frame, buffer));
+        });
+        captureRow("into memory that is taken away", 2, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 buffer = createBuffer(client);
+            QCOMPARE(ftruncate(client.memory(), 0), 0);
+            client.send(copy(frame, buffer));
+        });
+        captureRow("into memory of which half is taken away and the pool is gone", 2, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 pool = client.createPool(bytes, bytes);
+            const quint32 buffer = client.createBuffer(pool, 1024, 600, 4096, format);
+            QCOMPARE(ftruncate(client.memory(), bytes / 2), 0);
+            client.send(copy(frame, buffer));
+            client.send(WireMessage(pool, WL_SHM_POOL_DESTROY));
+        });
+        captureRow("into a buffer that is destroyed at once", cNoError, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 buffer = createBuffer(client);
+            client.send(copy(frame, buffer));
+            client.send(WireMessage(buffer, WL_BUFFER_DESTROY));
+            client.send(WireMessage(frame, ZWLR_SCREENCOPY_FRAME_V1_DESTROY));
+        });
+        captureRow("whose objects go in the wrong order", cNoError, [=](WireClient& client) {
+            const auto [manager, output, frame] = capture(client);
+            const quint32 buffer = createBuffer(client);
+            client.send(WireMessage(manager, ZWLR_SCREENCOPY_MANAGER_V1_DESTROY));
+            client.send(copyWithDamage(frame, buffer));
+            client.send(WireMessage(frame, ZWLR_SCREENCOPY_FRAME_V1_DESTROY));
+            client.send(WireMessage(buffer, WL_BUFFER_DESTROY));
+        });
+        captureRow("used after it is destroyed", cAnyError, [=](WireClient& client) {
+            const quint32 frame = capture(client).frame;
+            const quint32 buffer = createBuffer(client);
+            client.send(WireMessage(frame, ZWLR_SCREENCOPY_FRAME_V1_DESTROY));
+            client.send(copy(frame, buffer));
+        });
+        captureRow("by a client that leaves", cAnyEnd, [=](WireClient& client) {
+            const quint32 buffer = createBuffer(client);
+            for (int i = 0; i < 100; ++i) {
+                client.send(copy(capture(client).frame, buffer));
+                client.send(copyWithDamage(capture(client).frame, buffer));
+            }
+            client.disconnect();
+        });
+        captureRow("thousands of them at once", cNoError, [=](WireClient& client) {
+            const quint32 buffer = createBuffer(client);
+            const auto [manager, output, frame] = capture(client);
+            client.send(copy(frame, buffer));
+            for (int i = 0; i < 4000; ++i) {
+                const quint32 next = client.newId();
+                client.send(WireMessage(manager, ZWLR_SCREENCOPY_MANAGER_V1_CAPTURE_OUTPUT)
+                                .number(next)
+                                .number(0U)
+                                .number(output));
+                client.send(i % 2 == 0 ? copy(next, buffer) : copyWithDamage(next, buffer));
+                if (i % 100 == 0) {
+                    client.synchronise();
+                }
+            }
+        });
+        captureRow("with thousands of managers", cNoError, [](WireClient& client) {
+            for (int i = 0; i < 4000; ++i) {
+                client.bind("zwlr_screencopy_manager_v1", 3);
+            }
+        });
+        captureRow("of a version that is not there", cAnyError, [](WireClient& client) {
+            client.bind("zwlr_screencopy_manager_v1", 4);
+        });
+        captureRow("with a request of a later version", cAnyError, [=](WireClient& client) {
+            const quint32 manager = client.bind("zwlr_screencopy_manager_v1", 1);
+            const quint32 output = client.bind("wl_output");
+            const quint32 frame = client.newId();
+            client.send(WireMessage(manager, ZWLR_SCREENCOPY_MANAGER_V1_CAPTURE_OUTPUT)
+                            .number(frame)
+                            .number(0U)
+                            .number(output));
+            client.send(copyWithDamage(frame, createBuffer(client)));
         });
     }
 

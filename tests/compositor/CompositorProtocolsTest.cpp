@@ -159,6 +159,7 @@ void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion_data()
     QTest::newRow("xdg_wm_base") << 3U;
     QTest::newRow("zxdg_decoration_manager_v1") << 1U;
     QTest::newRow("wp_presentation") << 1U;
+    QTest::newRow("zwlr_screencopy_manager_v1") << 3U;
 }
 
 void CompositorProtocolsTest::everyGlobalIsAnnouncedOnceAtItsVersion()
