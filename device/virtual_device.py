@@ -3,6 +3,7 @@
 """The virtual device as a process of this machine: QEMU, steered by its monitor and by the agent in the device."""
 
 import base64
+import io
 import itertools
 import json
 import os
@@ -15,8 +16,6 @@ import time
 
 # Of the tablet and the touch panel, over the whole screen.
 LARGEST_POSITION = 32767
-# Of a file, in one reply. QEMU drops what the socket of the virtual console does not take at once.
-PIECE = 16384
 
 
 class DeviceError(Exception):
@@ -56,12 +55,14 @@ class Monitor:
 class VirtualDevice:
     """One run of the device. Whatever is written to its disk is lost with it."""
 
-    def __init__(self, parts, size=(1024, 600), memory=512, files=(), display=("-display", "none"), console=None):
-        """parts: the folder with the kernel, the initrd and the disk. files: what bring_files() brings. console: QEMU's
-        character device for the serial line; a file of its own if none is given."""
+    def __init__(self, parts, size=(1024, 600), memory=512, files=(), packages=(), display=("-display", "none"),
+                 console=None):
+        """parts: the folder with the kernel, the initrd and the disk. files, packages: what bring_files() brings.
+        console: QEMU's character device for the serial line; a file of its own if none is given."""
         self.size = size
         self.directory = tempfile.TemporaryDirectory(prefix="virtual-device-")
         self.files = list(files)
+        self.packages = list(packages)
         self.numbers = itertools.count(1)
         self.received = b""
         self.started = time.monotonic()
@@ -82,10 +83,9 @@ class VirtualDevice:
     def _arguments(self, parts, memory, display, console):
         width, height = self.size
         kernel = os.path.join(parts, "kernel")
-        settings = "console=ttyAMA0 quiet panic=-1 vt.global_cursor_default=0 video=%dx%d" % (width, height)
+        settings = ("console=ttyAMA0 quiet panic=-1 vt.global_cursor_default=0 video=%dx%d systemd.getty_auto=no"
+                    % (width, height))
         if console is None:
-            # Nobody logs in.
-            settings += " systemd.mask=serial-getty@ttyAMA0.service"
             console = "file,path=" + self.console_log
         arguments = [
             "qemu-system-arm", "-machine", "virt,highmem=off", "-cpu", "cortex-a15", "-smp", "2", "-m", str(memory),
@@ -99,22 +99,22 @@ class VirtualDevice:
             "-device", "virtio-keyboard-device", "-device", "virtio-tablet-device", "-device", "virtio-rng-device",
             "-device", "virtio-serial-device",
             "-chardev", "socket,id=agent,server=on,wait=off,path=" + self._path("agent"),
-            "-device", "virtconsole,chardev=agent",
+            "-device", "virtserialport,chardev=agent,name=agent",
             "-chardev", "%s,id=console" % console if "," not in console else console.replace(",", ",id=console,", 1),
             "-serial", "chardev:console",
             "-qmp", "unix:%s,server=on,wait=off" % self._path("monitor"), *display,
         ]
         # The devices of this machine are numbered from the last one on: the disk is to be the first.
-        if self.files:
+        if self.files or self.packages:
             arguments += ["-drive", "if=none,id=files,format=raw,readonly=on,file=" + self._image(),
                           "-device", "virtio-blk-device,drive=files"]
         return arguments + ["-device", "virtio-blk-device,drive=disk"]
 
     def _image(self):
-        """Makes a file system of the files."""
+        """Makes a file system of the files and packages."""
         folder = self._path("files")
         os.mkdir(folder)
-        subprocess.run(["cp", "-r", "--", *self.files, folder], check=True)
+        subprocess.run(["cp", "-r", "--", *self.files, *self.packages, folder], check=True)
         size = int(subprocess.run(["du", "-sk", folder], check=True, stdout=subprocess.PIPE).stdout.split()[0])
         image = self._path("files.img")
         size = "%dk" % (size * 5 // 4 + 4096)
@@ -147,9 +147,9 @@ class VirtualDevice:
         while self._line(deadline, "the agent") != b"ready":
             pass
 
-    def run(self, command, timeout=180, user=None):
+    def run(self, command, timeout=180, user=None, sink=None):
         """Runs a command of bash as root, or as another user. Returns its exit status and its output, both channels
-        together."""
+        together. Writes the output to a binary file as it comes instead if there is a sink."""
         if user is not None:
             command = "cd ~%s && runuser -u %s -- bash -c %s" % (user, user, shlex.quote(command))
         if timeout is not None:
@@ -158,10 +158,16 @@ class VirtualDevice:
         number = next(self.numbers)
         self.agent.sendall(b"%d %s\n" % (number, base64.b64encode(command.encode())))
         deadline = None if timeout is None else time.monotonic() + timeout + 30
+        output = io.BytesIO()
+        sink = sink or output
         while True:
-            replied, status, *output = self._line(deadline, command).split()
-            if replied == b"%d" % number:
-                return int(status), base64.b64decode(b"".join(output)).decode(errors="replace")
+            replied, kind, value = self._line(deadline, command).split()
+            if replied != b"%d" % number:
+                continue
+            if kind == b"status":
+                return int(value), output.getvalue().decode(errors="replace")
+            sink.write(bytes.fromhex(value.decode()))
+            sink.flush()
 
     def _line(self, deadline, command):
         while b"\n" not in self.received:
@@ -206,25 +212,16 @@ class VirtualDevice:
                     % (name, name, name, command))
 
     def bring_files(self):
-        """Installs the packages among the files, and puts the others into the home directory of the device's user."""
+        """Installs the packages, and puts the files into the home directory of the device's user."""
         self.expect("mkdir -p /media/host && mount -o ro LABEL=host /media/host")
-        names = [os.path.basename(file) for file in self.files]
-        packages = ["/media/host/" + name for name in names if name.endswith(".deb")]
-        if packages:
-            self.expect("dpkg -i " + " ".join(map(shlex.quote, packages)))
-        for name in names:
-            if not name.endswith(".deb"):
-                self.expect("cp -r /media/host/%s /home/device && chown -R device: /home/device/%s"
-                            % (shlex.quote(name), shlex.quote(name)))
+        if self.packages:
+            self.expect("cd /media/host && dpkg -i " + names_of(self.packages))
+        if self.files:
+            self.expect("cd /media/host && cp -r %s /home/device && cd /home/device && chown -R device: %s"
+                        % ((names_of(self.files),) * 2))
 
     def read_file(self, path):
-        data = b""
-        while True:
-            piece = base64.b64decode(self.expect("dd if=%s bs=%d skip=%d count=1 status=none | base64 -w 0"
-                                                 % (shlex.quote(path), PIECE, len(data) // PIECE)))
-            data += piece
-            if len(piece) < PIECE:
-                return data
+        return base64.b64decode(self.expect("base64 " + shlex.quote(path)))
 
     def save_screen(self, path):
         """Writes what the virtual screen shows into a file in the format PNG."""
@@ -280,6 +277,10 @@ class VirtualDevice:
 
     def __exit__(self, *_):
         self.stop()
+
+
+def names_of(files):
+    return " ".join(shlex.quote("./" + os.path.basename(file)) for file in files)
 
 
 def position(pixel, size):

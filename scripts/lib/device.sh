@@ -4,6 +4,7 @@
 # The virtual device: its root, kernel and disk. To be sourced by bash, after common.sh, debian.sh, packages.sh
 # and armv7.sh.
 
+export PYTHONDONTWRITEBYTECODE=1
 device_directory=$project_directory/build/device
 device_packages=(cpio e2fsprogs g++-arm-linux-gnueabihf kmod mmdebstrap python3 qemu-system-arm qemu-user-static)
 
@@ -67,8 +68,8 @@ ensure_device_kernel() {
 # make_device_disk: the root with the packages of scripts/package and the files of device/root.
 make_device_disk() {
     local disk=$device_directory/disk.img root=$device_directory/root.installed package
-    if [ -f "$disk" ] && [ -z "$(find "$package_directory/armhf" "$project_directory/device" \
-        "$device_directory/root/srv/packages" -newer "$disk" -print -quit)" ]; then
+    if [ -f "$disk" ] && [ -z "$(find "$package_directory/armhf" "$device_directory/root/srv/packages" \
+        "$project_directory"/{device/{root,touch-panel.cpp},scripts/lib/device.sh} -newer "$disk" -print -quit)" ]; then
         return 0
     fi
     echo "Making build/device/disk.img"
@@ -94,7 +95,7 @@ make_device_disk() {
         systemctl enable virtual-device-agent touch-panel
         systemctl --global enable telvaro-compositor
         systemctl mask apt-daily.timer apt-daily-upgrade.timer dpkg-db-backup.timer e2scrub_all.timer fstrim.timer \
-            getty@tty1.service serial-getty@hvc0.service
+            getty@tty1.service
         # Each of them costs a second of the boot. The modules are in the initrd.
         systemctl mask modprobe@configfs modprobe@dm_mod modprobe@drm modprobe@efi_pstore modprobe@fuse modprobe@loop \
             dev-mqueue.mount proc-sys-fs-binfmt_misc.automount sys-fs-fuse-connections.mount sys-kernel-config.mount \

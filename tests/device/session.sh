@@ -4,6 +4,7 @@
 #
 # session.sh EVENT-WINDOW: uses all of telvaroctl in a session that plays session.json, and prints what it reports.
 set -uo pipefail
+export TELVAROCTL_TIMEOUT=60
 event_window=$1
 directory=$(mktemp -d)
 trap 'kill $(jobs -p); rm -r "$directory"' EXIT
