@@ -23,6 +23,11 @@ namespace {
 
 const QString cSession = QStringLiteral("session");
 const QString cSystem = QStringLiteral("system");
+constexpr int cSettlingMilliseconds = 1000;
+
+bool isNameStored = false;
+/// The one that an error names.
+QString chosenBus = QStringLiteral(TELVARO_BUS_NAME);
 
 QString serviceName()
 {
@@ -42,11 +47,6 @@ QString addressOf(const QString& bus)
                                             : QStringLiteral("unix:path=%1/bus").arg(directory);
     return qEnvironmentVariable(variableOf(bus), standard);
 }
-
-constexpr int cSettlingMilliseconds = 100;
-
-QString chosenBus = QStringLiteral(TELVARO_BUS_NAME);
-bool isNameStored = false;
 
 /// Returns when Qt's thread has done what it had to do before the call, or after the timeout.
 void askBus(int timeout = -1)

@@ -28,8 +28,8 @@ QDBusConnection bus();
 /// Connects to the bus, if this is a compositor device: on another device the libraries do nothing.
 bool connect();
 bool connectToBus();
-/// To be called before the process ends: Qt's thread may still hold a reply, and would drop it when the types of its
-/// values are already gone.
+/// To be called before the process ends: Qt frees neither a call that waits for its reply nor a reply that its thread
+/// still holds.
 void settle();
 
 /// Runs the event loop until the object knows the service's state. Returns whether it is Ready.
