@@ -71,3 +71,16 @@ QImage CompositorFixture::screenShot()
     }
     return image.convertToFormat(QImage::Format_RGB32);
 }
+
+QRect CompositorFixture::difference(const QImage& one, const QImage& other)
+{
+    QRect rect;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            if (one.pixel(x, y) != other.pixel(x, y)) {
+                rect |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return rect;
+}

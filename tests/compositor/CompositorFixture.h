@@ -40,6 +40,8 @@ protected:
 
     /// The output's picture.
     QImage screenShot();
+    /// The bounding rectangle of the pixels that differ.
+    static QRect difference(const QImage& one, const QImage& other);
 
     std::unique_ptr<CompositorProcess> mCompositor;
     std::unique_ptr<PropertyMonitor> mMonitor;

@@ -18,20 +18,6 @@ void hide()
     CompositorBus::callChecked(CompositorBus::cOverlayPath, CompositorBus::cOverlay, QStringLiteral("Hide"));
 }
 
-/// The bounding rectangle of the differing pixels.
-QRect difference(const QImage& one, const QImage& other)
-{
-    QRect rect;
-    for (int y = 0; y < one.height(); ++y) {
-        for (int x = 0; x < one.width(); ++x) {
-            if (one.pixel(x, y) != other.pixel(x, y)) {
-                rect |= QRect(x, y, 1, 1);
-            }
-        }
-    }
-    return rect;
-}
-
 /// The bounding rectangle of the overlay's bright text.
 QRect textArea(const QImage& image, const QRect& area)
 {

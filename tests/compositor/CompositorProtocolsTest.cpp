@@ -80,16 +80,6 @@ QVector<quint32> statesOf(const WireClient::Event& configure)
     return states;
 }
 
-/// The opcodes of the events that an object has got.
-QVector<quint16> opcodesOf(const WireClient& client, quint32 object)
-{
-    QVector<quint16> opcodes;
-    for (const WireClient::Event& event : client.events(object)) {
-        opcodes.append(event.opcode);
-    }
-    return opcodes;
-}
-
 } // namespace
 
 /// The versions of the globals and what they promise, and clients that abuse it.
@@ -346,7 +336,7 @@ void CompositorProtocolsTest::pointerEventsComeInFrames()
     client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
     enter(*client, pointer);
-    const QVector<quint16> entered = opcodesOf(*client, pointer).mid(0, 3);
+    const QVector<quint16> entered = client->opcodes(pointer).mid(0, 3);
     QCOMPARE(entered, QVector<quint16>({cPointerEnter, cPointerMotion, cPointerFrame}));
 
     mDesktop->click();
@@ -360,7 +350,7 @@ void CompositorProtocolsTest::pointerEventsComeInFrames()
         return client->synchronise() && !client->events(pointer, cPointerLeave).isEmpty();
     };
     TRY_VERIFY(hasLeft());
-    const QVector<quint16> opcodes = opcodesOf(*client, pointer);
+    const QVector<quint16> opcodes = client->opcodes(pointer);
     for (int i = 0; i < opcodes.size(); ++i) {
         if (opcodes.at(i) == cPointerButton || opcodes.at(i) == cPointerLeave || opcodes.at(i) == cPointerMotion) {
             QCOMPARE(opcodes.value(i + 1), cPointerFrame);
@@ -380,7 +370,7 @@ void CompositorProtocolsTest::anOldPointerGetsNoFrames()
         return client->synchronise() && !client->events(pointer, cPointerAxis).isEmpty();
     };
     TRY_VERIFY(hasScrolled());
-    for (const quint16 opcode : opcodesOf(*client, pointer)) {
+    for (const quint16 opcode : client->opcodes(pointer)) {
         QVERIFY(opcode < cPointerFrame);
     }
 }
@@ -392,7 +382,7 @@ void CompositorProtocolsTest::theWheelTellsItsSourceAndSteps()
     client->openWindow("Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
     enter(*client, pointer);
-    const int before = opcodesOf(*client, pointer).size();
+    const int before = client->opcodes(pointer).size();
     mDesktop->click(cWheelDown);
     mDesktop->click(cWheelUp);
     const auto scrolls = [&] {
@@ -400,7 +390,7 @@ void CompositorProtocolsTest::theWheelTellsItsSourceAndSteps()
         return client->events(pointer, cPointerAxis).size();
     };
     TRY_COMPARE(scrolls(), 2);
-    QVector<quint16> opcodes = opcodesOf(*client, pointer).mid(before);
+    QVector<quint16> opcodes = client->opcodes(pointer).mid(before);
     // Between the steps the pointer is where it was: X repeats that.
     for (int i = opcodes.size() - 2; i >= 0; --i) {
         if (opcodes.at(i) == cPointerMotion) {
@@ -469,7 +459,7 @@ void CompositorProtocolsTest::everyKeyboardOfAClientGetsTheKeys()
         QCOMPARE(modifiers.at(1).number(1), 1U);
         QCOMPARE(modifiers.at(2).number(1), 0U);
         // Shift is held before the letter is pressed.
-        const QVector<quint16> opcodes = opcodesOf(*client, keyboard);
+        const QVector<quint16> opcodes = client->opcodes(keyboard);
         QVERIFY(opcodes.indexOf(modifiersEvent, opcodes.indexOf(keyEvent)) == opcodes.indexOf(keyEvent) + 1);
     }
     client->openWindow("Other");

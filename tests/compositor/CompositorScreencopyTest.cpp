@@ -31,20 +31,6 @@ bool isSideways(const QString& orientation)
     return orientation.toInt() % 180 != 0;
 }
 
-/// The bounding rectangle of the pixels that differ.
-QRect difference(const QImage& one, const QImage& other)
-{
-    QRect rect;
-    for (int y = 0; y < one.height(); ++y) {
-        for (int x = 0; x < one.width(); ++x) {
-            if (one.pixel(x, y) != other.pixel(x, y)) {
-                rect |= QRect(x, y, 1, 1);
-            }
-        }
-    }
-    return rect;
-}
-
 /// The screen as a person sees it, out of a picture of the display.
 QImage upright(const QImage& picture, const QString& orientation)
 {

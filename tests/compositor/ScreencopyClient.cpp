@@ -61,11 +61,7 @@ void ScreencopyClient::copyWithDamage(quint32 frame, quint32 buffer)
 QVector<quint16> ScreencopyClient::opcodes(quint32 frame)
 {
     synchronise();
-    QVector<quint16> opcodes;
-    for (const WireClient::Event& event : events(frame)) {
-        opcodes.append(event.opcode);
-    }
-    return opcodes;
+    return WireClient::opcodes(frame);
 }
 
 bool ScreencopyClient::hasEnded(quint32 frame)

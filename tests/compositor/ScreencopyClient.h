@@ -35,7 +35,7 @@ public:
     void copy(quint32 frame, quint32 buffer);
     void copyWithDamage(quint32 frame, quint32 buffer);
 
-    /// The opcodes of the frame's events so far.
+    /// The opcodes of the frame's events, after a round trip.
     QVector<quint16> opcodes(quint32 frame);
     /// Whether the frame is ready or has failed.
     bool hasEnded(quint32 frame);

@@ -241,6 +241,15 @@ QVector<WireClient::Event> WireClient::events(quint32 object) const
     return events;
 }
 
+QVector<quint16> WireClient::opcodes(quint32 object) const
+{
+    QVector<quint16> opcodes;
+    for (const Event& event : events(object)) {
+        opcodes.append(event.opcode);
+    }
+    return opcodes;
+}
+
 quint32 WireClient::createSurface()
 {
     const quint32 compositor = global("wl_compositor", 3);

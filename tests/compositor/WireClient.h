@@ -55,6 +55,8 @@ public:
     QVector<Event> events(quint32 object, quint16 opcode) const;
     /// All events of an object so far.
     QVector<Event> events(quint32 object) const;
+    /// Their opcodes.
+    QVector<quint16> opcodes(quint32 object) const;
     /// Closes the socket without destroying anything, as a killed client.
     void disconnect();
 
