@@ -17,7 +17,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QEventLoop>
-#include <QString>
 
 namespace {
 
@@ -49,12 +48,9 @@ QString addressOf(const QString& bus)
 }
 
 /// Returns when Qt's thread has done what it had to do before the call, or after the timeout.
-void askBus(int timeout = -1)
+void waitForQt(int timeoutMilliseconds = -1)
 {
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    Service::bus().call(
-        QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, QStringLiteral("GetId")),
-        QDBus::Block, timeout);
+    Service::askBus(QStringLiteral("GetId"), {}, timeoutMilliseconds).waitForFinished();
 }
 
 /// From the first turn of the event loop on, Qt's thread stores the names of this process without the lock under which
@@ -62,10 +58,10 @@ void askBus(int timeout = -1)
 /// name has been stored.
 void letQtStoreNames()
 {
-    askBus();
+    waitForQt();
     QCoreApplication::processEvents();
-    askBus();
-    askBus();
+    waitForQt();
+    waitForQt();
     isNameStored = true;
 }
 
@@ -131,10 +127,20 @@ bool Service::connectToBus()
     return isConnected;
 }
 
+QDBusPendingCall Service::askBus(const QString& method, const QStringList& arguments, int timeoutMilliseconds)
+{
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    QDBusMessage question = QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, method);
+    for (const QString& argument : arguments) {
+        question << argument;
+    }
+    return Service::bus().asyncCall(question, timeoutMilliseconds);
+}
+
 void Service::settle()
 {
     if (isNameStored) {
-        askBus(cSettlingMilliseconds);
+        waitForQt(cSettlingMilliseconds);
     }
 }
 

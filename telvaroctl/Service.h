@@ -4,12 +4,13 @@
 
 #include "ExitStatus.h"
 
+#include <QStringList>
+
 #include <functional>
 
 class QDBusConnection;
 class QDBusError;
 class QDBusPendingCall;
-class QString;
 class TelvaroLiveObject;
 class TelvaroScreen;
 class TelvaroTaskSwitcher;
@@ -28,6 +29,8 @@ QDBusConnection bus();
 /// Connects to the bus, if this is a compositor device: on another device the libraries do nothing.
 bool connect();
 bool connectToBus();
+/// Calls a method of the bus itself.
+QDBusPendingCall askBus(const QString& method, const QStringList& arguments, int timeoutMilliseconds);
 /// To be called before the process ends: Qt frees neither a call that waits for its reply nor a reply that its thread
 /// still holds.
 void settle();

@@ -36,23 +36,16 @@ struct Owner
     uint pid = 0;
 };
 
-QDBusPendingCall askBus(const QString& method, const QString& name)
-{
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), method);
-    question << name;
-    return Service::bus().asyncCall(question, TimeLimit::beyond());
-}
-
 Owner serviceOwner()
 {
-    QDBusPendingReply<QString> name = askBus(QStringLiteral("GetNameOwner"), Names::getServiceName());
+    QDBusPendingReply<QString> name =
+        Service::askBus(QStringLiteral("GetNameOwner"), {Names::getServiceName()}, TimeLimit::beyond());
     name.waitForFinished();
     if (name.isError()) {
         return {};
     }
-    QDBusPendingReply<uint> pid = askBus(QStringLiteral("GetConnectionUnixProcessID"), name.value());
+    QDBusPendingReply<uint> pid =
+        Service::askBus(QStringLiteral("GetConnectionUnixProcessID"), {name.value()}, TimeLimit::beyond());
     pid.waitForFinished();
     return {name.value(), pid.isError() ? 0 : pid.value()};
 }

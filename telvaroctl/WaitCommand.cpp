@@ -86,8 +86,7 @@ ExitStatus wait(const QCommandLineParser& parser, const QStringList& /*arguments
     const Condition condition{parser.value(cApp),     *index,
                               parser.value(cView),    parser.isSet(cCurrent),
                               parser.isSet(cService), parser.isSet(cGone)};
-    const bool isView = parser.isSet(cApp) || parser.isSet(cView) || condition.isCurrentWanted;
-    if (isView == condition.isService) {
+    if (condition.isService && (parser.isSet(cApp) || parser.isSet(cView) || condition.isCurrentWanted)) {
         return usageError(command, QStringLiteral("expected either --service or a view"));
     }
     if (hasIndex && !parser.isSet(cApp)) {
@@ -120,10 +119,8 @@ QList<Command> waitCommands()
     return {
         {"wait", "Waits for a view or for the service, or for its end.", "",
          "Waits for the view that the options describe, by default any view, or for a service that answers. Exits with "
-         "0 "
-         "as soon as it is there, at once if it is already, and with 1 if the bus ends or when the limit of --timeout "
-         "has "
-         "passed.",
+         "0 as soon as it is there, at once if it is already, and with 1 if the bus ends or when the limit of "
+         "--timeout has passed.",
          [] {
              return QList<QCommandLineOption>{
                  {cApp, QStringLiteral("A view of this application."), QStringLiteral("APP")},

@@ -22,19 +22,33 @@ constexpr int cLargestTreeHeight = 32;
 ClientSurface::ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudget> budget, QObject* parent)
     : QWaylandView(nullptr, parent)
     , mPixels(std::move(budget))
+    , mLayers{{this, QPoint()}}
+    , mNextLayers(mLayers)
 {
     setSurface(surface);
-    connect(surface, &QWaylandSurface::childAdded, this, &ClientSurface::addChild);
     connect(surface, &QWaylandSurface::redraw, this, &ClientSurface::handleCommit);
     connect(this, &QWaylandView::surfaceDestroyed, this, [this] {
         mPixels.commit(QWaylandBufferRef(), QRegion());
+        leaveParent();
         deleteLater();
     });
+}
+
+ClientSurface::~ClientSurface()
+{
+    leaveParent();
 }
 
 ClientSurface* ClientSurface::of(const QWaylandSurface* surface)
 {
     return surface == nullptr ? nullptr : qobject_cast<ClientSurface*>(surface->primaryView());
+}
+
+ClientSurface::Layers::iterator ClientSurface::find(Layers& layers, const ClientSurface* surface)
+{
+    return std::find_if(layers.begin(), layers.end(), [surface](const Layer& layer) {
+        return layer.surface == surface;
+    });
 }
 
 void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage)
@@ -47,9 +61,9 @@ QRect ClientSurface::bounds() const
     QRect bounds;
     if (surface() != nullptr && surface()->hasContent()) {
         bounds = QRect(QPoint(), ClientBounds::clamped(surface()->destinationSize()));
-        for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-            for (const Child& child : *children) {
-                bounds |= child.surface->bounds().translated(child.position);
+        for (const Layer& layer : mLayers) {
+            if (layer.surface != this) {
+                bounds |= layer.surface->bounds().translated(layer.position);
             }
         }
     }
@@ -58,23 +72,22 @@ QRect ClientSurface::bounds() const
 
 QRegion ClientSurface::update()
 {
-    QRegion damage = std::exchange(mDamage, QRegion()) | mPixels.update(qobject_cast<ServerSurface*>(surface()));
-    for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        for (const Child& child : *children) {
-            damage |= child.surface->update().translated(child.position);
-        }
+    QRegion damage = std::exchange(mDamage, QRegion());
+    for (const Layer& layer : qAsConst(mLayers)) {
+        damage |= layer.surface == this ? mPixels.update(qobject_cast<ServerSurface*>(surface()))
+                                        : layer.surface->update().translated(layer.position);
     }
     return damage;
 }
 
 void ClientSurface::paint(QPainter* painter, const QPoint& position) const
 {
-    for (const Child& child : mChildrenBelow) {
-        child.surface->paint(painter, position + child.position);
-    }
-    mPixels.paint(painter, position);
-    for (const Child& child : mChildrenAbove) {
-        child.surface->paint(painter, position + child.position);
+    for (const Layer& layer : mLayers) {
+        if (layer.surface == this) {
+            mPixels.paint(painter, position);
+        } else {
+            layer.surface->paint(painter, position + layer.position);
+        }
     }
 }
 
@@ -85,70 +98,45 @@ void ClientSurface::sendFrameCallbacks(const timespec& time)
         surface()->frameStarted();
         surface()->sendFrameCallbacks();
     }
-    for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        for (const Child& child : *children) {
-            child.surface->sendFrameCallbacks(time);
+    for (const Layer& layer : qAsConst(mLayers)) {
+        if (layer.surface != this) {
+            layer.surface->sendFrameCallbacks(time);
         }
     }
 }
 
 bool ClientSurface::inhibitsIdle() const
 {
-    const auto childInhibits = [](const Child& child) {
-        return child.surface->inhibitsIdle();
-    };
-    return (surface() != nullptr && surface()->inhibitsIdle())
-        || std::any_of(mChildrenBelow.cbegin(), mChildrenBelow.cend(), childInhibits)
-        || std::any_of(mChildrenAbove.cbegin(), mChildrenAbove.cend(), childInhibits);
+    return std::any_of(mLayers.cbegin(), mLayers.cend(), [this](const Layer& layer) {
+        return layer.surface == this ? surface() != nullptr && surface()->inhibitsIdle()
+                                     : layer.surface->inhibitsIdle();
+    });
 }
 
 ClientSurface* ClientSurface::surfaceAt(const QPointF& position, QPointF* localPosition)
 {
-    const auto childAt = [&](const Children& children) -> ClientSurface* {
-        for (auto child = children.crbegin(); child != children.crend(); ++child) {
-            if (ClientSurface* found = child->surface->surfaceAt(position - child->position, localPosition)) {
+    for (auto layer = mLayers.crbegin(); layer != mLayers.crend(); ++layer) {
+        if (layer->surface != this) {
+            if (ClientSurface* const found = layer->surface->surfaceAt(position - layer->position, localPosition)) {
                 return found;
             }
+        } else if (surface() != nullptr && QRectF(QPointF(), size()).contains(position)
+                   && surface()->inputRegionContains(position)) {
+            *localPosition = position;
+            return this;
         }
-        return nullptr;
-    };
-    if (ClientSurface* found = childAt(mChildrenAbove)) {
-        return found;
     }
-    if (surface() != nullptr && QRectF(QPointF(), size()).contains(position)
-        && surface()->inputRegionContains(position)) {
-        *localPosition = position;
-        return this;
-    }
-    return childAt(mChildrenBelow);
+    return nullptr;
 }
 
-void ClientSurface::addChild(QWaylandSurface* surface)
+void ClientSurface::addChild(ClientSurface* child)
 {
-    ClientSurface* const child = of(surface);
-    if (child == nullptr || child->contains(this) || ancestorCount() + child->height() >= cLargestTreeHeight) {
+    if (ancestorCount() + child->height() >= cLargestTreeHeight) {
         return;
     }
-    child->leaveParent();
     child->mParent = this;
-    mChildrenAbove.append({child, QPoint(), QPoint()});
+    mNextLayers.append({child, QPoint()});
     connect(child, &ClientSurface::committed, this, &ClientSurface::committed);
-    connect(child, &QObject::destroyed, this, [this, child] {
-        removeChild(child);
-    });
-    connect(child, &QWaylandView::surfaceDestroyed, this, [this, child] {
-        removeChild(child);
-    });
-    connect(surface, &QWaylandSurface::subsurfacePositionChanged, this, [this, child](const QPoint& position) {
-        moveChild(child, position);
-    });
-    connect(surface, &QWaylandSurface::subsurfacePlaceAbove, this, [this, child](const QWaylandSurface* sibling) {
-        restackChild(child, sibling, true);
-    });
-    connect(surface, &QWaylandSurface::subsurfacePlaceBelow, this, [this, child](const QWaylandSurface* sibling) {
-        restackChild(child, sibling, false);
-    });
-    damageAll();
 }
 
 void ClientSurface::leaveParent()
@@ -156,11 +144,25 @@ void ClientSurface::leaveParent()
     if (mParent != nullptr) {
         mParent->removeChild(this);
         disconnect(mParent);
-        if (surface() != nullptr) {
-            surface()->disconnect(mParent);
-        }
         mParent = nullptr;
     }
+}
+
+void ClientSurface::move(const QPoint& position)
+{
+    if (mParent != nullptr) {
+        find(mParent->mNextLayers, this)->position = ClientBounds::clamped(position);
+    }
+}
+
+bool ClientSurface::placeAbove(const ClientSurface* sibling)
+{
+    return mParent == nullptr || mParent->place(this, sibling, 1);
+}
+
+bool ClientSurface::placeBelow(const ClientSurface* sibling)
+{
+    return mParent == nullptr || mParent->place(this, sibling, 0);
 }
 
 bool ClientSurface::contains(const ClientSurface* other) const
@@ -181,9 +183,9 @@ int ClientSurface::ancestorCount() const
 int ClientSurface::height() const
 {
     int tallest = 0;
-    for (const Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        for (const Child& child : *children) {
-            tallest = std::max(tallest, child.surface->height());
+    for (const Layer& layer : mNextLayers) {
+        if (layer.surface != this) {
+            tallest = std::max(tallest, layer.surface->height());
         }
     }
     return tallest + 1;
@@ -191,37 +193,24 @@ int ClientSurface::height() const
 
 void ClientSurface::removeChild(const ClientSurface* child)
 {
-    for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        children->erase(std::remove_if(children->begin(), children->end(),
-                                       [child](const Child& other) {
-                                           return other.surface == child;
-                                       }),
-                        children->end());
-    }
-    damageAll();
-}
-
-void ClientSurface::moveChild(const ClientSurface* child, const QPoint& position)
-{
-    for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        for (Child& other : *children) {
-            if (other.surface == child) {
-                other.nextPosition = ClientBounds::clamped(position);
-            }
+    for (Layers* layers : {&mLayers, &mNextLayers}) {
+        const auto found = find(*layers, child);
+        if (found != layers->end()) {
+            layers->erase(found);
         }
     }
+    damageAll();
 }
 
 /// The state of the surface has been applied; that of its subsurfaces follows.
 void ClientSurface::handleCommit()
 {
+    const bool isRearranged = mLayers != mNextLayers;
+    mLayers = mNextLayers;
     QVector<QPointer<QWaylandSurface>> subsurfaces;
-    bool isMoved = false;
-    for (Children* children : {&mChildrenBelow, &mChildrenAbove}) {
-        for (Child& child : *children) {
-            isMoved = isMoved || child.position != child.nextPosition;
-            child.position = child.nextPosition;
-            subsurfaces.append(child.surface->surface());
+    for (const Layer& layer : qAsConst(mLayers)) {
+        if (layer.surface != this) {
+            subsurfaces.append(layer.surface->surface());
         }
     }
     for (const QPointer<QWaylandSurface>& subsurface : qAsConst(subsurfaces)) {
@@ -229,42 +218,24 @@ void ClientSurface::handleCommit()
             server->applyCachedState();
         }
     }
-    if (isMoved) {
+    if (isRearranged) {
         damageAll();
     } else {
         Q_EMIT committed();
     }
 }
 
-void ClientSurface::restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above)
+/// Moves the child to the place of `sibling` plus `offset`.
+bool ClientSurface::place(const ClientSurface* child, const ClientSurface* sibling, int offset)
 {
-    const auto indexIn = [](const Children& children, const ClientSurface* wanted) {
-        const auto found = std::find_if(children.cbegin(), children.cend(), [wanted](const Child& other) {
-            return other.surface == wanted;
-        });
-        return found == children.cend() ? -1 : static_cast<int>(found - children.cbegin());
-    };
-
-    Children* from = indexIn(mChildrenBelow, child) >= 0 ? &mChildrenBelow : &mChildrenAbove;
-    const int oldIndex = indexIn(*from, child);
-    if (oldIndex < 0) {
-        return;
+    if (sibling == child || find(mNextLayers, sibling) == mNextLayers.end()) {
+        return false;
     }
-    const Child moved = from->takeAt(oldIndex);
-
-    if (sibling == surface()) {
-        if (above) {
-            mChildrenAbove.prepend(moved);
-        } else {
-            mChildrenBelow.append(moved);
-        }
-    } else {
-        const ClientSurface* const reference = of(sibling);
-        Children* to = indexIn(mChildrenBelow, reference) >= 0 ? &mChildrenBelow : &mChildrenAbove;
-        const int index = indexIn(*to, reference);
-        to->insert(index < 0 ? to->size() : (above ? index + 1 : index), moved);
-    }
-    damageAll();
+    const auto old = find(mNextLayers, child);
+    const Layer moved = *old;
+    mNextLayers.erase(old);
+    mNextLayers.insert(find(mNextLayers, sibling) + offset, moved);
+    return true;
 }
 
 /// Damages everything around the surface: the structure of a tree rarely changes.

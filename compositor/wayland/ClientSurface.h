@@ -23,6 +23,7 @@ class ClientSurface : public QWaylandView
 
 public:
     ClientSurface(QWaylandSurface* surface, std::shared_ptr<PixelBudget> budget, QObject* parent);
+    ~ClientSurface() override;
 
     /// Returns null when `surface` is null or destroyed.
     static ClientSurface* of(const QWaylandSurface* surface);
@@ -61,8 +62,19 @@ public:
     {
         return mParent;
     }
-    /// Detaches a subsurface from its parent.
+    /// Whether `other` is this surface or below it in its tree.
+    bool contains(const ClientSurface* other) const;
+    /// Makes a tree that does not contain this surface one of its subsurfaces, above all others. What would make the
+    /// whole tree too high is not shown.
+    void addChild(ClientSurface* child);
+    /// Detaches a subsurface from its parent, at once.
     void leaveParent();
+    /// Moves a subsurface within its parent.
+    void move(const QPoint& position);
+    /// Moves a subsurface directly above or below `sibling`. Returns false if that is neither the parent nor a child
+    /// of it.
+    bool placeAbove(const ClientSurface* sibling);
+    bool placeBelow(const ClientSurface* sibling);
 
     void bufferCommitted(const QWaylandBufferRef& buffer, const QRegion& damage) override;
 
@@ -71,29 +83,31 @@ Q_SIGNALS:
     void committed();
 
 private:
-    struct Child
+    struct Layer
     {
         ClientSurface* surface;
         QPoint position;
-        /// Becomes the position with the next commit of this surface.
-        QPoint nextPosition;
-    };
-    using Children = QVector<Child>;
 
-    void addChild(QWaylandSurface* surface);
-    bool contains(const ClientSurface* other) const;
+        bool operator==(const Layer& other) const
+        {
+            return surface == other.surface && position == other.position;
+        }
+    };
+    using Layers = QVector<Layer>;
+
+    static Layers::iterator find(Layers& layers, const ClientSurface* surface);
     int ancestorCount() const;
     int height() const;
     void removeChild(const ClientSurface* child);
-    void moveChild(const ClientSurface* child, const QPoint& position);
-    void restackChild(const ClientSurface* child, const QWaylandSurface* sibling, bool above);
+    bool place(const ClientSurface* child, const ClientSurface* sibling, int offset);
     void damageAll();
     void handleCommit();
 
     SurfacePixels mPixels;
     QRegion mDamage;
     QPointer<ClientSurface> mParent;
-    /// From bottom to top.
-    Children mChildrenBelow;
-    Children mChildrenAbove;
+    /// The subsurfaces and, between those below and those above, the surface itself; from bottom to top.
+    Layers mLayers;
+    /// Become the layers with the next commit of this surface.
+    Layers mNextLayers;
 };

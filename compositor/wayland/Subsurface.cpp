@@ -26,14 +26,15 @@ QWaylandSurface* surfaceOf(const wl_argument& argument)
 
 void Subsurface::handleGetSubsurface(wl_resource* subcompositor, const wl_argument* arguments)
 {
-    static const struct wl_subsurface_interface requests = {destroyResource, setPosition,   placeAbove,
-                                                            placeBelow,      setMode<true>, setMode<false>};
+    static const struct wl_subsurface_interface requests = {
+        destroyResource, setPosition,   place<&ClientSurface::placeAbove>, place<&ClientSurface::placeBelow>,
+        setMode<true>,   setMode<false>};
     static QWaylandSurfaceRole role("wl_subsurface");
 
     QWaylandSurface* const surface = surfaceOf(arguments[1]);
-    QWaylandSurface* const parent = surfaceOf(arguments[2]);
-    const ClientSurface* const clientSurface = ClientSurface::of(surface);
-    if (clientSurface == nullptr || clientSurface->hasParent() || surface == parent) {
+    ClientSurface* const parent = ClientSurface::of(surfaceOf(arguments[2]));
+    ClientSurface* const child = ClientSurface::of(surface);
+    if (child == nullptr || child->hasParent() || child->contains(parent)) {
         wl_resource_post_error(subcompositor, WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE,
                                "the surface cannot become a subsurface");
         return;
@@ -50,7 +51,9 @@ void Subsurface::handleGetSubsurface(wl_resource* subcompositor, const wl_argume
     wl_resource_set_implementation(resource, &requests, new Subsurface(surface), [](wl_resource* destroyed) {
         delete of(destroyed);
     });
-    Q_EMIT parent->childAdded(surface);
+    if (parent != nullptr) {
+        parent->addChild(child);
+    }
 }
 
 Subsurface::Subsurface(QWaylandSurface* surface)
@@ -81,21 +84,17 @@ template <bool isSynchronized> void Subsurface::setMode(wl_client*, wl_resource*
 
 void Subsurface::setPosition(wl_client*, wl_resource* resource, int32_t x, int32_t y)
 {
-    if (QWaylandSurface* const surface = of(resource)->mSurface) {
-        Q_EMIT surface->subsurfacePositionChanged(QPoint(x, y));
+    if (ClientSurface* const surface = ClientSurface::of(of(resource)->mSurface)) {
+        surface->move(QPoint(x, y));
     }
 }
 
-void Subsurface::placeAbove(wl_client*, wl_resource* resource, wl_resource* sibling)
+template <Subsurface::Placement placement>
+void Subsurface::place(wl_client*, wl_resource* resource, wl_resource* sibling)
 {
-    if (QWaylandSurface* const surface = of(resource)->mSurface) {
-        Q_EMIT surface->subsurfacePlaceAbove(QWaylandSurface::fromResource(sibling));
-    }
-}
-
-void Subsurface::placeBelow(wl_client*, wl_resource* resource, wl_resource* sibling)
-{
-    if (QWaylandSurface* const surface = of(resource)->mSurface) {
-        Q_EMIT surface->subsurfacePlaceBelow(QWaylandSurface::fromResource(sibling));
+    ClientSurface* const surface = ClientSurface::of(of(resource)->mSurface);
+    if (surface != nullptr && !(surface->*placement)(ClientSurface::of(QWaylandSurface::fromResource(sibling)))) {
+        wl_resource_post_error(resource, WL_SUBSURFACE_ERROR_BAD_SURFACE,
+                               "the reference is neither the parent nor a sibling");
     }
 }

@@ -8,12 +8,13 @@
 
 #include <cstdint>
 
+class ClientSurface;
 struct wl_client;
 struct wl_resource;
 union wl_argument;
 
-/// A wl_subsurface. Replaces Qt's, which leaks and is used after its surface has been destroyed; emits the same signals
-/// of QWaylandSurface.
+/// A wl_subsurface. Replaces Qt's, which leaks, is used after its surface has been destroyed, and applies everything at
+/// once.
 class Subsurface
 {
 public:
@@ -29,8 +30,8 @@ private:
 
     static Subsurface* of(wl_resource* resource);
     static void setPosition(wl_client* client, wl_resource* resource, int32_t x, int32_t y);
-    static void placeAbove(wl_client* client, wl_resource* resource, wl_resource* sibling);
-    static void placeBelow(wl_client* client, wl_resource* resource, wl_resource* sibling);
+    using Placement = bool (ClientSurface::*)(const ClientSurface* sibling);
+    template <Placement placement> static void place(wl_client* client, wl_resource* resource, wl_resource* sibling);
     template <bool isSynchronized> static void setMode(wl_client* client, wl_resource* resource);
 
     QPointer<ServerSurface> mSurface;

@@ -577,12 +577,12 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         }
     });
 
-    row("a subsurface of itself", cAnyEnd, [](WireClient& client) {
+    row("a subsurface of itself", WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE, [](WireClient& client) {
         const quint32 surface = client.createSurface();
         client.createSubsurface(surface, surface);
         client.commit(surface);
     });
-    row("a subsurface twice", cAnyEnd, [](WireClient& client) {
+    row("a subsurface twice", WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 surface = client.createSurface();
         const quint32 one = client.createSubsurface(surface, window.surface);
@@ -638,16 +638,23 @@ void CompositorHostileClientTest::aClientThatBreaksTheProtocolHarmsOnlyItself_da
         }
         client.commit(window.surface);
     });
-    row("a subsurface above a stranger", cAnyEnd, [](WireClient& client) {
+    row("a subsurface above a stranger", WL_SUBSURFACE_ERROR_BAD_SURFACE, [](WireClient& client) {
+        const WireClient::Window window = client.openWindow("Parent");
+        const quint32 subsurface = client.createSubsurface(client.createSurface(), window.surface);
+        client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_ABOVE).number(client.createSurface()));
+    });
+    row("a subsurface below itself", WL_SUBSURFACE_ERROR_BAD_SURFACE, [](WireClient& client) {
         const WireClient::Window window = client.openWindow("Parent");
         const quint32 surface = client.createSurface();
-        const quint32 stranger = client.createSurface();
         const quint32 subsurface = client.createSubsurface(surface, window.surface);
-        client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_ABOVE).number(stranger));
         client.send(WireMessage(subsurface, WL_SUBSURFACE_PLACE_BELOW).number(surface));
-        client.commit(window.surface);
     });
-
+    row("a subsurface of its own subsurface", WL_SUBCOMPOSITOR_ERROR_BAD_SURFACE, [](WireClient& client) {
+        const quint32 parent = client.createSurface();
+        const quint32 surface = client.createSurface();
+        client.createSubsurface(surface, parent);
+        client.createSubsurface(parent, surface);
+    });
     row("a viewport whose surface is gone", 3, [](WireClient& client) {
         const quint32 surface = client.createSurface();
         const quint32 viewporter = client.bind("wp_viewporter");

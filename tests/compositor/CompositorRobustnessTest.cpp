@@ -28,7 +28,6 @@ private Q_SLOTS:
     void theMemoryOfACrowdIsReturned();
     void garbageOnTheSocket();
     void aConnectionThatSaysNothing();
-    void surfacesInACircle();
     void aHungClientDoesNotSlowTheOthers();
 };
 
@@ -273,18 +272,6 @@ void CompositorRobustnessTest::aConnectionThatSaysNothing()
     const auto client = protocolClient();
     client->send("open a Window");
     TRY_COMPARE(CompositorBus::views().size(), 1);
-}
-
-void CompositorRobustnessTest::surfacesInACircle()
-{
-    const auto client = protocolClient();
-    client->send("open a Window");
-    client->send("subsurfaceloop");
-    client->send("sync");
-    // Disconnected or not, the compositor survives.
-    for (QByteArray event; event != "synced" && event != "disconnected"; event = client->waitFor("")) { }
-    screenShot();
-    QVERIFY(mCompositor->isRunning());
 }
 
 void CompositorRobustnessTest::aHungClientDoesNotSlowTheOthers()

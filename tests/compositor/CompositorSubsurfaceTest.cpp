@@ -30,6 +30,9 @@ private Q_SLOTS:
     void waitingCommitsAreApplied();
     void whatIsNotCommittedStaysPending();
     void aSubsurfaceMovesWithItsParentsCommit();
+    void aSubsurfaceIsAddedWithItsParentsCommit();
+    void aSubsurfaceIsRestackedWithItsParentsCommit();
+    void aSubsurfaceGoesAtOnce();
     void hostileCommitsHarmNobody();
 
 private:
@@ -208,6 +211,55 @@ void CompositorSubsurfaceTest::aSubsurfaceMovesWithItsParentsCommit()
     mClient->commit(mWindow);
     QCOMPARE(colourAt(cPosition), QColor(Qt::white));
     QCOMPARE(colourAt(QPoint(120, 110)), QColor(Qt::red));
+}
+
+void CompositorSubsurfaceTest::aSubsurfaceIsAddedWithItsParentsCommit()
+{
+    openWindow();
+    Part part = {};
+    part.surface = mClient->createSurface();
+    part.subsurface = mClient->createSubsurface(part.surface, mWindow);
+    mClient->send(WireMessage(part.subsurface, WL_SUBSURFACE_SET_DESYNC));
+    paint(part, Qt::red);
+    QCOMPARE(colourAt(QPoint()), QColor(Qt::white));
+    mClient->commit(mWindow);
+    QCOMPARE(colourAt(QPoint()), QColor(Qt::red));
+}
+
+void CompositorSubsurfaceTest::aSubsurfaceIsRestackedWithItsParentsCommit()
+{
+    openWindow();
+    const Part red = addPart(mWindow, false);
+    const Part green = addPart(mWindow, false);
+    paint(red, Qt::red);
+    paint(green, Qt::green);
+    QCOMPARE(colourAt(cPosition), QColor(Qt::green));
+    const auto colourAfter = [&](const Part& part, quint16 request, quint32 sibling) {
+        const QColor before = colourAt(cPosition);
+        mClient->send(WireMessage(part.subsurface, request).number(sibling));
+        mClient->commit(part.surface);
+        if (colourAt(cPosition) != before) {
+            return QColor();
+        }
+        mClient->commit(mWindow);
+        return colourAt(cPosition);
+    };
+    QCOMPARE(colourAfter(red, WL_SUBSURFACE_PLACE_ABOVE, green.surface), QColor(Qt::red));
+    QCOMPARE(colourAfter(red, WL_SUBSURFACE_PLACE_BELOW, green.surface), QColor(Qt::green));
+    QCOMPARE(colourAfter(green, WL_SUBSURFACE_PLACE_BELOW, mWindow), QColor(Qt::red));
+    QCOMPARE(colourAfter(red, WL_SUBSURFACE_PLACE_BELOW, green.surface), QColor(Qt::white));
+    QCOMPARE(colourAfter(green, WL_SUBSURFACE_PLACE_ABOVE, mWindow), QColor(Qt::green));
+    QVERIFY2(mClient->synchronise(), mClient->errorText());
+}
+
+void CompositorSubsurfaceTest::aSubsurfaceGoesAtOnce()
+{
+    openWindow();
+    const Part part = addPart(mWindow, false);
+    paint(part, Qt::red);
+    QCOMPARE(colourAt(cPosition), QColor(Qt::red));
+    mClient->send(WireMessage(part.subsurface, WL_SUBSURFACE_DESTROY));
+    QCOMPARE(colourAt(cPosition), QColor(Qt::white));
 }
 
 void CompositorSubsurfaceTest::hostileCommitsHarmNobody()

@@ -124,6 +124,7 @@ void IdleInhibitTest::aSubsurfaceInhibits()
                               .number(player.wire->newId())
                               .number(video)
                               .number(player.window.surface));
+        player.wire->commit(player.window.surface);
         player.inhibit(video);
     }));
     QVERIFY(mDesk->stack.inhibitsIdle());

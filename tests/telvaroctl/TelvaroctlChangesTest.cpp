@@ -193,7 +193,7 @@ void TelvaroctlChangesTest::waitEndsAtOnceIfItIsSoAlready_data()
 {
     QTest::addColumn<QStringList>("arguments");
     for (const char* command :
-         {"wait --service", "wait --app notes", "wait --view u-2", "wait --current", "wait --app notes --current",
+         {"wait", "wait --service", "wait --app notes", "wait --view u-2", "wait --current", "wait --app notes --current",
           "wait --view u-1 --current", "wait --app clock --gone", "wait --view u-9 --gone",
           "wait --view u-2 --current --gone", "wait --app notes --view u-2", "wait --app notes --index 1",
           "wait --app notes --index 2 --gone"}) {
@@ -223,6 +223,7 @@ void TelvaroctlChangesTest::waitFailsAtItsLimit_data()
     row("wait --view u-9", "waited in vain for the view 'u-9'");
     row("wait --view u-2 --current", "waited in vain for the view 'u-2' that is current");
     row("wait --app notes --view u-9", "waited in vain for the view 'u-9'");
+    row("wait --gone", "waited in vain for the end of a view");
     row("wait --app notes --gone", "waited in vain for the end of a view of 'notes'");
     row("wait --current --gone", "waited in vain for the end of a view that is current");
     row("wait --service --gone", "waited in vain for the end of the service");

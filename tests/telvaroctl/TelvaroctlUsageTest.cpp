@@ -127,8 +127,8 @@ void TelvaroctlUsageTest::wrongUsageIsSaidOnStandardErrorAndSendsNothing_data()
     row("notify --close 0", "'0' is not a number from 1 to 4294967295");
     row("notify --close 1 a", "unexpected argument 'a'");
     row("screenshot", "DIRECTORY is missing");
-    row("wait", "expected either --service or a view");
-    row("wait --gone", "expected either --service or a view");
+    row("wait --service --current", "expected either --service or a view");
+    row("wait --service --view u-1", "expected either --service or a view");
     row("wait --index 1 --current", "--index goes with --app");
     row("wait --app notes --index one", "'one' is not a number from 0 to 4294967295");
     row("wait --service --app notes", "expected either --service or a view");

@@ -147,8 +147,6 @@ bool ProtocolClient::runCommand(const std::string& line)
         wl_display_roundtrip(mDisplay);
         std::printf("output %s\n", mOutputText.c_str());
         std::fflush(stdout);
-    } else if (command == "subsurfaceloop") {
-        makeSubsurfaceLoop();
     } else if (mWindows.count(number) == 0) {
         throw std::runtime_error("cannot do \"" + line + '"');
     } else if (command == "appid") {
@@ -192,14 +190,4 @@ ProtocolWindow& ProtocolClient::addWindow()
     const int number = ++mLastNumber;
     mWindows[number] = std::make_unique<ProtocolWindow>(*this, number);
     return *mWindows[number];
-}
-
-void ProtocolClient::makeSubsurfaceLoop()
-{
-    wl_surface* const one = wl_compositor_create_surface(mCompositor);
-    wl_surface* const other = wl_compositor_create_surface(mCompositor);
-    wl_subcompositor_get_subsurface(mSubcompositor, one, other);
-    wl_subcompositor_get_subsurface(mSubcompositor, other, one);
-    wl_surface_commit(one);
-    wl_surface_commit(other);
 }

@@ -19,7 +19,6 @@
 /// - frame NUMBER: requests a frame callback and prints its event
 /// - truncate NUMBER: truncates the buffer's memory
 /// - subsurface NUMBER
-/// - subsurfaceloop: two surfaces that are subsurfaces of each other
 /// - sync: prints "synced" when the compositor has handled all requests
 /// - output: prints the output's properties
 /// - quit
@@ -57,7 +56,6 @@ private:
     bool readCommands();
     bool runCommand(const std::string& line);
     ProtocolWindow& addWindow();
-    void makeSubsurfaceLoop();
 
     wl_display* mDisplay;
     wl_compositor* mCompositor = nullptr;
