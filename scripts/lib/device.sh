@@ -123,7 +123,7 @@ make_device_sysroot() {
 # ensure_device: all that scripts/device boots, made of what is there and newer.
 ensure_device() {
     ensure_packages "${device_packages[@]}"
-    [ -d "$package_directory/armhf" ] || "$project_directory/scripts/package" armhf
+    ensure_armhf_packages
     ensure_device_root
     ensure_device_kernel
     make_device_disk

@@ -7,6 +7,20 @@ package_directory=$project_directory/build/packages
 # The Debian system in which the packages for armhf are built.
 cross_root=$project_directory/build/cross-root
 
+# package_sources: prints a checksum of what the packages for armhf are made of.
+package_sources() {
+    cd "$project_directory"
+    find . -mindepth 1 -regextype posix-extended \
+        -regex '\./(\..*|build|benchmarks|device|docs|scripts|tests|[^/]*\.md)' -prune -o -type f -print0 \
+        | LC_ALL=C sort -z | xargs -0 sha256sum | sha256sum
+}
+
+# ensure_armhf_packages: makes the packages for armhf if there are none or the sources have changed.
+ensure_armhf_packages() {
+    [ "$(cat "$package_directory/armhf/sources" 2> /dev/null)" = "$(package_sources)" ] \
+        || "$project_directory/scripts/package" armhf
+}
+
 # for_architecture NAME COMMAND...: runs the command as root where programs of that architecture can be executed.
 for_architecture() {
     local architecture=$1
