@@ -57,6 +57,7 @@ private Q_SLOTS:
     void framesOfOneClientAreCapturedOneByOne();
     void everythingIsDamagedBeforeTheFirstCopy();
     void nothingIsPaintedWithoutDamage();
+    void scatteredDamageGrowsToTheRectangleAroundIt();
     void aFrameOutsideOfTheNewSizeFails();
 
 private:
@@ -201,6 +202,37 @@ void ScreencopyTest::nothingIsPaintedWithoutDamage()
     for (Client& client : mClients) {
         QCOMPARE(client.wire->damageOf(client.frame), QRect(10, 20, 30, 40));
     }
+}
+
+void ScreencopyTest::scatteredDamageGrowsToTheRectangleAroundIt()
+{
+    Client& patient = mClients.front();
+    Client& other = mClients.back();
+    const auto copyAll = [&](Client& client) {
+        ServerDesk::serve([&client] {
+            client.capture();
+        });
+        client.wire->copy(client.frame, client.buffer);
+        QTRY_VERIFY_WITH_TIMEOUT(hasEnded(client, client.frame), ChildProcess::cDeadline);
+    };
+    copyAll(patient);
+    ServerDesk::serve([&patient] {
+        patient.frame = patient.wire->capture(20, 0, 10, 10);
+        patient.buffer = patient.wire->createFrameBuffer(patient.frame);
+        patient.wire->copyWithDamage(patient.frame, patient.buffer);
+        patient.wire->synchronise();
+    });
+    QRegion damage;
+    for (int i = 0; i < 16; ++i) {
+        damage |= QRect(10 * i, 10 * i, 5, 5);
+    }
+    mSheet.setDamage(damage);
+    copyAll(other);
+    QVERIFY(!hasEnded(patient, patient.frame));
+    mSheet.setDamage(QRect(200, 200, 5, 5));
+    copyAll(other);
+    QTRY_VERIFY_WITH_TIMEOUT(hasEnded(patient, patient.frame), ChildProcess::cDeadline);
+    QCOMPARE(patient.wire->damageOf(patient.frame), QRect(0, 0, 10, 10));
 }
 
 void ScreencopyTest::aFrameOutsideOfTheNewSizeFails()
