@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <stdexcept>
@@ -60,9 +61,25 @@ Score toScore(const QJsonArray& recording)
     return score;
 }
 
+/// Numbers the texts of an anonymous recording in the order of the steps: the recorder does so in the order in which it
+/// receives them, and that varies.
 QByteArray toText(const QJsonArray& steps)
 {
-    return QJsonDocument(steps).toJson();
+    const QString json = QString::fromUtf8(QJsonDocument(steps).toJson());
+    QString result;
+    QStringList texts;
+    int end = 0;
+    static const QRegularExpression masked(QStringLiteral("\"text \\d+\""));
+    for (QRegularExpressionMatchIterator matches = masked.globalMatch(json); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        if (!texts.contains(match.captured())) {
+            texts.append(match.captured());
+        }
+        result += json.midRef(end, match.capturedStart() - end)
+            + QStringLiteral("\"text %1\"").arg(texts.indexOf(match.captured()) + 1);
+        end = match.capturedEnd();
+    }
+    return (result + json.midRef(end)).toUtf8();
 }
 
 /// Sets all moments the same distance apart, and all calls before them, so that a busy machine does not make one of two

@@ -193,10 +193,10 @@ void TelvaroctlChangesTest::waitEndsAtOnceIfItIsSoAlready_data()
 {
     QTest::addColumn<QStringList>("arguments");
     for (const char* command :
-         {"wait", "wait --service", "wait --app notes", "wait --view u-2", "wait --current", "wait --app notes --current",
-          "wait --view u-1 --current", "wait --app clock --gone", "wait --view u-9 --gone",
-          "wait --view u-2 --current --gone", "wait --app notes --view u-2", "wait --app notes --index 1",
-          "wait --app notes --index 2 --gone"}) {
+         {"wait", "wait --service", "wait --app notes", "wait --view u-2", "wait --current",
+          "wait --app notes --current", "wait --view u-1 --current", "wait --app clock --gone",
+          "wait --view u-9 --gone", "wait --view u-2 --current --gone", "wait --app notes --view u-2",
+          "wait --app notes --index 1", "wait --app notes --index 2 --gone"}) {
         QTest::newRow(command) << words(command);
     }
 }
