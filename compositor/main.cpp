@@ -5,6 +5,7 @@
 #include "Log.h"
 #include "Options.h"
 #include "UnixSignals.h"
+#include "shell/Keymap.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -64,7 +65,6 @@ void prepareIcons()
 int run(int argc, char* argv[], const Options& options)
 {
     prepareMemory();
-    Log::install();
     std::signal(SIGPIPE, SIG_IGN);
     UnixSignals::block();
     prepareQt();
@@ -116,6 +116,8 @@ int main(int argc, char* argv[])
     if (!words.isEmpty()) {
         return CommandLine::refuse(text().command, QStringLiteral("unexpected argument '%1'").arg(words.constFirst()));
     }
+    Log::install();
+    Keymap::checkEnvironment();
     const Result<Options> options = Options::read(commandLine.parser());
     if (const auto* const error = std::get_if<Error>(&options)) {
         return CommandLine::refuse(text().command, error->text);

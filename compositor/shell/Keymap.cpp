@@ -6,6 +6,7 @@
 #include <QKeySequence>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <memory>
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon.h>
@@ -119,9 +120,24 @@ Result<Keymap::Layout> Keymap::readLayout(const QString& text)
     return layout;
 }
 
+void Keymap::checkEnvironment()
+{
+    if (compile(Layout()) != nullptr) {
+        return;
+    }
+    for (const char* const variable : {"XKB_DEFAULT_RULES", "XKB_DEFAULT_MODEL", "XKB_DEFAULT_LAYOUT",
+                                       "XKB_DEFAULT_VARIANT", "XKB_DEFAULT_OPTIONS"}) {
+        qunsetenv(variable);
+    }
+    qWarning(
+        "there is no keyboard layout as XKB_DEFAULT_LAYOUT and the variables with it describe it; they are ignored");
+}
+
 Keymap::Keymap(const Layout& layout)
 {
     const XkbKeymap keymap = compile(layout);
+    const QVector<QVector<QByteArray>> rows = namesOfRows();
+    mRows.resize(rows.size());
     if (keymap == nullptr) {
         return;
     }
@@ -135,10 +151,9 @@ Keymap::Keymap(const Layout& layout)
             }
         }
     }
-    const QVector<QVector<QByteArray>> rows = namesOfRows();
-    for (const QVector<QByteArray>& names : rows) {
-        mRows.append(rowOf(keymap.get(), names));
-    }
+    std::transform(rows.cbegin(), rows.cend(), mRows.begin(), [&keymap](const QVector<QByteArray>& names) {
+        return rowOf(keymap.get(), names);
+    });
 }
 
 QVector<quint32> Keymap::strokeOf(const QString& character) const

@@ -20,6 +20,9 @@ public:
         QString variant;
     };
 
+    /// Unsets the XKB_DEFAULT_ variables, from which everybody in this process takes the layout where none is given, if
+    /// they describe none.
+    static void checkEnvironment();
     /// Reads "de" or "de(nodeadkeys)".
     static Result<Layout> readLayout(const QString& text);
 

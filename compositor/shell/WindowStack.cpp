@@ -75,7 +75,7 @@ void WindowStack::addPopup(ClientPopup* popup)
     connect(popup, &ClientPopup::committed, this, [this, popup] {
         handleCommit(popup);
     });
-    connect(popup, &ClientPopup::mappedChanged, this, &WindowStack::keyboardSurfaceChanged);
+    connect(popup, &ClientPopup::mappedChanged, this, &WindowStack::rearrange);
 }
 
 ClientWindow* WindowStack::current() const

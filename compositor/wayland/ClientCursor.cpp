@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "wayland/ClientCursor.h"
 
+#include "wayland/Presentation.h"
+
 #include <QCursor>
 #include <QPainter>
 #include <QPixmap>
@@ -17,6 +19,11 @@ ClientCursor::ClientCursor(QWindow& window, QObject* parent)
     : QObject(parent)
     , mWindow(window)
 {
+    connect(&mTimer, &FrameTimer::due, this, [this] {
+        if (mSurface != nullptr) {
+            mSurface->sendFrameCallbacks(Presentation::now());
+        }
+    });
 }
 
 void ClientCursor::set(QWaylandSurface* surface, const QPoint& hotSpot)
@@ -46,6 +53,7 @@ void ClientCursor::reset()
 void ClientCursor::showImage()
 {
     mSurface->update();
+    mTimer.request();
     const QSize size = mSurface->size();
     if (!size.isEmpty() && size.width() <= cLargestEdge && size.height() <= cLargestEdge) {
         QPixmap image(size);

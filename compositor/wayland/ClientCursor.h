@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "state/FrameTimer.h"
 #include "wayland/ClientSurface.h"
 
 #include <QObject>
@@ -29,4 +30,6 @@ private:
     QWindow& mWindow;
     QPointer<ClientSurface> mSurface;
     QPoint mHotSpot;
+    /// Of the frame callbacks: the desktop shows the image, outside of the output's frames.
+    FrameTimer mTimer;
 };

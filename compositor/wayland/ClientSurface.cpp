@@ -59,7 +59,8 @@ void ClientSurface::bufferCommitted(const QWaylandBufferRef& buffer, const QRegi
 QRect ClientSurface::bounds() const
 {
     QRect bounds;
-    if (surface() != nullptr && surface()->hasContent()) {
+    const auto* const server = qobject_cast<ServerSurface*>(surface());
+    if (server != nullptr && server->isContentAttached()) {
         bounds = QRect(QPoint(), ClientBounds::clamped(surface()->destinationSize()));
         for (const Layer& layer : mLayers) {
             if (layer.surface != this) {
@@ -241,7 +242,7 @@ bool ClientSurface::place(const ClientSurface* child, const ClientSurface* sibli
 /// Damages everything around the surface: the structure of a tree rarely changes.
 void ClientSurface::damageAll()
 {
-    constexpr int reach = 4096;
+    constexpr int reach = ClientBounds::cFarthest;
     mDamage |= QRect(-reach, -reach, 2 * reach, 2 * reach);
     Q_EMIT committed();
 }

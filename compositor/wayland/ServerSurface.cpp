@@ -30,6 +30,11 @@ public:
         return (pending.newlyAttached ? pending.buffer : bufferRef).hasBuffer();
     }
 
+    bool isContentAttached() const
+    {
+        return mIsContentAttached;
+    }
+
     QPointer<XdgSurface> xdgSurface;
     FeedbackList pendingFeedback;
     FeedbackList feedback;
@@ -61,6 +66,7 @@ private:
     QRegion mPendingBufferDamage;
     wl_output_transform mPendingTransform = WL_OUTPUT_TRANSFORM_NORMAL;
     wl_output_transform mTransform = WL_OUTPUT_TRANSFORM_NORMAL;
+    bool mIsContentAttached = false;
     std::optional<CachedState> mCachedState;
     FeedbackList mCachedFeedback;
 };
@@ -157,18 +163,24 @@ void ServerSurfacePrivate::applyState()
     feedback.discard();
     feedback.take(pendingFeedback);
     mTransform = mPendingTransform;
+    if (pending.newlyAttached) {
+        mIsContentAttached = pending.buffer.hasContent();
+    }
     const QSize newSize = (pending.newlyAttached ? pending.buffer : bufferRef).size();
     pending.damage |= toSurface(std::exchange(mPendingBufferDamage, QRegion()), newSize);
 
-    if (!BufferTransform::isTransposed(mTransform)) {
+    const bool isBufferGone = !pending.newlyAttached && bufferRef.isDestroyed();
+    if (!isBufferGone && !BufferTransform::isTransposed(mTransform)) {
         QWaylandSurfacePrivate::surface_commit(resource());
         return;
     }
-    // Qt derives the size of the surface from a buffer that is never transposed, and compares a wp_viewport with that.
+    // Qt derives the size of the surface from a buffer that is still there and is never transposed, and compares a
+    // wp_viewport with that.
     const auto uncheckedViewport = std::exchange(viewport, nullptr);
     const QRectF source = pending.sourceGeometry;
     if (!source.isValid()) {
-        pending.sourceGeometry = QRectF(QPointF(), newSize.transposed() / pending.bufferScale);
+        pending.sourceGeometry =
+            isBufferGone ? sourceGeometry : QRectF(QPointF(), newSize.transposed() / pending.bufferScale);
     }
     QWaylandSurfacePrivate::surface_commit(resource());
     pending.sourceGeometry = source;
@@ -219,6 +231,11 @@ void ServerSurface::applyCachedState()
 bool ServerSurface::hasBuffer() const
 {
     return d_func()->hasBuffer();
+}
+
+bool ServerSurface::isContentAttached() const
+{
+    return d_func()->isContentAttached();
 }
 
 FeedbackList& ServerSurface::pendingFeedback()

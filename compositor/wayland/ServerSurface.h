@@ -28,6 +28,9 @@ public:
 
     /// Whether a wl_buffer is attached, committed or not.
     bool hasBuffer() const;
+    /// Whether a wl_buffer is committed. hasContent() ends with the wl_buffer, but only a commit without one hides the
+    /// surface.
+    bool isContentAttached() const;
 
     /// The feedback that has been requested for the next commit, and for the committed content that was not yet shown.
     FeedbackList& pendingFeedback();

@@ -61,14 +61,15 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
     const QRectF oldSource = mSource;
     wl_resource* const resource = surface != nullptr && mBuffer.hasContent() ? mBuffer.wl_buffer() : nullptr;
     wl_shm_buffer* const memory = resource == nullptr ? nullptr : wl_shm_buffer_get(resource);
-    if (memory == nullptr) {
-        // A null buffer hides the surface; so does one that is already destroyed or is in a GPU's memory.
+    const bool isCopyKept = surface != nullptr && mBuffer.isDestroyed() && !mCopy.isNull();
+    if (memory == nullptr && !isCopyKept) {
+        // A null buffer hides the surface; so does one that is in a GPU's memory, or was destroyed before it was read.
         setCopy(QImage());
         mSize = QSize();
         mSource = QRectF();
     } else {
         const int scale = surface->bufferScale();
-        mBufferSize = mBuffer.size();
+        mBufferSize = isCopyKept ? mCopy.size() : mBuffer.size();
         mSize = ClientBounds::clamped(surface->destinationSize());
         mSource = QRectF(surface->sourceGeometry().topLeft() * scale, surface->sourceGeometry().size() * scale);
         mTransform = surface->bufferTransform();
@@ -76,7 +77,9 @@ QRegion SurfacePixels::update(const ServerSurface* surface)
         if (!isWhole) {
             damage = QRect(QPoint(), mSize);
         }
-        read(memory);
+        if (!isCopyKept) {
+            read(memory);
+        }
     }
 
     if (mSize != oldSize || mSource != oldSource) {

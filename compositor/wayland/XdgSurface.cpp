@@ -249,7 +249,7 @@ void XdgSurface::handleCommit()
         Q_EMIT initialCommit();
         return;
     }
-    setMapped(mIsConfigured && mSurface->hasContent());
+    setMapped(mIsConfigured && mSurface->isContentAttached());
     Q_EMIT committed();
 }
 

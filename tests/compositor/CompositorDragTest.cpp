@@ -27,6 +27,7 @@ private Q_SLOTS:
     void theImageOfADragFollowsThePointer();
     void theImageOfADragMayVanish();
     void aCursorIsSetByWhoHasThePointer();
+    void aCursorIsAskedForItsNextImage();
 
 protected:
     void startCompositor() override;
@@ -361,6 +362,25 @@ void CompositorDragTest::aCursorIsSetByWhoHasThePointer()
                            .number(1U)
                            .number(1U));
     QVERIFY(!other.client->synchronise());
+}
+
+void CompositorDragTest::aCursorIsAskedForItsNextImage()
+{
+    const Dragger dragger = openDragger("Pointed");
+    moveUntil(dragger, dragger.pointer, cPointerMotion);
+    const quint32 surface = dragger.client->createSurface();
+    dragger.client->send(
+        WireMessage(dragger.pointer, WL_POINTER_SET_CURSOR).number(0U).number(surface).number(1U).number(1U));
+    for (int i = 0; i < 3; ++i) {
+        const quint32 callback = dragger.client->newId();
+        dragger.client->send(WireMessage(surface, WL_SURFACE_FRAME).number(callback));
+        dragger.client->attach(surface, dragger.client->createBuffer(QSize(32, 32)));
+        dragger.client->commit(surface);
+        const auto isCalledBack = [&] {
+            return dragger.client->synchronise() && dragger.client->events(callback).size() == 1;
+        };
+        TRY_VERIFY(isCalledBack());
+    }
 }
 
 TELVARO_TEST_MAIN(CompositorDragTest)

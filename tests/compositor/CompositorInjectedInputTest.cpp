@@ -70,6 +70,7 @@ private Q_SLOTS:
     void everyKeyHasItsName();
     void keysWithoutANameAreRefused_data();
     void keysWithoutANameAreRefused();
+    void aLayoutOfTheEnvironmentThatDoesNotExistIsIgnored();
     void inputEndsTheScreenSaverAndNothingElse();
     void inputReachesTheCompositorsOwnLayers();
     void commandsOfTheDeskAreExecuted();
@@ -88,16 +89,17 @@ protected:
     }
 
 private:
-    void restartWith(const QStringList& options);
+    void restartWith(const QStringList& options, const QString& layoutOfEnvironment = {});
     std::unique_ptr<LineClient> openWindow();
     /// A client with a full window and the input device that `request` of its seat returns.
     std::unique_ptr<WireClient> openWire(quint16 request, quint32* device);
 };
 
-void CompositorInjectedInputTest::restartWith(const QStringList& options)
+void CompositorInjectedInputTest::restartWith(const QStringList& options, const QString& layoutOfEnvironment)
 {
     mCompositor->end();
     mCompositor = std::make_unique<CompositorProcess>();
+    mCompositor->environment().insert(QStringLiteral("XKB_DEFAULT_LAYOUT"), layoutOfEnvironment);
     mCompositor->start(options);
 }
 
@@ -403,6 +405,21 @@ void CompositorInjectedInputTest::keysWithoutANameAreRefused()
     QFETCH(QByteArray, reason);
     const QByteArray step = "{\"key\": \"" + keys + "\"}";
     QCOMPARE(refusal(step), QString::fromUtf8("org.freedesktop.DBus.Error.Failed: the step, \"key\": " + reason));
+}
+
+void CompositorInjectedInputTest::aLayoutOfTheEnvironmentThatDoesNotExistIsIgnored()
+{
+    expectComplaints(1);
+    restartWith({QStringLiteral("--remote-control")}, QStringLiteral("nowhere"));
+    const auto client = openWindow();
+    QCOMPARE(refusal(R"({"key": "y"})"), QString());
+    client->waitFor("keypress 1 y");
+    const QImage closed = screenShot();
+    QCOMPARE(refusal(R"({"key": "Ctrl+Alt+K"})"), QString());
+    QVERIFY(screenShot() != closed);
+    QCOMPARE(mCompositor->errors(),
+             "telvaro-compositor: there is no keyboard layout as XKB_DEFAULT_LAYOUT and the variables with it describe "
+             "it; they are ignored\n");
 }
 
 void CompositorInjectedInputTest::inputEndsTheScreenSaverAndNothingElse()

@@ -114,6 +114,8 @@ private Q_SLOTS:
     void aDialogGoesToTheParentOfItsParent();
     void anUnmappedWindowBeginsAnew();
     void theWindowGeometryLiesWithinTheSurfaces();
+    void aWindowOutlivesItsBuffer();
+    void aPopupIsPaintedWhenItOpens();
     void aWindowIsAskedNotToDrawAFrame();
     void aFullScreenWindowHasTheWholeOutput();
     void aWindowThatIsNotFullScreenIsNotDisturbed();
@@ -485,6 +487,53 @@ void CompositorShellTest::theWindowGeometryLiesWithinTheSurfaces()
     setGeometry(QRect(300, 100, 1000, 1000));
     client->commit(window.surface);
     TRY_COMPARE(size(), QSize(40, 130));
+}
+
+void CompositorShellTest::aWindowOutlivesItsBuffer()
+{
+    const auto client = connectClient();
+    const WireClient::Window window = client->openWindow("Window");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    const quint32 buffer = client->createBuffer(cWindowSize);
+    client->attach(window.surface, buffer);
+    client->commit(window.surface);
+    client->synchronise();
+    const QImage shown = screenShot();
+    QCOMPARE(shown.pixelColor(cOrigin), QColor(Qt::white));
+    client->send(WireMessage(buffer, WL_BUFFER_DESTROY));
+    for (int i = 0; i < 3; ++i) {
+        client->damage(window.surface, QRect(QPoint(), cWindowSize));
+        client->commit(window.surface);
+        QVERIFY2(client->synchronise(), client->errorText());
+        QCOMPARE(screenShot(), shown);
+    }
+    QCOMPARE(CompositorBus::views().size(), 1);
+    QCOMPARE(CompositorBus::views().first().attributes.value(QStringLiteral("width")).toInt(), cWindowSize.width());
+    client->attach(window.surface, 0);
+    client->commit(window.surface);
+    TRY_COMPARE(CompositorBus::views().size(), 0);
+}
+
+void CompositorShellTest::aPopupIsPaintedWhenItOpens()
+{
+    const auto client = connectClient();
+    const WireClient::Window window = client->openWindow("Parent");
+    TRY_COMPARE(CompositorBus::views().size(), 1);
+    const Popup popup = createPopup(*client, window.xdgSurface, client->createPositioner(QSize(40, 30)));
+    client->configure(popup.surface, popup.xdgSurface);
+    const auto isCalledBack = [&client](quint32 callback) {
+        return client->synchronise() && client->events(callback).size() == 1;
+    };
+    // The frames that the window has requested are over.
+    const quint32 before = client->newId();
+    client->send(WireMessage(window.surface, WL_SURFACE_FRAME).number(before));
+    client->commit(window.surface);
+    TRY_VERIFY(isCalledBack(before));
+    const quint32 callback = client->newId();
+    client->send(WireMessage(popup.surface, WL_SURFACE_FRAME).number(callback));
+    client->attach(popup.surface, client->createBuffer(QSize(40, 30)));
+    client->commit(popup.surface);
+    TRY_VERIFY(isCalledBack(callback));
 }
 
 void CompositorShellTest::aWindowIsAskedNotToDrawAFrame()
