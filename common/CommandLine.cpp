@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CommandLine.h"
 
+#include "Output.h"
 #include "Printable.h"
 #include "Suggestion.h"
 
@@ -69,12 +70,10 @@ std::optional<ExitStatus> CommandLine::parse(const QStringList& arguments)
         return refuse(mText.command, problem());
     }
     if (mParser.isSet(cHelp)) {
-        QTextStream(stdout) << helpText();
-        return Done;
+        return print(helpText());
     }
     if (mKind == Kind::Program && mParser.isSet(cVersion)) {
-        QTextStream(stdout) << mText.command << ' ' << TELVARO_VERSION << '\n';
-        return Done;
+        return print(QStringLiteral("%1 " TELVARO_VERSION "\n").arg(mText.command));
     }
     return {};
 }
@@ -85,6 +84,15 @@ ExitStatus CommandLine::refuse(const QString& command, const QString& message)
     QTextStream(stderr) << program << ": " << printable(message) << '\n'
                         << program << ": see '" << command << " --help'\n";
     return Usage;
+}
+
+ExitStatus CommandLine::print(const QString& text) const
+{
+    const MaybeError error = Output::print(text.toUtf8());
+    if (error) {
+        QTextStream(stderr) << mText.command.section(QLatin1Char(' '), 0, 0) << ": " << error->text << '\n';
+    }
+    return error ? Failed : Done;
 }
 
 QString CommandLine::problem() const

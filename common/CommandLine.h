@@ -50,6 +50,7 @@ public:
     static ExitStatus refuse(const QString& command, const QString& message);
 
 private:
+    ExitStatus print(const QString& text) const;
     QString problem() const;
     QString helpText() const;
 

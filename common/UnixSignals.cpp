@@ -32,6 +32,12 @@ void UnixSignals::block()
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
 }
 
+void UnixSignals::unblock()
+{
+    const sigset_t set = terminationSignals();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 UnixSignals::UnixSignals(QObject* parent)
     : QObject(parent)
     , mDescriptor(openDescriptor())

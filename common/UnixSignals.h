@@ -13,6 +13,8 @@ class UnixSignals : public QObject
 public:
     /// Blocks the signals. To be called before the first thread starts, because threads inherit the signal mask.
     static void block();
+    /// Unblocks them in the calling thread.
+    static void unblock();
 
     explicit UnixSignals(QObject* parent = nullptr);
     ~UnixSignals() override;

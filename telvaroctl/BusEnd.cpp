@@ -19,6 +19,6 @@ BusEnd::BusEnd()
 
 void BusEnd::onDisconnected()
 {
-    printError(QStringLiteral("the bus has ended"));
+    printError(Service::busEnd());
     QCoreApplication::exit(Failed);
 }

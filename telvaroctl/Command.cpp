@@ -20,7 +20,9 @@ const QString cJson = QStringLiteral("json");
 const QString cTimeout = QStringLiteral("timeout");
 const QString cBus = QStringLiteral("bus");
 const QString cVerbose = QStringLiteral("verbose");
+const QString cAnyNumber = QStringLiteral("...");
 const int cDefaultTimeout = 2000;
+const double cLongestSeconds = 1e6;
 
 QString typed(const QString& commandName)
 {
@@ -82,7 +84,11 @@ QStringList optionsFirst(const QStringList& arguments, const QList<QCommandLineO
             std::any_of(options.begin(), options.end(), [&argument](const QCommandLineOption& option) {
                 return !option.valueName().isEmpty() && argument == QStringLiteral("--") + option.names().constFirst();
             });
-        if (hasValue && index + 1 < arguments.size()) {
+        if (hasValue && index + 1 == arguments.size()) {
+            // Nothing may follow that could be taken for the missing value.
+            return front;
+        }
+        if (hasValue) {
             front.append(arguments.at(++index));
         }
     }
@@ -92,6 +98,11 @@ QStringList optionsFirst(const QStringList& arguments, const QList<QCommandLineO
 /// Returns what is wrong with a value, or an empty string.
 QString fault(const QString& value, const QString& placeholder)
 {
+    static const QStringList cNeverEmpty = {QStringLiteral("APP"), QStringLiteral("UUID"), QStringLiteral("PROCESS"),
+                                            QStringLiteral("DIRECTORY"), QStringLiteral("FILE")};
+    if (value.isEmpty() && cNeverEmpty.contains(placeholder)) {
+        return QStringLiteral("%1 is empty").arg(placeholder);
+    }
     const QStringList words = wordsOf(placeholder);
     if (words.size() < placeholder.split(QLatin1Char('|')).size() || words.contains(value)) {
         return {};
@@ -103,7 +114,7 @@ QString fault(const QString& value, const QString& placeholder)
 
 QString faultOf(const Command& command, const QCommandLineParser& parser, const QStringList& arguments)
 {
-    const bool isOpen = !command.arguments.isEmpty() && command.arguments.constLast().endsWith(QLatin1String("..."));
+    const bool isOpen = !command.arguments.isEmpty() && command.arguments.constLast().endsWith(cAnyNumber);
     if (arguments.size() > command.arguments.size() && !isOpen) {
         return QStringLiteral("unexpected argument '%1'").arg(arguments.at(command.arguments.size()));
     }
@@ -116,13 +127,18 @@ QString faultOf(const Command& command, const QCommandLineParser& parser, const 
             return text;
         }
     }
-    const QList<QCommandLineOption> options = optionsOf(command);
+    const QList<QCommandLineOption> options = command.options();
     for (const QCommandLineOption& option : options) {
-        const QString text = parser.isSet(option) && !option.valueName().isEmpty()
-            ? fault(parser.value(option), option.valueName())
-            : QString();
+        const QString name = option.names().constFirst();
+        if (option.valueName().isEmpty() || !parser.isSet(option)) {
+            continue;
+        }
+        if (parser.values(option).size() > 1 && !option.valueName().endsWith(cAnyNumber)) {
+            return QStringLiteral("--%1 is given more than once").arg(name);
+        }
+        const QString text = fault(parser.value(option), option.valueName());
         if (!text.isEmpty()) {
-            return QStringLiteral("--%1: %2").arg(option.names().constFirst(), text);
+            return QStringLiteral("--%1: %2").arg(name, text);
         }
     }
     return {};
@@ -131,20 +147,21 @@ QString faultOf(const Command& command, const QCommandLineParser& parser, const 
 /// Returns the milliseconds of a number of seconds.
 std::optional<int> toMilliseconds(const QString& seconds)
 {
-    const double longest = 1e6;
     bool isNumber = false;
     const double number = seconds.toDouble(&isNumber);
-    if (!isNumber || !(number > 0) || number > longest) {
+    if (!isNumber || !(number > 0) || number > cLongestSeconds) {
         return {};
     }
     return std::max(1, static_cast<int>(std::lround(number * 1000)));
 }
 
-/// Applies the options that all commands have. Returns what is wrong with them, or an empty string.
-QString applyCommonOptions(const QCommandLineParser& parser)
+/// Applies the options that all commands have, and the limit of the environment to one that `isLimited`. Returns what
+/// is wrong with them, or an empty string.
+QString applyCommonOptions(const QCommandLineParser& parser, bool isLimited)
 {
     const QString environment = QStringLiteral("TELVAROCTL_TIMEOUT");
-    const bool isInEnvironment = !parser.isSet(cTimeout) && qEnvironmentVariableIsSet(qPrintable(environment));
+    const bool isInEnvironment =
+        isLimited && !parser.isSet(cTimeout) && !qEnvironmentVariableIsEmpty("TELVAROCTL_TIMEOUT");
     const QString seconds =
         parser.isSet(cTimeout) ? parser.value(cTimeout) : qEnvironmentVariable("TELVAROCTL_TIMEOUT");
     std::optional<int> timeout = cDefaultTimeout;
@@ -152,8 +169,9 @@ QString applyCommonOptions(const QCommandLineParser& parser)
         timeout = toMilliseconds(seconds);
     }
     if (!timeout) {
-        return QStringLiteral("%1: '%2' is not a number of seconds above 0")
-            .arg(isInEnvironment ? environment : QStringLiteral("--timeout"), seconds);
+        return QStringLiteral("%1: '%2' is not a number of seconds above 0 and up to %3")
+            .arg(isInEnvironment ? environment : QStringLiteral("--timeout"), seconds)
+            .arg(cLongestSeconds, 0, 'f', 0);
     }
     if (parser.isSet(cBus)) {
         const QString bus = parser.value(cBus);
@@ -252,7 +270,7 @@ ExitStatus execute(const Command& command, const QStringList& arguments)
     const QString name = QLatin1String(command.name);
     QString fault = faultOf(command, parser, parser.positionalArguments());
     if (fault.isEmpty()) {
-        fault = applyCommonOptions(parser);
+        fault = applyCommonOptions(parser, command.isLimited);
     }
     return fault.isEmpty() ? command.run(parser, parser.positionalArguments()) : usageError(name, fault);
 }

@@ -17,7 +17,8 @@ class QString;
 /// One subcommand of the tool. Help, usage errors, suggestions and completions are derived from it.
 ///
 /// The values of options and arguments are named by placeholders: words that are divided by "|", of which those in
-/// lower case are meant literally. A placeholder without one in upper case accepts no other word.
+/// lower case are meant literally. A placeholder without one in upper case accepts no other word. An option may be
+/// repeated if its placeholder ends with "...".
 struct Command
 {
     const char* name;
@@ -35,6 +36,8 @@ struct Command
     QStringList arguments = {};
     /// How many of them must be there.
     int requiredArguments = 0;
+    /// Whether the time limit of the environment applies.
+    bool isLimited = true;
 };
 
 /// Every command, in the order of the help.

@@ -119,6 +119,15 @@ QList<Candidate> placeholderWords(const QString& placeholder, const QStringList&
     return candidates;
 }
 
+/// Returns the bus that the words name, or an empty string.
+QString busOf(const QStringList& words)
+{
+    const QString option = QStringLiteral("--bus");
+    const int position = words.indexOf(option);
+    return position < 0 ? words.filter(option + QLatin1Char('=')).value(0).section(QLatin1Char('='), 1)
+                        : words.value(position + 1);
+}
+
 /// Returns the candidates for the word after the words.
 QList<Candidate> candidatesAfter(const QStringList& words, const QString& word)
 {
@@ -158,11 +167,16 @@ ExitStatus complete(const QCommandLineParser& parser, const QStringList& argumen
 {
     TimeLimit::start(requestedTimeout(parser).value_or(cTimeout), Service::noAnswer());
     const QString word = arguments.isEmpty() ? QString() : arguments.constLast();
+    const QStringList words = arguments.mid(0, arguments.size() - 1);
+    const QString bus = busOf(words);
+    if (!bus.isEmpty()) {
+        Service::chooseBus(bus);
+    }
     // Others would have to be quoted, and nobody expects what they do on a command line.
     static const QRegularExpression cHarmless(QStringLiteral("^[A-Za-z0-9._:/@%+,=-]+$"));
     QStringList lines;
     QStringList offered;
-    const QList<Candidate> candidates = candidatesAfter(arguments.mid(0, arguments.size() - 1), word);
+    const QList<Candidate> candidates = candidatesAfter(words, word);
     for (const Candidate& candidate : candidates) {
         const bool isForShell = candidate.word.startsWith(QLatin1Char(':'));
         if ((isForShell || candidate.word.startsWith(word)) && cHarmless.match(candidate.word).hasMatch()
@@ -191,6 +205,8 @@ QList<Command> completeCommands()
          "':files' or ':directories'. The time limit is 0.3 s by default.",
          noOptions,
          complete,
-         {QStringLiteral("WORD...")}},
+         {QStringLiteral("WORD...")},
+         0,
+         false},
     };
 }

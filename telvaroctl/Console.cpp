@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "Console.h"
 
+#include "Output.h"
 #include "TimeLimit.h"
 
 #include <QByteArray>
@@ -15,6 +16,7 @@
 namespace {
 
 bool isVerbose = false;
+bool isLost = false;
 // Of the main thread, the only one in which the library is used.
 QString warning;
 
@@ -54,18 +56,26 @@ QString lastWarning()
     return warning;
 }
 
-void printText(const QString& text)
+bool printText(const QString& text)
 {
     // What is printed has come in time, and the reader of a pipe may take its time.
     TimeLimit::lift();
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
-    std::fflush(stdout);
+    const MaybeError error = Output::print(text.toUtf8());
+    if (error && !isLost) {
+        isLost = true;
+        printError(error->text);
+    }
+    return !error;
 }
 
-void printLine(const QString& line)
+bool printLine(const QString& line)
 {
-    printText(line + QLatin1Char('\n'));
+    return printText(line + QLatin1Char('\n'));
+}
+
+bool isOutputLost()
+{
+    return isLost;
 }
 
 void printError(const QString& message)

@@ -14,9 +14,11 @@ void setVerbose(bool verbose);
 /// Returns the last warning of the library.
 QString lastWarning();
 
-/// Prints the text to standard output and flushes it.
-void printText(const QString& text);
-void printLine(const QString& line);
+/// Prints the text to standard output. Returns false, and prints why, if it cannot be written.
+bool printText(const QString& text);
+bool printLine(const QString& line);
+/// Returns whether a text could not be written.
+bool isOutputLost();
 
 /// Prints one line to standard error, prefixed with the tool's name.
 void printError(const QString& message);

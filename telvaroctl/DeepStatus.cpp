@@ -2,10 +2,12 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "DeepStatus.h"
 
+#include "ExitStatus.h"
 #include "Introspection.h"
 #include "Json.h"
 #include "Service.h"
 #include "TimeLimit.h"
+#include "UnixSignals.h"
 #include "ViewFields.h"
 
 #include <TelvaroDBusDefinitions.h>
@@ -16,6 +18,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QEventLoop>
@@ -25,13 +28,20 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <csignal>
 #include <limits>
+#include <optional>
+
+#include <unistd.h>
 
 namespace {
 
 using Names = TelvaroDBusDefinitions;
 using Screen = TelvaroScreenDBusConnector;
 using TaskSwitcher = TelvaroTaskSwitcherDBusConnector;
+
+/// For restoring, which is no part of the time limit.
+constexpr int cRestoringMilliseconds = 2000;
 
 QString typeOf(const QVariant& value)
 {
@@ -66,6 +76,62 @@ QString toText(const QVariant& value)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
+/// Defers SIGINT, SIGTERM and SIGHUP, which end the waits during its lifetime and the process after it.
+class SignalDeferral : public QObject
+{
+    Q_OBJECT
+
+public:
+    SignalDeferral()
+    {
+        UnixSignals::block();
+        connect(&mSignals, &UnixSignals::terminationRequested, this, [this](int signal) {
+            mSignal = signal;
+            Q_EMIT interrupted();
+        });
+    }
+
+    ~SignalDeferral() override
+    {
+        UnixSignals::unblock();
+        if (mSignal != 0) {
+            std::raise(mSignal);
+            // The shell has a program in the background ignore SIGINT.
+            _exit(Failed);
+        }
+    }
+
+    bool isInterrupted() const
+    {
+        return mSignal != 0;
+    }
+
+    void run(QEventLoop& loop) const
+    {
+        connect(this, &SignalDeferral::interrupted, &loop, &QEventLoop::quit);
+        if (!isInterrupted()) {
+            loop.exec();
+        }
+    }
+
+    void waitFor(const QDBusPendingCall& call) const
+    {
+        QEventLoop loop;
+        const QDBusPendingCallWatcher watcher(call);
+        connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+        if (!call.isFinished()) {
+            run(loop);
+        }
+    }
+
+Q_SIGNALS:
+    void interrupted();
+
+private:
+    UnixSignals mSignals;
+    int mSignal = 0;
+};
+
 /// Collects the values that PropertiesChanged carries.
 class Notifications : public QObject
 {
@@ -81,7 +147,7 @@ public:
 
     /// Waits until all of them have been notified, or for the time. Returns the values, invalid ones for properties
     /// that were invalidated.
-    QVariantMap waitFor(const QStringList& properties, int milliseconds)
+    QVariantMap waitFor(const QStringList& properties, int milliseconds, const SignalDeferral& deferral)
     {
         QEventLoop loop;
         QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
@@ -94,7 +160,7 @@ public:
             }
         });
         QTimer::singleShot(0, this, &Notifications::received);
-        loop.exec();
+        deferral.run(loop);
         return mValues;
     }
 
@@ -133,6 +199,12 @@ public:
         QDBusPendingReply<QString> reply =
             call(QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {});
         reply.waitForFinished();
+        if (reply.isError()) {
+            for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
+                note(member.key(), QStringLiteral("cannot be introspected: %1").arg(Service::reason(reply.error())));
+            }
+            return;
+        }
         const Introspection::Members described = Introspection::parse(reply.value()).interfaces.value(mInterface);
         for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
             const auto found = described.find(member.key());
@@ -181,12 +253,40 @@ public:
         if (changes.isEmpty()) {
             return;
         }
+        // From here on nothing may end the process before it has restored. Every wait has a limit of its own.
+        TimeLimit::lift();
+        mDeferral.emplace();
         Notifications notifications(mPath);
-        const QStringList written = write(changes);
-        mChanged = written;
-        const QVariantMap notified = notifications.waitFor(written, TimeLimit::remaining() / 8);
+        QMap<QString, QDBusPendingCall> requests = write(changes, TimeLimit::remainingButReserve() / 2);
+        for (auto request = requests.begin(); request != requests.end(); ++request) {
+            mDeferral->waitFor(*request);
+            if (request->isError()) {
+                note(request.key(), QStringLiteral("cannot be written: %1").arg(Service::reason(request->error())));
+            } else {
+                mChanged.append(request.key());
+            }
+        }
+        compareChanges(changes, notifications.waitFor(mChanged, TimeLimit::remaining() / 8, *mDeferral));
+        restore(changes.keys());
+        mDeferral.reset();
+    }
+
+    QList<DeepStatus::Item> items() const
+    {
+        QList<DeepStatus::Item> result;
+        for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
+            const bool isUnchanged =
+                member->kind == Introspection::Member::Property && !mChanged.contains(member.key());
+            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key()), isUnchanged});
+        }
+        return result;
+    }
+
+private:
+    void compareChanges(const QVariantMap& changes, const QVariantMap& notified)
+    {
         const QVariantMap answers = readAll();
-        for (const QString& name : written) {
+        for (const QString& name : qAsConst(mChanged)) {
             const QVariant answer = answers.value(name);
             if (answer != changes.value(name)) {
                 note(name,
@@ -203,25 +303,25 @@ public:
                 }
             }
         }
-        QVariantMap restored;
-        for (const QString& name : written) {
-            restored.insert(name, mAnswers.value(name));
-        }
-        write(restored);
     }
 
-    QList<DeepStatus::Item> items() const
+    /// Restores also what was refused or not replied to: the service may have changed it nevertheless.
+    void restore(const QStringList& names)
     {
-        QList<DeepStatus::Item> result;
-        for (auto member = mMembers.begin(); member != mMembers.end(); ++member) {
-            const bool isUnchanged =
-                member->kind == Introspection::Member::Property && !mChanged.contains(member.key());
-            result.append({mInterface + QLatin1Char('.') + member.key(), mProblems.value(member.key()), isUnchanged});
+        QVariantMap previous;
+        for (const QString& name : names) {
+            previous.insert(name, mAnswers.value(name));
         }
-        return result;
+        QMap<QString, QDBusPendingCall> requests = write(previous, cRestoringMilliseconds);
+        for (auto request = requests.begin(); request != requests.end(); ++request) {
+            request->waitForFinished();
+            const bool isRefused = !mChanged.contains(request.key()) && request->error().type() != QDBusError::NoReply;
+            if (request->isError() && !isRefused) {
+                note(request.key(), QStringLiteral("cannot be restored: %1").arg(Service::reason(request->error())));
+            }
+        }
     }
 
-private:
     void note(const QString& member, const QString& problem)
     {
         mProblems[member].append(problem);
@@ -246,14 +346,16 @@ private:
         }
     }
 
-    QDBusPendingCall call(const QString& interface, const QString& method, const QVariantList& arguments) const
+    QDBusPendingCall call(const QString& interface, const QString& method, const QVariantList& arguments,
+                          int milliseconds = TimeLimit::remainingButReserve()) const
     {
         QDBusMessage message = QDBusMessage::createMethodCall(Names::getServiceName(), mPath, interface, method);
         message.setAutoStartService(false);
         message.setArguments(arguments);
-        return Service::bus().asyncCall(message, TimeLimit::remainingButReserve());
+        return Service::bus().asyncCall(message, milliseconds);
     }
 
+    /// Returns the values of the properties that can be read; not all of them after an interruption.
     QVariantMap readAll()
     {
         QMap<QString, QDBusPendingReply<QDBusVariant>> replies;
@@ -263,35 +365,30 @@ private:
         }
         QVariantMap values;
         for (auto reply = replies.begin(); reply != replies.end(); ++reply) {
-            reply->waitForFinished();
+            if (mDeferral) {
+                mDeferral->waitFor(*reply);
+            } else {
+                reply->waitForFinished();
+            }
             if (reply->isError()) {
                 note(reply.key(), QStringLiteral("cannot be read: %1").arg(Service::reason(reply->error())));
-            } else {
+            } else if (reply->isFinished()) {
                 values.insert(reply.key(), reply->value().variant());
             }
         }
         return values;
     }
 
-    /// Returns the names of those that were accepted.
-    QStringList write(const QVariantMap& values)
+    QMap<QString, QDBusPendingCall> write(const QVariantMap& values, int milliseconds) const
     {
-        QMap<QString, QDBusPendingReply<>> replies;
+        QMap<QString, QDBusPendingCall> requests;
         for (auto value = values.begin(); value != values.end(); ++value) {
-            replies.insert(value.key(),
-                           call(Names::getPropertyInterface(), Names::getPropertyMehodSet(),
-                                {mInterface, value.key(), QVariant::fromValue(QDBusVariant(value.value()))}));
+            requests.insert(value.key(),
+                            call(Names::getPropertyInterface(), Names::getPropertyMehodSet(),
+                                 {mInterface, value.key(), QVariant::fromValue(QDBusVariant(value.value()))},
+                                 milliseconds));
         }
-        QStringList accepted;
-        for (auto reply = replies.begin(); reply != replies.end(); ++reply) {
-            reply->waitForFinished();
-            if (reply->isError()) {
-                note(reply.key(), QStringLiteral("cannot be written: %1").arg(Service::reason(reply->error())));
-            } else {
-                accepted.append(reply.key());
-            }
-        }
-        return accepted;
+        return requests;
     }
 
     /// Returns valid values of the properties that can be written, other than the present ones.
@@ -300,6 +397,11 @@ private:
         QVariantMap values;
         for (auto answer = mAnswers.begin(); answer != mAnswers.end(); ++answer) {
             const QString& name = answer.key();
+            // To disable the screen saver may end it, which cannot be restored.
+            if (name == Screen::cScreenSaverEnabledProperty
+                && mAnswers.value(Screen::cScreenSaverActiveProperty).toBool()) {
+                continue;
+            }
             if (mMembers.value(name).access != QLatin1String("readwrite")) {
                 continue;
             }
@@ -328,6 +430,8 @@ private:
     QVariantMap mAnswers;
     QStringList mChanged;
     QMap<QString, QStringList> mProblems;
+    /// While values are changed.
+    std::optional<SignalDeferral> mDeferral;
 };
 
 } // namespace

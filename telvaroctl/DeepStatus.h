@@ -18,8 +18,8 @@ struct Item
     bool isUnchanged;
 };
 
-/// Returns every member of the interfaces. Changes the settings of the screen and the current view, and restores them.
-/// The service must be there and answer.
+/// Returns every member of the interfaces. Changes the settings of the screen and the current view, and restores them
+/// even if a signal ends the process. The service must be there and answer.
 QList<Item> examine();
 
 } // namespace DeepStatus

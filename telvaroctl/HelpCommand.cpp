@@ -29,6 +29,8 @@ QList<Command> helpCommands()
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return help(arguments);
          },
-         {QStringLiteral("COMMAND")}},
+         {QStringLiteral("COMMAND")},
+         0,
+         false},
     };
 }

@@ -17,6 +17,8 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <limits>
+
 namespace {
 
 const QString cView = QStringLiteral("view");
@@ -25,9 +27,6 @@ const QString cButton = QStringLiteral("button");
 const QString cPointer = QStringLiteral("pointer");
 const QString cPress = QStringLiteral("press");
 const QString cRelease = QStringLiteral("release");
-
-/// The longest gesture, with the time in which the window gets its size.
-constexpr int cPatienceMilliseconds = 90000;
 
 constexpr auto cDetails =
     "Works only in telvaro-session, or if the compositor runs with --remote-control. Returns when "
@@ -39,14 +38,16 @@ ExitStatus take(const QCommandLineParser& parser, const QString& step)
     if (!Service::connect()) {
         return Failed;
     }
+    int timeout = TimeLimit::beyond();
     if (!requestedTimeout(parser)) {
         TimeLimit::lift();
+        timeout = std::numeric_limits<int>::max();
     }
     QDBusMessage call =
         QDBusMessage::createMethodCall(TelvaroDBusDefinitions::getServiceName(), QStringLiteral("/desk"),
                                        QStringLiteral("de.Telvaro.desk"), QStringLiteral("Take"));
     call.setArguments({step});
-    const QDBusMessage reply = Service::bus().call(call, QDBus::Block, cPatienceMilliseconds);
+    const QDBusMessage reply = Service::bus().call(call, QDBus::Block, timeout);
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return Done;
     }
@@ -150,7 +151,7 @@ ExitStatus scroll(const QCommandLineParser& parser, const QStringList& arguments
     }
     members.insert(QStringLiteral("x"), position.at(0));
     members.insert(QStringLiteral("y"), position.at(1));
-    const QString direction = arguments.at(2);
+    const QString& direction = arguments.at(2);
     const bool isVertical = direction == QLatin1String("up") || direction == QLatin1String("down");
     const bool isBackward = direction == QLatin1String("up") || direction == QLatin1String("left");
     members.insert(isVertical ? QStringLiteral("down") : QStringLiteral("right"), isBackward ? -*count : *count);

@@ -159,6 +159,11 @@ ExitStatus notify(const QCommandLineParser& parser, const QStringList& arguments
         if (!arguments.isEmpty()) {
             return usageError(cNotify, QStringLiteral("unexpected argument '%1'").arg(arguments.constFirst()));
         }
+        for (const QString& name : {cIcon, cAction, cUrgency, cExpire, cReplace, cHint, cPrintId, cWait}) {
+            if (parser.isSet(name)) {
+                return usageError(cNotify, QStringLiteral("--close and --%1 exclude each other").arg(name));
+            }
+        }
         const auto id = toNumber(cNotify, parser.value(cClose), 1, std::numeric_limits<uint>::max());
         return id ? closeNotification(static_cast<uint>(*id)) : Usage;
     }
@@ -222,7 +227,7 @@ QList<QCommandLineOption> notifyOptions()
         {cAction,
          QStringLiteral("A button: its key, read as the name of an icon, and its label. May "
                         "be given more than once."),
-         QStringLiteral("KEY=LABEL")},
+         QStringLiteral("KEY=LABEL...")},
         {cUrgency, QStringLiteral("The urgency of the notification."), cUrgencies.join(QLatin1Char('|'))},
         {cExpire,
          QStringLiteral("Closes it after this time; 0, the default, is never, and -1 leaves it to "
@@ -233,7 +238,7 @@ QList<QCommandLineOption> notifyOptions()
         {cHint,
          QStringLiteral("A hint; its type is boolean, byte, double, int or string. May be "
                         "given more than once."),
-         QStringLiteral("TYPE:NAME:VALUE")},
+         QStringLiteral("TYPE:NAME:VALUE...")},
         {cPrintId, QStringLiteral("Prints the id of the notification.")},
         {cWait, QStringLiteral("Waits until it is closed, and prints the key of the action if one is chosen.")},
         {cClose, QStringLiteral("Closes the notification with this id instead."), QStringLiteral("ID")},

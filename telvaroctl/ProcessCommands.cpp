@@ -11,7 +11,9 @@
 #include <QDBusPendingReply>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QString>
+#include <QStringList>
 
 #include <algorithm>
 #include <cstdint>
@@ -21,22 +23,38 @@ namespace {
 
 using View = TelvaroViewModel::View;
 
-/// Returns the id of the one process of that name, or prints why there is none.
-std::optional<uint32_t> processId(const QString& name)
+const QString cPidOf = QStringLiteral("pidof");
+
+/// Returns the ids of the processes of that name, or prints why there are none.
+QStringList processIds(const QString& name)
 {
+    if (name.startsWith(QLatin1Char('-'))) {
+        printError(QStringLiteral("%1 takes '%2' for an option").arg(cPidOf, name));
+        return {};
+    }
     const uint32_t pid = TelvaroTaskSwitcherDBusConnector().processNameToPid(name);
     if (pid == UINT32_MAX) {
-        printError(QStringLiteral("no process is called '%1'").arg(name));
+        printError(QStandardPaths::findExecutable(cPidOf).isEmpty()
+                       ? QStringLiteral("there is no program %1, which finds processes").arg(cPidOf)
+                       : QStringLiteral("no process is called '%1'").arg(name));
         return {};
     }
     if (pid == 0) {
         // The library says only in its log which ones.
         static const QRegularExpression cNoNumber(QStringLiteral("[^0-9]+"));
-        const QStringList pids = lastWarning().split(cNoNumber, Qt::SkipEmptyParts);
-        printError(QStringLiteral("several processes are called '%1': %2").arg(name, pids.join(QLatin1Char(' '))));
-        return {};
+        return lastWarning().split(cNoNumber, Qt::SkipEmptyParts);
     }
-    return pid;
+    return {QString::number(pid)};
+}
+
+/// Returns the id of the one process of that name, or prints why there is none.
+std::optional<uint32_t> processId(const QString& name)
+{
+    const QStringList pids = processIds(name);
+    if (pids.size() > 1) {
+        printError(QStringLiteral("several processes are called '%1': %2").arg(name, pids.join(QLatin1Char(' '))));
+    }
+    return pids.size() == 1 ? std::optional<uint32_t>(pids.constFirst().toUInt()) : std::nullopt;
 }
 
 uint32_t currentProcess(const TelvaroTaskSwitcher& switcher)
@@ -82,12 +100,12 @@ ExitStatus isCurrent(const QString& name)
     if (!Service::connect()) {
         return Failed;
     }
-    const std::optional<uint32_t> pid = processId(name);
-    if (!pid) {
+    const QStringList pids = processIds(name);
+    if (pids.isEmpty()) {
         return Failed;
     }
-    return Service::withTaskSwitcher([pid](const TelvaroTaskSwitcher& switcher) {
-        return currentProcess(switcher) == *pid ? Done : Failed;
+    return Service::withTaskSwitcher([&pids](const TelvaroTaskSwitcher& switcher) {
+        return pids.contains(QString::number(currentProcess(switcher))) ? Done : Failed;
     });
 }
 
@@ -117,7 +135,7 @@ QList<Command> processCommands()
              return bringToTop(arguments.constFirst());
          },
          process, 1},
-        {"is-current", "Tests whether the current view belongs to a named process.", "",
+        {"is-current", "Tests whether the current view belongs to a process of a name.", "",
          "Prints nothing; exits with 0 if it does, else with 1.", noOptions,
          [](const QCommandLineParser& /*parser*/, const QStringList& arguments) {
              return isCurrent(arguments.constFirst());

@@ -32,11 +32,6 @@ template <typename Value> bool isFailure(const Result<Value>& result)
 
 ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    // Before Qt's D-Bus thread starts.
-    UnixSignals::block();
-    const UnixSignals unixSignals;
-    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
-                     &QCoreApplication::quit);
     if (!Service::connect()) {
         return Failed;
     }
@@ -66,6 +61,11 @@ ExitStatus record(const QCommandLineParser& parser, const QStringList& arguments
     }
     // A service that hangs is recorded, too.
     TimeLimit::lift();
+    // From here on the event loop ends the process.
+    UnixSignals::block();
+    const UnixSignals unixSignals;
+    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     const int status = QCoreApplication::exec();
     const Result<int> count = recorder.finish();
     if (isFailure(count)) {

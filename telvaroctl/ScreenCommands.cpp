@@ -162,8 +162,8 @@ std::optional<QString> toDegrees(const QString& word)
         }
     }
     bool isNumber = false;
-    word.toInt(&isNumber);
-    return isNumber ? std::optional<QString>(word) : std::nullopt;
+    const int degrees = word.toInt(&isNumber);
+    return isNumber ? std::optional<QString>(QString::number(degrees)) : std::nullopt;
 }
 
 QString noOrientation(const QString& word)
@@ -287,6 +287,13 @@ ExitStatus showScreen(const QCommandLineParser& parser)
 ExitStatus runScreen(const QCommandLineParser& parser, const QStringList& /*arguments*/)
 {
     const QString command = QStringLiteral("screen");
+    if (isJsonWanted(parser)) {
+        for (const QString& name : {cOrientation, cFullScreen, cScreenSaver, cScreenSaverTimeout}) {
+            if (parser.isSet(name)) {
+                return usageError(command, QStringLiteral("--json and --%1 exclude each other").arg(name));
+            }
+        }
+    }
     QList<Change> changes;
     if (parser.isSet(cOrientation)) {
         const std::optional<QString> degrees = toDegrees(parser.value(cOrientation));

@@ -5,6 +5,7 @@
 #include "Console.h"
 #include "Manifest.h"
 #include "TimeLimit.h"
+#include "UnixSignals.h"
 
 #include <TelvaroDBusDefinitions.h>
 #include <TelvaroDeviceDistinction.h>
@@ -25,8 +26,8 @@ const QString cSystem = QStringLiteral("system");
 constexpr int cSettlingMilliseconds = 1000;
 
 bool isNameStored = false;
-/// The one that an error names.
-QString chosenBus = QStringLiteral(TELVARO_BUS_NAME);
+const QString cBuiltBus = QStringLiteral(TELVARO_BUS_NAME);
+QString chosenBus = cBuiltBus;
 
 QString serviceName()
 {
@@ -45,6 +46,16 @@ QString addressOf(const QString& bus)
         : directory.isEmpty()               ? QString()
                                             : QStringLiteral("unix:path=%1/bus").arg(directory);
     return qEnvironmentVariable(variableOf(bus), standard);
+}
+
+/// Starts Qt's D-Bus thread with SIGINT, SIGTERM and SIGHUP blocked, so that the main thread alone decides whether they
+/// end the process: by default they do, whatever it is blocked in.
+void startQtsThread()
+{
+    UnixSignals::block();
+    // The first connection object starts it, even one that names no connection.
+    const QDBusConnection none(QStringLiteral("none"));
+    UnixSignals::unblock();
 }
 
 /// Returns when Qt's thread has done what it had to do before the call, or after the timeout.
@@ -77,24 +88,24 @@ template <typename Object> ExitStatus with(const std::function<ExitStatus(Object
 
 } // namespace
 
-QString Service::builtBus()
+QString Service::busName()
 {
-    return QStringLiteral(TELVARO_BUS_NAME);
+    return chosenBus;
 }
 
 void Service::chooseBus(const QString& bus)
 {
     const bool isNamed = bus == cSession || bus == cSystem;
     const QString address = isNamed ? addressOf(bus) : bus;
-    chosenBus = isNamed ? bus : builtBus();
-    if (bus != builtBus()) {
-        qputenv(variableOf(builtBus()), address.toLocal8Bit());
+    chosenBus = isNamed ? bus : cBuiltBus;
+    if (bus != cBuiltBus) {
+        qputenv(variableOf(cBuiltBus), address.toLocal8Bit());
     }
 }
 
 QString Service::busAddress()
 {
-    return addressOf(builtBus());
+    return addressOf(cBuiltBus);
 }
 
 QDBusConnection Service::bus()
@@ -114,6 +125,7 @@ bool Service::connect()
 bool Service::connectToBus()
 {
     TimeLimit::expect(QStringLiteral("the bus %1 does not answer").arg(busAddress()));
+    startQtsThread();
     const bool isConnected = bus().isConnected();
     if (isConnected) {
         letQtStoreNames();
@@ -183,6 +195,9 @@ ExitStatus Service::withScreen(const std::function<ExitStatus(TelvaroScreen&)>& 
 
 QString Service::reason(const QDBusError& error)
 {
+    if (!bus().isConnected()) {
+        return busEnd();
+    }
     if (error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
         return notOnTheBus();
     }
@@ -199,5 +214,10 @@ QString Service::noAnswer()
 
 QString Service::notOnTheBus()
 {
-    return QStringLiteral("%1 is not on the bus").arg(serviceName());
+    return bus().isConnected() ? QStringLiteral("%1 is not on the bus").arg(serviceName()) : busEnd();
+}
+
+QString Service::busEnd()
+{
+    return QStringLiteral("the bus has ended");
 }

@@ -18,8 +18,8 @@ class TelvaroTaskSwitcher;
 /// The compositor service and the bus that it is on. Functions that return bool print the reason for a failure.
 namespace Service {
 
-/// The bus for which the libraries have been built: "session" or "system".
-QString builtBus();
+/// The name of the bus: "session" or "system"; with an address, the one for which the libraries have been built.
+QString busName();
 /// Has the libraries connect to another bus: "session", "system" or an address. To be called before the first use of
 /// the bus.
 void chooseBus(const QString& bus);
@@ -48,6 +48,8 @@ ExitStatus withScreen(const std::function<ExitStatus(TelvaroScreen&)>& function)
 QString reason(const QDBusError& error);
 /// "the service de.Telvaro does not answer"
 QString noAnswer();
+/// "the service de.Telvaro is not on the bus", or that the bus has ended
 QString notOnTheBus();
+QString busEnd();
 
 } // namespace Service

@@ -126,7 +126,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     table.addRow({QStringLiteral("manifest"), Manifest::path()});
     const QString code = Manifest::productCode();
     table.addRow({QStringLiteral("product code"), code.isEmpty() ? QStringLiteral("unknown") : code});
-    table.addRow({QStringLiteral("%1 bus").arg(Service::builtBus()), Service::busAddress()});
+    table.addRow({QStringLiteral("%1 bus").arg(Service::busName()), Service::busAddress()});
     table.addRow({QStringLiteral("service %1").arg(Names::getServiceName()),
                   isServiceThere ? QStringLiteral("registered") : QStringLiteral("not registered")});
     if (isServiceThere) {
@@ -157,7 +157,7 @@ ExitStatus showStatus(bool asJson, bool isDeep)
             {QStringLiteral("compositorDevice"), isDevice},
             {QStringLiteral("manifest"), Manifest::path()},
             {QStringLiteral("productCode"), code},
-            {QStringLiteral("bus"), Service::builtBus()},
+            {QStringLiteral("bus"), Service::busName()},
             {QStringLiteral("busAddress"), Service::busAddress()},
             {QStringLiteral("service"), Names::getServiceName()},
             {QStringLiteral("serviceRegistered"), isServiceThere},
@@ -176,6 +176,12 @@ ExitStatus showStatus(bool asJson, bool isDeep)
     }
     if (!isDevice) {
         printError(QStringLiteral("this is not a compositor device: %1").arg(Manifest::advice()));
+    } else if (isBusThere && !isServiceThere) {
+        printError(Service::notOnTheBus());
+    } else if (isServiceThere && !isEachAnswering) {
+        printError(QStringLiteral("not every object of the service answers"));
+    } else if (!isFlawless) {
+        printError(QStringLiteral("the service does not agree with its interfaces"));
     }
     return isUsable && isFlawless ? Done : Failed;
 }

@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -41,6 +42,13 @@ bool isKnown(const QString& field, const QStringList& names)
     });
 }
 
+/// Returns the names as a person writes them.
+QStringList shown(QStringList names)
+{
+    names.replaceInStrings(QRegularExpression(QStringLiteral("\\.$")), QStringLiteral(".NAME"));
+    return names;
+}
+
 QString toText(const QVariant& value)
 {
     const QJsonValue json = toJson(value);
@@ -69,8 +77,9 @@ Result<Template> Template::parse(const QString& text, const QStringList& names)
         }
         const QString field = text.mid(begin + 2, end - begin - 2).trimmed();
         if (!isKnown(field, names)) {
-            return Error{QStringLiteral("there is no field '%1' among %2%3")
-                             .arg(field, names.join(QStringLiteral(", ")), Suggestion::question(field, names))};
+            return Error{
+                QStringLiteral("there is no field '%1' among %2%3")
+                    .arg(field, shown(names).join(QStringLiteral(", ")), Suggestion::question(field, shown(names)))};
         }
         result.mPieces.append({unescaped(text.mid(position, begin - position)), field});
         position = end + 2;
@@ -95,8 +104,7 @@ QList<QCommandLineOption> Template::options(const QStringList& names)
         + QList<QCommandLineOption>{
             {cFormat,
              QStringLiteral("Prints a line of this form instead, with fields in double braces: %1.")
-                 .arg(names.join(QStringLiteral(", "))
-                      + (names.constLast().endsWith(QLatin1Char('.')) ? QStringLiteral("NAME") : QString())),
+                 .arg(shown(names).join(QStringLiteral(", "))),
              QStringLiteral("TEMPLATE")}};
 }
 

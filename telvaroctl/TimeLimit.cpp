@@ -69,9 +69,16 @@ void TimeLimit::start(int milliseconds, const QString& text)
 void TimeLimit::expect(const QString& text)
 {
     lift();
-    const QByteArray line = "telvaroctl: " + printable(text).toUtf8() + '\n';
-    messageSize = std::min(static_cast<std::size_t>(line.size()), message.size());
-    std::copy_n(line.constData(), messageSize, message.data());
+    QByteArray line = "telvaroctl: " + printable(text).toUtf8();
+    int size = std::min(line.size(), static_cast<int>(message.size()) - 1);
+    // Not within a character.
+    while ((line.constData()[size] & 0xc0) == 0x80) {
+        --size;
+    }
+    line.truncate(size);
+    line += '\n';
+    std::copy(line.begin(), line.end(), message.begin());
+    messageSize = static_cast<std::size_t>(line.size());
     setTimer(timeLeft());
 }
 

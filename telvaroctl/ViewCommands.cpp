@@ -6,6 +6,7 @@
 #include "Service.h"
 #include "Table.h"
 #include "Template.h"
+#include "TimeLimit.h"
 #include "ViewFields.h"
 
 #include <TelvaroTaskSwitcher.h>
@@ -140,7 +141,12 @@ ExitStatus switchView(const QCommandLineParser& parser, const QStringList& argum
                 return switchToApplication(switcher, parser.value(cApp));
             });
         }
-        return Service::connect() ? sent(TelvaroTaskSwitcher().switchTo(arguments.constFirst())) : Failed;
+        if (!Service::connect()) {
+            return Failed;
+        }
+        TelvaroTaskSwitcher switcher;
+        switcher.setTimeout(TimeLimit::beyond());
+        return sent(switcher.switchTo(arguments.constFirst()));
     }
     if (!parser.isSet(cApp)) {
         return usageError(command, QStringLiteral("--index goes with --app"));

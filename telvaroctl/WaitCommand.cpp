@@ -11,6 +11,7 @@
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDBusConnection>
 #include <QString>
 
 #include <algorithm>
@@ -41,7 +42,8 @@ struct Condition
 
     bool holds(const TelvaroTaskSwitcher& switcher) const
     {
-        const bool isAbsent = switcher.getStatus() == TelvaroLiveObject::Absent;
+        // Without a bus nothing is known.
+        const bool isAbsent = switcher.getStatus() == TelvaroLiveObject::Absent && Service::bus().isConnected();
         const bool isReady = switcher.getStatus() == TelvaroLiveObject::Ready;
         if (isService) {
             return isGone ? isAbsent : isReady;

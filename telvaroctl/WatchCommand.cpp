@@ -50,7 +50,7 @@ struct Form
     bool hasTimestamps;
 };
 
-/// Prints what changes in the service, by the names of the connectors' signals, whenever its state is known.
+/// Prints what changes in the service, by the names of the signals of the libraries, whenever its state is known.
 class Watch : public QObject
 {
     Q_OBJECT
@@ -72,6 +72,12 @@ public:
         connect(&mScreen, &TelvaroScreen::screenSaverActiveChanged, this, [this] {
             reportChange(mScreen, "screenSaverActiveChanged", mScreen.isScreenSaverActive());
         });
+        connect(&mScreen, &TelvaroScreen::screenSaverEnabledChanged, this, [this] {
+            reportChange(mScreen, "screenSaverEnabledChanged", mScreen.isScreenSaverEnabled());
+        });
+        connect(&mScreen, &TelvaroScreen::screenSaverTimeoutChanged, this, [this] {
+            reportChange(mScreen, "screenSaverTimeoutChanged", mScreen.getScreenSaverTimeout());
+        });
         connect(&mScreen, &TelvaroScreen::orientationChanged, this, [this] {
             reportChange(mScreen, "screenOrientationChanged", mScreen.getOrientation());
         });
@@ -81,6 +87,13 @@ public:
     }
 
 private:
+    static void print(const QString& line)
+    {
+        if (!printLine(line)) {
+            QCoreApplication::exit(Failed);
+        }
+    }
+
     void report(const char* signal, const QVariant& value, const QVariantMap& view = {}) const
     {
         QVariantMap fields{{cSignal, QLatin1String(signal)}};
@@ -94,7 +107,7 @@ private:
             for (auto field = view.begin(); field != view.end(); ++field) {
                 fields.insert(field.key(), field.value());
             }
-            printLine(mForm.format->render(fields));
+            print(mForm.format->render(fields));
             return;
         }
         if (mForm.asJson) {
@@ -103,7 +116,7 @@ private:
                     fields.insert(name, view.value(name));
                 }
             }
-            printLine(QString::fromUtf8(QJsonDocument(toJson(fields)).toJson(QJsonDocument::Compact)));
+            print(QString::fromUtf8(QJsonDocument(toJson(fields)).toJson(QJsonDocument::Compact)));
             return;
         }
         QStringList words;
@@ -112,7 +125,7 @@ private:
                 words.append(printable(word.toString()));
             }
         }
-        printLine(words.join(QLatin1Char(' ')));
+        print(words.join(QLatin1Char(' ')));
     }
 
     // The first values, and the empty ones of a service that has gone, are no changes.
@@ -162,14 +175,14 @@ ExitStatus watch(const QCommandLineParser& parser, const QStringList& /*argument
     if (const Error* const error = std::get_if<Error>(&format)) {
         return usageError(QStringLiteral("watch"), error->text);
     }
-    // Before Qt's D-Bus thread starts.
+    if (!Service::connect()) {
+        return Failed;
+    }
+    // From here on the event loop ends the process.
     UnixSignals::block();
     const UnixSignals unixSignals;
     QObject::connect(&unixSignals, &UnixSignals::terminationRequested, QCoreApplication::instance(),
                      &QCoreApplication::quit);
-    if (!Service::connect()) {
-        return Failed;
-    }
     const BusEnd busEnd;
     const Watch watch({std::get<std::optional<Template>>(format), isJsonWanted(parser), parser.isSet(cTimestamps)});
     return static_cast<ExitStatus>(QCoreApplication::exec());

@@ -12,5 +12,5 @@ int main(int argc, char* argv[])
     const QCoreApplication application(argc, argv);
     const ExitStatus status = run(QCoreApplication::arguments().mid(1));
     Service::settle();
-    return status;
+    return status == Done && isOutputLost() ? Failed : status;
 }

@@ -6,6 +6,7 @@
 #include "BusStream.h"
 #include "Console.h"
 #include "ScriptWriter.h"
+#include "Service.h"
 #include "ServiceInterfaces.h"
 
 #include <TelvaroDBusDefinitions.h>
@@ -106,7 +107,7 @@ MaybeError Recorder::start()
     const BusStream* const stream = mStream ? mStream.get() : mSender.get();
     connect(stream, &BusStream::received, this, &Recorder::noteMessage);
     connect(stream, &BusStream::disconnected, this, [this] {
-        printError(QStringLiteral("the bus has ended"));
+        printError(Service::busEnd());
         Q_EMIT ended();
     });
     // The timeout of the device goes by its input, which a script does not have.

@@ -2,15 +2,18 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ScriptWriter.h"
 
+#include "Output.h"
+
 #include <QJsonDocument>
 
-#include <cstdio>
+#include <unistd.h>
 
 namespace {
 
 /// Rounds to more than nothing.
 constexpr qint64 cSmallestMilliseconds = 5;
 
+const QString cStandardOutput = QStringLiteral("standard output");
 const QByteArray cClosing = "\n]\n";
 
 QByteArray toLine(const QJsonObject& step, qint64 milliseconds)
@@ -33,7 +36,7 @@ Result<std::unique_ptr<ScriptWriter>> ScriptWriter::open(const QString& fileName
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
     const bool isStandardOutput = fileName == QLatin1String("-");
     file.setFileName(fileName);
-    const bool isOpen = isStandardOutput ? file.open(stdout, mode)
+    const bool isOpen = isStandardOutput ? file.open(STDOUT_FILENO, mode)
                                          : file.open(mode | (isReplaced ? QIODevice::Truncate : QIODevice::NewOnly));
     if (!isOpen) {
         return QFile::exists(fileName) && !isReplaced
@@ -78,8 +81,18 @@ Result<int> ScriptWriter::finish()
 
 bool ScriptWriter::write(const QByteArray& bytes)
 {
-    if (!mError && mFile.write(bytes) != bytes.size()) {
-        mError = Error{QStringLiteral("%1 cannot be written: %2").arg(mFile.fileName(), mFile.errorString())};
+    if (mError) {
+        return false;
+    }
+    if (mIsStream) {
+        mError = Output::write(mFile.handle(), bytes);
+    } else if (mFile.write(bytes) != bytes.size()) {
+        mError = Error{mFile.errorString()};
+    }
+    if (mError) {
+        const QString name = mFile.fileName();
+        mError->text =
+            QStringLiteral("%1 cannot be written: %2").arg(name.isEmpty() ? cStandardOutput : name, mError->text);
     }
     return !mError;
 }

@@ -4,13 +4,20 @@
 #include "TestMain.h"
 
 #include "PrivateBus.h"
+#include "ValueText.h"
 
 #include <QDateTime>
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <csignal>
 
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 class TelvaroctlChangesTest : public TelvaroctlFixture
@@ -23,6 +30,9 @@ private Q_SLOTS:
     void watchFollowsTheService_data();
     void watchFollowsTheService();
     void watchNeedsABus();
+    void watchEndsIfItsOutputCannotBeWritten();
+    void aSignalEndsAWatchWhoseReaderDoesNotRead();
+    void aSignalEndsAWatchWhoseBusDoesNotAnswer();
     void watchFollowsATemplate();
     void watchPrintsTheTime_data();
     void watchPrintsTheTime();
@@ -32,7 +42,8 @@ private Q_SLOTS:
     void waitFailsAtItsLimit();
     void waitEndsWithTheChange_data();
     void waitEndsWithTheChange();
-    void waitEndsWithTheBus();
+    void aCommandEndsWithTheBus_data();
+    void aCommandEndsWithTheBus();
 
 private:
     /// Returns once telvaroctl is listening.
@@ -69,7 +80,8 @@ void TelvaroctlChangesTest::watchPrintsEachSignalUntilInterrupted()
     emitCurrentView("u-2");
     mService.emitSignal(ServiceSignal::propertiesChanged(
         QStringLiteral("/screen"), QStringLiteral("de.Telvaro.screen"),
-        QStringLiteral("{'screenSaverActive': <true>, 'orientation': <'90'>, 'fullScreen': <true>}")));
+        QStringLiteral("{'screenSaverActive': <true>, 'screenSaverEnabled': <false>, 'screenSaverTimeoutSeconds': <9>, "
+                       "'orientation': <'90'>, 'fullScreen': <true>}")));
 
     const QStringList expected = asJson
         ? QStringList(
@@ -77,11 +89,14 @@ void TelvaroctlChangesTest::watchPrintsEachSignalUntilInterrupted()
              QStringLiteral(
                  "{\"appId\":\"notes\",\"signal\":\"currentViewChanged\",\"title\":\"Recipes\",\"value\":\"u-2\"}"),
              QStringLiteral("{\"signal\":\"screenSaverActiveChanged\",\"value\":true}"),
+             QStringLiteral("{\"signal\":\"screenSaverEnabledChanged\",\"value\":false}"),
+             QStringLiteral("{\"signal\":\"screenSaverTimeoutChanged\",\"value\":9}"),
              QStringLiteral("{\"signal\":\"screenOrientationChanged\",\"value\":\"90\"}"),
              QStringLiteral("{\"signal\":\"fullScreenChanged\",\"value\":true}")})
         : QStringList({QStringLiteral("viewsChanged"), QStringLiteral("currentViewChanged u-2 notes"),
-                       QStringLiteral("screenSaverActiveChanged true"), QStringLiteral("screenOrientationChanged 90"),
-                       QStringLiteral("fullScreenChanged true")});
+                       QStringLiteral("screenSaverActiveChanged true"),
+                       QStringLiteral("screenSaverEnabledChanged false"), QStringLiteral("screenSaverTimeoutChanged 9"),
+                       QStringLiteral("screenOrientationChanged 90"), QStringLiteral("fullScreenChanged true")});
     for (const QString& line : expected) {
         QCOMPARE(QString::fromUtf8(watch.readOutputLine()), line);
     }
@@ -144,6 +159,61 @@ void TelvaroctlChangesTest::watchNeedsABus()
     QCOMPARE(watch.exitCode(), 1);
     QCOMPARE(QString::fromUtf8(watch.readAllStandardError()), message("the bus has ended"));
     QCOMPARE(QString::fromUtf8(watch.readAllStandardOutput()), QString());
+}
+
+void TelvaroctlChangesTest::watchEndsIfItsOutputCannotBeWritten()
+{
+    setTwoViews();
+    ChildProcess watch;
+    watch.setStandardOutputFile(QStringLiteral("/dev/full"));
+    startWatch(watch, words("watch"));
+    emitCurrentView("u-2");
+    const Result result = finish(watch);
+    QCOMPARE(result.errors, message("standard output cannot be written: No space left on device"));
+    QCOMPARE(result.status, 1);
+}
+
+void TelvaroctlChangesTest::aSignalEndsAWatchWhoseReaderDoesNotRead()
+{
+    setTwoViews();
+    const QTemporaryDir directory;
+    const QByteArray pipe = QFile::encodeName(directory.filePath(QStringLiteral("pipe")));
+    QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+    QFile reader;
+    QVERIFY(reader.open(::open(pipe.constData(), O_RDWR | O_CLOEXEC), QIODevice::ReadOnly, QFile::AutoCloseHandle));
+    ChildProcess watch;
+    watch.setStandardOutputFile(QFile::decodeName(pipe));
+    startWatch(watch, {QStringLiteral("watch"), QStringLiteral("--format"), QStringLiteral("{{title}}")});
+    const int capacity = ::fcntl(reader.handle(), F_GETPIPE_SZ);
+    emitViews({view("u-3", "notes", 4711, 0, QByteArray(2 * capacity, 'x').constData())});
+    emitCurrentView("u-3");
+    QVERIFY(QTest::qWaitFor(
+        [&reader, capacity] {
+            int size = 0;
+            return ::ioctl(reader.handle(), FIONREAD, &size) == 0 && size > capacity / 2;
+        },
+        ChildProcess::cDeadline));
+    QCOMPARE(::kill(static_cast<pid_t>(watch.processId()), SIGTERM), 0);
+    QVERIFY(watch.waitForFinished(ChildProcess::cDeadline));
+}
+
+void TelvaroctlChangesTest::aSignalEndsAWatchWhoseBusDoesNotAnswer()
+{
+    const QByteArray ownBus = PrivateBus::address().toUtf8();
+    PrivateBus bus;
+    bus.freeze();
+    ChildProcess watch;
+    start(watch, words("watch --timeout 1000"));
+    PrivateBus::setAddress(ownBus);
+    // Qt's D-Bus thread starts before it connects.
+    QVERIFY(QTest::qWaitFor(
+        [&watch] {
+            return QDir(QStringLiteral("/proc/%1/task").arg(watch.processId())).count() > 3;
+        },
+        ChildProcess::cDeadline));
+    QCOMPARE(::kill(static_cast<pid_t>(watch.processId()), SIGTERM), 0);
+    QVERIFY(watch.waitForFinished(ChildProcess::cDeadline));
+    bus.thaw();
 }
 
 void TelvaroctlChangesTest::watchFollowsATemplate()
@@ -287,18 +357,43 @@ void TelvaroctlChangesTest::waitEndsWithTheChange()
     QCOMPARE(result.status, 0);
 }
 
-void TelvaroctlChangesTest::waitEndsWithTheBus()
+void TelvaroctlChangesTest::aCommandEndsWithTheBus_data()
 {
+    QTest::addColumn<QStringList>("arguments");
+    for (const char* command : {"wait --service --gone", "wait --gone", "wait --app notes --gone", "notify --wait a",
+                                "views", "screen", "switch u-2", "tap 1 1"}) {
+        QTest::newRow(command) << words(command);
+    }
+}
+
+void TelvaroctlChangesTest::aCommandEndsWithTheBus()
+{
+    QFETCH(QStringList, arguments);
     const QByteArray ownBus = PrivateBus::address().toUtf8();
-    ChildProcess wait;
+    ChildProcess command;
     {
         PrivateBus bus;
         ScriptedServiceProcess service;
         service.start();
         service.own();
-        start(wait, words("wait --service --gone"));
+        service.setViews(ValueText::views({view("u-1", "notes", 4711, 0, "Shopping")}));
+        service.script(QStringLiteral("/org/freedesktop/Notifications"),
+                       QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"),
+                       {Behaviour::reply({QStringLiteral("uint32 7")})});
+        service.script(QStringLiteral("/desk"), QStringLiteral("de.Telvaro.desk"), QStringLiteral("Take"),
+                       {Behaviour::silence()});
+        // A read that is replied to would end these.
+        if (arguments.size() < 3) {
+            for (const char* path : {"/taskswitcher", "/screen"}) {
+                for (const char* method : {"Get", "Set"}) {
+                    service.script(QString::fromUtf8(path), QStringLiteral("org.freedesktop.DBus.Properties"),
+                                   QString::fromUtf8(method), {Behaviour::silence()});
+                }
+            }
+        }
+        start(command, arguments);
         PrivateBus::setAddress(ownBus);
-        // It listens before it reads.
+        // It listens before it sends.
         QVERIFY(QTest::qWaitFor(
             [&service] {
                 return !service.takeCalls().isEmpty();
@@ -306,9 +401,9 @@ void TelvaroctlChangesTest::waitEndsWithTheBus()
             ChildProcess::cDeadline));
         bus.kill();
     }
-    const Result result = finish(wait);
-    QCOMPARE(result.status, 1);
+    const Result result = finish(command);
     QCOMPARE(result.errors, message("the bus has ended"));
+    QCOMPARE(result.status, 1);
 }
 
 TELVARO_TEST_MAIN(TelvaroctlChangesTest)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // SPDX-FileCopyrightText: The Telvaro authors
+#include "PrivateBus.h"
 #include "TelvaroctlFixture.h"
 #include "TestMain.h"
 #include "ValueText.h"
@@ -15,6 +16,7 @@ private Q_SLOTS:
     void candidatesAreDescribed();
     void processesThatHaveViewsAreOffered();
     void whatWouldHaveToBeQuotedIsNotOffered();
+    void theViewsAreThoseOfTheBusOfTheLine();
     void aServiceThatHangsOffersNothing();
 
 private:
@@ -114,6 +116,17 @@ void TelvaroctlCompletionTest::whatWouldHaveToBeQuotedIsNotOffered()
     QCOMPARE(complete({QStringLiteral("switch"), QString()}).output,
              QString::fromUtf8("u-1\tnotes: b\xef\xbf\xbd"
                                "c\n"));
+}
+
+void TelvaroctlCompletionTest::theViewsAreThoseOfTheBusOfTheLine()
+{
+    const QString address = PrivateBus::address();
+    PrivateBus::setAddress("unix:path=/nonexistent");
+    const Result words = complete({QStringLiteral("--bus"), address, QStringLiteral("switch"), QStringLiteral("m")});
+    const Result word = complete({QStringLiteral("--bus=") + address, QStringLiteral("switch"), QStringLiteral("m")});
+    PrivateBus::setAddress(address.toUtf8());
+    QCOMPARE(candidates(words), QStringList(QStringLiteral("m-1")));
+    QCOMPARE(candidates(word), QStringList(QStringLiteral("m-1")));
 }
 
 void TelvaroctlCompletionTest::aServiceThatHangsOffersNothing()

@@ -55,6 +55,7 @@ void TelvaroctlScreenTest::screenSettingsAreWrittenAndReadBack_data()
     QTest::newRow("inverse landscape") << words("orientation inverse-landscape") << screenSet("orientation", "'180'");
     QTest::newRow("toggled screen saver") << words("screensaver toggle") << screenSet("screenSaverEnabled", "false");
     QTest::newRow("toggled full screen") << words("fullscreen toggle") << screenSet("fullScreen", "true");
+    QTest::newRow("degrees with a sign") << words("orientation +90") << screenSet("orientation", "'90'");
     QTest::newRow("degrees") << words("orientation 180") << screenSet("orientation", "'180'");
     QTest::newRow("full screen") << words("fullscreen on") << screenSet("fullScreen", "true");
     QTest::newRow("status bar") << words("fullscreen off") << screenSet("fullScreen", "false");

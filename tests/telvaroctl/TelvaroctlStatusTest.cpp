@@ -10,9 +10,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <csignal>
+
+#include <sys/types.h>
 
 namespace {
 
@@ -39,12 +43,17 @@ private Q_SLOTS:
     void aServiceThatAgreesHasNoProblems();
     void theDeepStatusSaysWhatItCannotChange();
     void theDeepStatusRestoresWhatItChanges();
+    void theDeepStatusRestoresWhatTheServiceRepliesTooLate();
+    void anInterruptedDeepStatusRestoresWhatItHasChanged();
+    void theDeepStatusLeavesAnActiveScreenSaverAlone();
     void theDeepStatusFindsWhatDoesNotAgree_data();
     void theDeepStatusFindsWhatDoesNotAgree();
 
 private:
     /// The methods that the plain service does not have.
     void completeService();
+    /// Takes the values that were written to the orientation.
+    QStringList takeOrientations();
     static QJsonObject toObject(const Result& result);
 };
 
@@ -64,6 +73,21 @@ void TelvaroctlStatusTest::completeService()
                                                                   view("u-2", "notes", 4711, 1, "Recipes")}))})});
     setTwoViews();
     mService.setStateful(true);
+}
+
+QStringList TelvaroctlStatusTest::takeOrientations()
+{
+    static const QRegularExpression cWrite(
+        QStringLiteral("Set ssv\\('de.Telvaro.screen', 'orientation', <'(\\d+)'>\\)$"));
+    QStringList values;
+    const QStringList writes = takeWrites();
+    for (const QString& write : writes) {
+        const QRegularExpressionMatch match = cWrite.match(write);
+        if (match.hasMatch()) {
+            values.append(match.captured(1));
+        }
+    }
+    return values;
 }
 
 QJsonObject TelvaroctlStatusTest::toObject(const Result& result)
@@ -131,7 +155,7 @@ void TelvaroctlStatusTest::statusWithoutTheService()
     const auto absence = releaseName();
     const Result result = telvaroctl("status --json");
     QCOMPARE(result.status, 1);
-    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.errors, notOnTheBus());
     const QJsonObject status = toObject(result);
     QCOMPARE(status.value(QLatin1String("compositorDevice")), QJsonValue(true));
     QCOMPARE(status.value(QLatin1String("serviceRegistered")), QJsonValue(false));
@@ -147,7 +171,7 @@ void TelvaroctlStatusTest::statusOfAnObjectThatDoesNotAnswer()
     completeService();
     mService.script(cScreenPath, cPropertiesInterface, QStringLiteral("Get"), {Behaviour::silence()});
     const Result result = telvaroctl("status --json --timeout 2");
-    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.errors, message("not every object of the service answers"));
     QCOMPARE(result.status, 1);
     const QJsonObject status = toObject(result);
     for (const QString& object : cObjects) {
@@ -163,7 +187,7 @@ void TelvaroctlStatusTest::statusOfAServiceThatDoesNotAnswer()
     mService.freeze();
     const Result result = telvaroctl("status --timeout 2");
     mService.thaw();
-    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.errors, message("not every object of the service answers"));
     QCOMPARE(result.output.count(QLatin1String(" does not answer\n")), cObjects.size());
     QVERIFY(result.output.contains(QLatin1String(" registered\n")));
     QCOMPARE(result.status, 1);
@@ -243,6 +267,60 @@ void TelvaroctlStatusTest::theDeepStatusRestoresWhatItChanges()
     QCOMPARE(telvaroctl("current --format {{uuid}}").output, QStringLiteral("u-1\n"));
 }
 
+void TelvaroctlStatusTest::theDeepStatusRestoresWhatTheServiceRepliesTooLate()
+{
+    completeService();
+    mService.scriptProperty(QStringLiteral("Set"), cScreenPath, QStringLiteral("orientation"),
+                            {Behaviour::silence(), Behaviour::plain()});
+    const Result result = telvaroctl("status --deep --json --timeout 2");
+    QCOMPARE(result.status, 1);
+    QCOMPARE(takeOrientations(), QStringList({QStringLiteral("90"), QStringLiteral("0")}));
+    QCOMPARE(toObject(result)
+                 .value(QLatin1String("deep"))
+                 .toObject()
+                 .value(QLatin1String("de.Telvaro.screen.orientation"))
+                 .toArray(),
+             QJsonArray({QStringLiteral("cannot be written: the service " TELVARO_SERVICE_NAME " does not answer")}));
+}
+
+void TelvaroctlStatusTest::anInterruptedDeepStatusRestoresWhatItHasChanged()
+{
+    completeService();
+    mService.scriptProperty(QStringLiteral("Set"), cScreenPath, QStringLiteral("orientation"),
+                            {Behaviour::silence(), Behaviour::plain()});
+    ChildProcess status;
+    start(status, words("status --deep --timeout 100"));
+    QStringList orientations;
+    const auto haveBeenWritten = [this, &orientations](int count) {
+        return QTest::qWaitFor(
+            [this, &orientations, count] {
+                orientations += takeOrientations();
+                return orientations.size() == count;
+            },
+            ChildProcess::cDeadline);
+    };
+    QVERIFY(haveBeenWritten(1));
+    QCOMPARE(::kill(static_cast<pid_t>(status.processId()), SIGTERM), 0);
+    QVERIFY(haveBeenWritten(2));
+    QCOMPARE(orientations, QStringList({QStringLiteral("90"), QStringLiteral("0")}));
+    QVERIFY(status.waitForFinished(ChildProcess::cDeadline));
+    QCOMPARE(status.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(status.exitCode(), SIGTERM);
+    QCOMPARE(telvaroctl("fullscreen").output, QStringLiteral("off\n"));
+}
+
+void TelvaroctlStatusTest::theDeepStatusLeavesAnActiveScreenSaverAlone()
+{
+    completeService();
+    mService.setProperty(cScreenPath, cScreenInterface, QStringLiteral("screenSaverActive"), QStringLiteral("true"));
+    const Result result = telvaroctl("status --deep --json");
+    QCOMPARE(takeWrites().filter(QStringLiteral("screenSaverEnabled")), QStringList());
+    QVERIFY(toObject(result)
+                .value(QLatin1String("deepUnchanged"))
+                .toArray()
+                .contains(QStringLiteral("de.Telvaro.screen.screenSaverEnabled")));
+}
+
 void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree_data()
 {
     QTest::addColumn<QString>("fault");
@@ -260,6 +338,9 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree_data()
     QTest::newRow("introspection") << "introspection"
                                    << "fullScreen"
                                    << "is missing from the introspection";
+    QTest::newRow("no introspection") << "no introspection"
+                                      << "fullScreen"
+                                      << "cannot be introspected: org.example.Error.No: not today";
     QTest::newRow("introspected type") << "introspected type"
                                        << "fullScreen"
                                        << "is introspected as property s read instead of property b readwrite";
@@ -313,6 +394,10 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree()
     } else if (fault == QLatin1String("introspection")) {
         mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
                         QStringLiteral("Introspect"), {Behaviour::reply({QStringLiteral("'<node/>'")})});
+    } else if (fault == QLatin1String("no introspection")) {
+        mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                        QStringLiteral("Introspect"),
+                        {Behaviour::error(QStringLiteral("org.example.Error.No"), QStringLiteral("not today"))});
     } else if (fault == QLatin1String("introspected type")) {
         mService.script(cScreenPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
                         QStringLiteral("Introspect"),
@@ -332,7 +417,7 @@ void TelvaroctlStatusTest::theDeepStatusFindsWhatDoesNotAgree()
         answer({value("false"), value("true")}, notified("{'fullScreen': <'true'>}"));
     }
     const Result result = telvaroctl("status --deep --json --timeout 5");
-    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.errors, message("the service does not agree with its interfaces"));
     QCOMPARE(result.status, 1);
     const QJsonObject deep = toObject(result).value(QLatin1String("deep")).toObject();
     const QJsonArray problems = deep.value(QStringLiteral("de.Telvaro.screen.%1").arg(property)).toArray();

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void aServiceThatHangsEndsEveryCommandAtTheLimit();
     void aBusThatHangsEndsACommandAtTheLimit();
     void theLimitIsTwoSecondsByDefault();
+    void theMessageOfTheLimitEndsWithAWholeCharacterAndALine();
     void theEnvironmentSetsTheLimit();
     void theReaderOfAPipeMayTakeItsTime();
 };
@@ -70,6 +71,19 @@ void TelvaroctlTimeLimitTest::theLimitIsTwoSecondsByDefault()
     QVERIFY2(elapsed < 10000, qPrintable(QString::number(elapsed)));
 }
 
+void TelvaroctlTimeLimitTest::theMessageOfTheLimitEndsWithAWholeCharacterAndALine()
+{
+    // Each of the two lengths has the limit of the message within another byte.
+    for (const int padding : {0, 1}) {
+        const Result result =
+            telvaroctl({QStringLiteral("wait"), QStringLiteral("--timeout"), QStringLiteral("0.5"),
+                        QStringLiteral("--app"), QString(padding, QLatin1Char('a')) + QString(400, QChar(0xe4))});
+        QVERIFY2(result.errors.endsWith(QString::fromUtf8("ä\n")), qPrintable(result.errors));
+        QVERIFY(!result.errors.contains(QChar(QChar::ReplacementCharacter)));
+        QCOMPARE(result.status, 1);
+    }
+}
+
 void TelvaroctlTimeLimitTest::theEnvironmentSetsTheLimit()
 {
     const QByteArray generous = qgetenv("TELVAROCTL_TIMEOUT");
@@ -79,11 +93,20 @@ void TelvaroctlTimeLimitTest::theEnvironmentSetsTheLimit()
     mService.thaw();
     qputenv("TELVAROCTL_TIMEOUT", "soon");
     const Result wrong = telvaroctl("views");
+    const Result help = telvaroctl("help views");
+    const Result completion = telvaroctl("complete -- sw");
+    qputenv("TELVAROCTL_TIMEOUT", "");
+    const Result empty = telvaroctl("views");
     qputenv("TELVAROCTL_TIMEOUT", generous);
     QCOMPARE(result.errors, message("the service " TELVARO_SERVICE_NAME " does not answer"));
     QCOMPARE(wrong.status, 2);
-    QVERIFY2(wrong.errors.startsWith(message("TELVAROCTL_TIMEOUT: 'soon' is not a number of seconds above 0")),
+    QVERIFY2(wrong.errors.startsWith(
+                 message("TELVAROCTL_TIMEOUT: 'soon' is not a number of seconds above 0 and up to 1000000")),
              qPrintable(wrong.errors));
+    QCOMPARE(help.status, 0);
+    QCOMPARE(completion.output.section(QLatin1Char('\t'), 0, 0), QStringLiteral("switch"));
+    QCOMPARE(empty.errors, QString());
+    QCOMPARE(empty.status, 0);
 }
 
 void TelvaroctlTimeLimitTest::theReaderOfAPipeMayTakeItsTime()

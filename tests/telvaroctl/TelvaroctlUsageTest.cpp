@@ -16,6 +16,10 @@ private Q_SLOTS:
     void versionIsTheProjects();
     void wrongUsageIsSaidOnStandardErrorAndSendsNothing_data();
     void wrongUsageIsSaidOnStandardErrorAndSendsNothing();
+    void anEmptyArgumentThatNamesSomethingIsWrongUsage_data();
+    void anEmptyArgumentThatNamesSomethingIsWrongUsage();
+    void outputThatCannotBeWrittenIsAFailure_data();
+    void outputThatCannotBeWrittenIsAFailure();
     void aMisspelledWordIsRecognised_data();
     void aMisspelledWordIsRecognised();
     void commonOptionsStandBeforeAndAfterTheCommand();
@@ -126,20 +130,33 @@ void TelvaroctlUsageTest::wrongUsageIsSaidOnStandardErrorAndSendsNothing_data()
     row("notify --hint boolean:name:maybe a", "'maybe' is no boolean");
     row("notify --close 0", "'0' is not a number from 1 to 4294967295");
     row("notify --close 1 a", "unexpected argument 'a'");
+    row("notify --close 1 --icon a", "--close and --icon exclude each other");
+    row("notify --icon a --icon b c", "--icon is given more than once");
+    row("screen --json --fullscreen on", "--json and --fullscreen exclude each other");
+    row("screen --fullscreen xyzzy --fullscreen off", "--fullscreen is given more than once");
+    row("wait --app=", "--app: APP is empty");
+    row("wait --view=", "--view: UUID is empty");
+    row("switch --app=", "--app: APP is empty");
     row("screenshot", "DIRECTORY is missing");
     row("wait --service --current", "expected either --service or a view");
     row("wait --service --view u-1", "expected either --service or a view");
     row("wait --index 1 --current", "--index goes with --app");
     row("wait --app notes --index one", "'one' is not a number from 0 to 4294967295");
     row("wait --service --app notes", "expected either --service or a view");
-    row("views --timeout soon", "--timeout: 'soon' is not a number of seconds above 0");
-    row("views --timeout 0", "--timeout: '0' is not a number of seconds above 0");
-    row("views --timeout -1", "--timeout: '-1' is not a number of seconds above 0");
+    row("wait --app", "Missing value after '--app'.");
+    row("notify Hi --icon", "Missing value after '--icon'.");
+    row("views --timeout", "Missing value after '--timeout'.");
+    row("views --timeout soon", "--timeout: 'soon' is not a number of seconds above 0 and up to 1000000");
+    row("views --timeout 0", "--timeout: '0' is not a number of seconds above 0 and up to 1000000");
+    row("views --timeout -1", "--timeout: '-1' is not a number of seconds above 0 and up to 1000000");
     row("views --bus xyzzy", "--bus: 'xyzzy' is neither 'session', 'system' nor an address");
     row("views --format {{uuid", "--format: '{{uuid' has no end '}}'");
     row("views --format {{nothing}}",
         "--format: there is no field 'nothing' among uuid, appId, title, info1, info2, info3, info4, pid, sortIndex, "
-        "current, attributes.");
+        "current, attributes.NAME");
+    row("views --format {{attributes.}}",
+        "--format: there is no field 'attributes.' among uuid, appId, title, info1, info2, info3, info4, pid, "
+        "sortIndex, current, attributes.NAME; did you mean 'attributes.NAME'?");
     row("views --format {{uuid}} --json", "--json and --format exclude each other");
     row("watch --format {{uuid}} --json", "--json and --format exclude each other");
 }
@@ -154,6 +171,45 @@ void TelvaroctlUsageTest::wrongUsageIsSaidOnStandardErrorAndSendsNothing()
     QVERIFY(result.errors.endsWith(QLatin1String("--help'\n")));
     QCOMPARE(result.status, 2);
     QCOMPARE(mService.takeDescriptions(), QStringList());
+}
+
+void TelvaroctlUsageTest::anEmptyArgumentThatNamesSomethingIsWrongUsage_data()
+{
+    QTest::addColumn<QString>("placeholder");
+    QTest::newRow("switch") << "UUID";
+    QTest::newRow("top") << "PROCESS";
+    QTest::newRow("screenshot") << "DIRECTORY";
+    QTest::newRow("record") << "FILE";
+}
+
+void TelvaroctlUsageTest::anEmptyArgumentThatNamesSomethingIsWrongUsage()
+{
+    QFETCH(QString, placeholder);
+    const Result result = telvaroctl({QString::fromUtf8(QTest::currentDataTag()), QString()});
+    QVERIFY2(result.errors.startsWith(message(QStringLiteral("%1 is empty").arg(placeholder))),
+             qPrintable(result.errors));
+    QCOMPARE(result.status, 2);
+    QCOMPARE(mService.takeDescriptions(), QStringList());
+}
+
+void TelvaroctlUsageTest::outputThatCannotBeWrittenIsAFailure_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    for (const char* command : {"views", "views --json", "screen", "screen --json", "notify --print-id a",
+                                "complete -- sw", "--help", "views --help", "help", "--version", "record -"}) {
+        QTest::newRow(command) << words(command);
+    }
+}
+
+void TelvaroctlUsageTest::outputThatCannotBeWrittenIsAFailure()
+{
+    QFETCH(QStringList, arguments);
+    ChildProcess process;
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    start(process, arguments);
+    const Result result = finish(process);
+    QCOMPARE(result.errors, message("standard output cannot be written: No space left on device"));
+    QCOMPARE(result.status, 1);
 }
 
 void TelvaroctlUsageTest::aMisspelledWordIsRecognised_data()
@@ -287,7 +343,9 @@ void TelvaroctlUsageTest::theBusCanBeChosen()
     const Result none = telvaroctl("views");
     const Result onOther = telvaroctl(words("views --bus") + QStringList(other));
     const Result addressed = telvaroctl({QStringLiteral("--bus"), QString::fromUtf8(address), QStringLiteral("views")});
+    const Result status = telvaroctl(words("status --json --bus") + QStringList(other));
     PrivateBus::setAddress(address);
+    QVERIFY2(status.output.contains(QStringLiteral("\"bus\": \"%1\"").arg(other)), qPrintable(status.output));
     QCOMPARE(none.status, 1);
     QCOMPARE(none.errors, message("there is no bus at unix:path=/nonexistent"));
     QCOMPARE(onOther.output, views);

@@ -4,11 +4,18 @@
 #include "TestMain.h"
 #include "ValueText.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
+
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
 
 class TelvaroctlViewsTest : public TelvaroctlFixture
 {
@@ -18,6 +25,8 @@ private Q_SLOTS:
     void viewsAreATable();
     void noViewsAreAnEmptyTableAndNoFailure();
     void aTitleCannotSteerTheTerminal();
+    void joinersOfATitleArePrinted();
+    void aTitleIsCutAtTheColumnsOfTheTerminalAndNotWithinACharacter();
     void viewsAsJsonCarryEveryFieldAndNestedAttributes();
     void viewsThatCannotBeReadAreAFailure();
     void viewsFollowATemplate();
@@ -25,12 +34,12 @@ private Q_SLOTS:
     void currentFailsWhereNoViewIsCurrent();
     void switchSendsTheUuidAndNothingElse();
     void switchReportsTheServicesError();
-    void switchRefusesAnEmptyUuid();
     void switchByApplicationAndIndex();
     void switchByApplicationAloneTakesTheLowestIndexOrTheCurrentView();
     void nextAndPreviousStepAndWrap();
     void nextFailsWithoutViews();
     void processesAreFoundBroughtToTheTopAndAskedForByName();
+    void processesAreNotFoundWithoutPidofAndNotByItsOptions();
     void topSaysWhenTheServiceDidNotFollow();
 };
 
@@ -77,6 +86,38 @@ void TelvaroctlViewsTest::aTitleCannotSteerTheTerminal()
                                                "c\xef\xbf\xbd"
                                                "d\n")),
              qPrintable(output));
+}
+
+void TelvaroctlViewsTest::joinersOfATitleArePrinted()
+{
+    const QString title = QStringLiteral("a\u200cb\u200dc");
+    mService.setViews(ValueText::views({view("u-1", "notes", 1, 0, title.toUtf8().constData())}));
+    QCOMPARE(telvaroctl("views --format {{title}}").output, title + QLatin1Char('\n'));
+}
+
+void TelvaroctlViewsTest::aTitleIsCutAtTheColumnsOfTheTerminalAndNotWithinACharacter()
+{
+    const QString emoji = QString::fromUtf8("\xf0\x9f\x98\x80");
+    mService.setViews(ValueText::views({view("u-1", "n\xe4\xb8\xad", 1, 0, emoji.repeated(60).toUtf8().constData()),
+                                        view("u-2", "notes", 2, 0, "b")}));
+    QFile terminal;
+    QVERIFY(terminal.open(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC), QIODevice::ReadOnly | QIODevice::Unbuffered,
+                          QFile::AutoCloseHandle));
+    QVERIFY(::grantpt(terminal.handle()) == 0 && ::unlockpt(terminal.handle()) == 0);
+    const winsize size = {24, 80, 0, 0};
+    QCOMPARE(::ioctl(terminal.handle(), TIOCSWINSZ, &size), 0);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    ChildProcess process;
+    process.setProcessEnvironment(environment);
+    process.setStandardOutputFile(QString::fromUtf8(::ptsname(terminal.handle())));
+    start(process, words("views"));
+    QCOMPARE(finish(process).status, 0);
+    const QStringList lines = QString::fromUtf8(terminal.read(10000)).split(QStringLiteral("\r\n"));
+    QCOMPARE(lines.at(1),
+             QString::fromUtf8("u-1   n\xe4\xb8\xad          0      1             ") + emoji.repeated(19)
+                 + QChar(0x2026));
+    QCOMPARE(lines.at(2), QStringLiteral("u-2   notes        0      2             b"));
 }
 
 void TelvaroctlViewsTest::viewsAsJsonCarryEveryFieldAndNestedAttributes()
@@ -162,14 +203,6 @@ void TelvaroctlViewsTest::switchReportsTheServicesError()
     const Result result = telvaroctl("switch u-9");
     QCOMPARE(result.status, 1);
     QCOMPARE(result.errors, message("org.freedesktop.DBus.Error.InvalidArgs: no such view"));
-}
-
-void TelvaroctlViewsTest::switchRefusesAnEmptyUuid()
-{
-    const Result result = telvaroctl({QStringLiteral("switch"), QString()});
-    QCOMPARE(result.status, 1);
-    QCOMPARE(result.errors, message("org.freedesktop.DBus.Error.InvalidArgs: The uuid of the view is empty"));
-    QCOMPARE(takeWrites(), QStringList());
 }
 
 void TelvaroctlViewsTest::switchByApplicationAndIndex()
@@ -259,6 +292,10 @@ void TelvaroctlViewsTest::processesAreFoundBroughtToTheTopAndAskedForByName()
     QVERIFY2(several.errors == message(list.arg(otherPid).arg(pid))
                  || several.errors == message(list.arg(pid).arg(otherPid)),
              qPrintable(several.errors));
+    // The one with the current view is among them.
+    QCOMPARE(telvaroctl({QStringLiteral("is-current"), name}).status, 0);
+    mService.setCurrentView(QStringLiteral("u-1"));
+    QCOMPARE(telvaroctl({QStringLiteral("is-current"), name}).status, 1);
     other.end();
     mService.setViews(ValueText::views({view("u-1", "notes", 1, 0, "Other")}));
     QCOMPARE(telvaroctl({QStringLiteral("top"), name}).errors,
@@ -272,6 +309,21 @@ void TelvaroctlViewsTest::processesAreFoundBroughtToTheTopAndAskedForByName()
         QCOMPARE(missing.errors, message(QStringLiteral("no process is called '%1'").arg(name)));
     }
     QCOMPARE(takeWrites(), QStringList());
+}
+
+void TelvaroctlViewsTest::processesAreNotFoundWithoutPidofAndNotByItsOptions()
+{
+    ChildProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("PATH"), QStringLiteral("/nonexistent"));
+    process.setProcessEnvironment(environment);
+    start(process, words("pid bash"));
+    const Result none = finish(process);
+    QCOMPARE(none.errors, message("there is no program pidof, which finds processes"));
+    QCOMPARE(none.status, 1);
+    const Result option = telvaroctl("pid -- -h");
+    QCOMPARE(option.errors, message("pidof takes '-h' for an option"));
+    QCOMPARE(option.status, 1);
 }
 
 void TelvaroctlViewsTest::topSaysWhenTheServiceDidNotFollow()
