@@ -123,6 +123,9 @@ MaybeError Compositor::start()
     mKeyboard.setKeymap(mKeymap);
     mTextEntry = std::make_unique<TextEntry>(mKeyboard, mServer.textInputs(), mWindowStack, mWindow, mKeymap);
     QObject::connect(mSeatInput.get(), &SeatInput::pressed, mTextEntry.get(), &TextEntry::noteOtherInput);
+    // What is pressed has been pressed where the surfaces were before.
+    QObject::connect(&mOutput, &Output::geometryChanged, mSeatInput.get(), &SeatInput::cancelGrab);
+    QObject::connect(&mOutput, &Output::geometryChanged, mTouchInput.get(), &TouchInput::cancel);
     mDragImage.follow(mServer.drag());
     QObject::connect(mSeatInput.get(), &SeatInput::pointerMoved, &mDragImage, [this](const QPointF& position) {
         mDragImage.setPointer(position.toPoint());

@@ -19,7 +19,7 @@ const QString cFullScreenWindow = QStringLiteral("fullscreen-window");
 
 Result<QSize> readSize(const QString& text)
 {
-    static const QRegularExpression pattern(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})$"));
+    static const QRegularExpression pattern(QStringLiteral("^([0-9]{1,5})x([0-9]{1,5})\\z"));
     const QRegularExpressionMatch match = pattern.match(text);
     const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
     if (!match.hasMatch() || size.boundedTo({Limits::cLargestEdge, Limits::cLargestEdge}) != size
@@ -34,7 +34,8 @@ Result<QSize> readSize(const QString& text)
 
 Result<QByteArray> readSocketName(const QString& text)
 {
-    if (text.isEmpty() || text.contains(QLatin1Char('/')) || text.startsWith(QLatin1Char('.'))) {
+    static const QRegularExpression pattern(QStringLiteral("\\A(?!\\.)[^/\\p{Cc}]+\\z"));
+    if (!pattern.match(text).hasMatch()) {
         return Error{QStringLiteral("\"%1\" is not a socket name: a plain file name is expected").arg(text)};
     }
     return text.toLocal8Bit();
@@ -58,7 +59,7 @@ Result<Options::Panel> readPanel(const QString& text)
                                                 {QStringLiteral("left"), Qt::LeftEdge},
                                                 {QStringLiteral("right"), Qt::RightEdge}};
     static const QRegularExpression pattern(
-        QStringLiteral("^([^:]+)(?::(bottom|top|left|right)(?::([1-9][0-9]{0,3}))?)?$"));
+        QStringLiteral("^([^:]+)(?::(bottom|top|left|right)(?::([1-9][0-9]{0,3}))?)?\\z"));
     const QRegularExpressionMatch match = pattern.match(text);
     if (!match.hasMatch()) {
         return Error{QStringLiteral("\"%1\" is not a panel: APPID[:EDGE[:SIZE]] is expected, with an edge of bottom, "

@@ -217,7 +217,10 @@ MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
     if (const MaybeError error = expectView(action.uuid)) {
         return error;
     }
-    mOwnViews.remove(action.uuid);
+    if (!mOwnViews.remove(action.uuid)) {
+        return Error{
+            QStringLiteral("the view \"%1\" is a window, which only its application removes").arg(action.uuid)};
+    }
     mViews.remove(action.uuid);
     return {};
 }
@@ -226,6 +229,11 @@ MaybeError ScriptPlayer::execute(const Script::ChangeView& action)
 {
     if (const MaybeError error = expectView(action.uuid)) {
         return error;
+    }
+    // A window that hangs is stopped or closed by its process.
+    if (action.change.pid && !mOwnViews.contains(action.uuid)) {
+        return Error{
+            QStringLiteral("the view \"%1\" is a window, whose \"pid\" is that of its process").arg(action.uuid)};
     }
     mViews.change(action.uuid, action.change);
     return {};

@@ -40,7 +40,7 @@ QVector<QVector<QStringList>> lettersOf(const Keymap& keymap)
     return rows;
 }
 
-/// The digits, and then all other characters of the layout that are no letters of its own.
+/// The digits, and then the other characters of the layout that are no letters of its own, as far as they are common.
 QStringList symbolsOf(const Keymap& keymap)
 {
     QStringList symbols = QStringLiteral("1 2 3 4 5 6 7 8 9 0").split(QLatin1Char(' '));

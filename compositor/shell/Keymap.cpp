@@ -110,7 +110,7 @@ Keymap::Row rowOf(xkb_keymap* keymap, const QVector<QByteArray>& names)
 
 Result<Keymap::Layout> Keymap::readLayout(const QString& text)
 {
-    static const QRegularExpression pattern(QStringLiteral("^(\\w+)(?:\\(([\\w-]+)\\))?$"));
+    static const QRegularExpression pattern(QStringLiteral("^(\\w+)(?:\\(([\\w-]+)\\))?\\z"));
     const QRegularExpressionMatch match = pattern.match(text);
     const Layout layout{match.captured(1), match.captured(2)};
     if (!match.hasMatch() || compile(layout) == nullptr) {

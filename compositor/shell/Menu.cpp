@@ -222,10 +222,10 @@ Menu::Target Menu::targetAt(const QPoint& position) const
     const int end = std::min(mFirst + pageSize(), mRows.size());
     for (int i = mFirst; i < end; ++i) {
         if (rowRect(i).contains(position)) {
-            return {closeRect(i).contains(position) ? Part::CloseButton : Part::Row, i};
+            return {closeRect(i).contains(position) ? Part::CloseButton : Part::Row, i, mRows.at(i)};
         }
     }
-    return {rowRect(mFirst + pageSize()).contains(position) && hasMore() ? Part::More : Part::Nothing, -1};
+    return {rowRect(mFirst + pageSize()).contains(position) && hasMore() ? Part::More : Part::Nothing, -1, Row()};
 }
 
 bool Menu::contains(const QPoint&)
@@ -238,8 +238,8 @@ void Menu::press(const QPoint& position)
     mPressed = targetAt(position);
     if (mPressed.part == Part::Nothing && !rect().contains(position)) {
         close();
-    } else if (mPressed.row >= 0) {
-        mSelected = mPressed.row;
+    } else if (mPressed.index >= 0) {
+        mSelected = mPressed.index;
         changed();
     }
 }
@@ -247,15 +247,16 @@ void Menu::press(const QPoint& position)
 void Menu::release(const QPoint& position)
 {
     const Target pressed = std::exchange(mPressed, Target());
-    if (!isOpen() || !(targetAt(position) == pressed)) {
+    const Target target = targetAt(position);
+    if (!isOpen() || !(target == pressed)) {
         return;
     }
-    switch (pressed.part) {
+    switch (target.part) {
     case Part::Row:
-        activate(pressed.row);
+        activate(target.index);
         break;
     case Part::CloseButton:
-        mStack.close(mRows.at(pressed.row).uuid);
+        mStack.close(target.row.uuid);
         break;
     case Part::More:
         mFirst += pageSize();

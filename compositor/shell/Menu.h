@@ -79,11 +79,13 @@ private:
     struct Target
     {
         Part part = Part::Nothing;
-        int row = -1;
+        int index = -1;
+        Row row;
 
+        /// The same row may have another index meanwhile.
         bool operator==(const Target& other) const
         {
-            return part == other.part && row == other.row;
+            return part == other.part && row.isSame(other.row);
         }
     };
 

@@ -121,7 +121,6 @@ void OnScreenKeyboard::open()
 void OnScreenKeyboard::close()
 {
     if (isOpen()) {
-        release({-1, -1});
         mOutput.setKeyboardOpen(false);
         Q_EMIT openChanged();
     }
@@ -136,8 +135,9 @@ void OnScreenKeyboard::show(Page page)
 
 void OnScreenKeyboard::layOut()
 {
+    // The client repeats a held key until it is released.
+    release({-1, -1});
     mKeys.clear();
-    mPressed = -1;
     if (isOpen()) {
         mKeys = KeyboardPage::keysOf(mPage, *mKeymap,
                                      mOutput.keyboardRect().adjusted(cMargin, cMargin, -cMargin, -cMargin));

@@ -79,7 +79,7 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
         mPressedLayer = InputLayer::at(mLayers.pointer, position);
         if (mPressedLayer != nullptr) {
             if (!mPressedLayer->keepsPopups()) {
-                mStack.dismissPopups();
+                mStack.dismissPopups({});
             }
             mPressedLayer->press(position.toPoint());
             return;
@@ -88,9 +88,7 @@ void SeatInput::pointerPress(const QPointF& position, Qt::MouseButton button)
     updatePointerFocus();
     if (!mPressedButtons) {
         const WindowStack::Hit hit = mStack.surfaceAt(position);
-        if (hit.surface == nullptr) {
-            mStack.dismissPopups();
-        }
+        mStack.dismissPopups(hit);
         mGrabbingWindow = hit.window;
         mGrabbingSurface = hit.surface;
         mGrabOrigin = position - hit.position;
@@ -127,11 +125,29 @@ void SeatInput::pointerLeft()
     }
 }
 
+void SeatInput::cancelGrab()
+{
+    if (!mPressedButtons) {
+        return;
+    }
+    // A drag is cancelled when it is dropped on nothing.
+    mDrag.move(nullptr, {});
+    mDrag.drop();
+    mPressedButtons = Qt::NoButton;
+    setPointerFocus({});
+}
+
 void SeatInput::wheel(const QPointF& position, const QPoint& angleDelta)
 {
+    const bool wasAsleep = mScreenSaver.isActive();
     pointerMotion(position);
+    if (wasAsleep) {
+        return;
+    }
     if (mLayers.menu.isOpen()) {
-        mLayers.menu.moveSelection(angleDelta.y() > 0 ? -1 : 1);
+        if (angleDelta.y() != 0) {
+            mLayers.menu.moveSelection(angleDelta.y() > 0 ? -1 : 1);
+        }
         return;
     }
     if (!admitPointerEvent()) {

@@ -46,6 +46,8 @@ public:
     void pointerPress(const QPointF& position, Qt::MouseButton button);
     void pointerRelease(const QPointF& position, Qt::MouseButton button);
     void pointerLeft();
+    /// Takes the pressed buttons, and with them the pointer, away from their client, without a release.
+    void cancelGrab();
     void wheel(const QPointF& position, const QPoint& angleDelta);
     void key(QKeyEvent* event);
     /// Sends the releases of all pressed keys. To be called when the window loses the focus.

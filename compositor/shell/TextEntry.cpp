@@ -38,6 +38,7 @@ TextEntry::TextEntry(OnScreenKeyboard& keyboard, TextInputs& inputs, WindowStack
     });
     connect(&keyboard, &OnScreenKeyboard::openChanged, this, [this] {
         mIsByHand = mIsByHand && mKeyboard.isOpen();
+        handleActiveChange();
         mInputs.sendPanelState(mKeyboard.isOpen());
     });
     connect(&keyboard, &OnScreenKeyboard::characterTyped, this, &TextEntry::type);
@@ -70,10 +71,11 @@ void TextEntry::handlePanelRequest()
 
 void TextEntry::handleActiveChange()
 {
-    if (const TextInput* const input = mInputs.active()) {
-        mKeyboard.setNumeric(input->isNumeric());
-    } else if (mKeyboard.isOpen() && !mIsByHand) {
+    const TextInput* const input = mInputs.active();
+    if (input == nullptr && mKeyboard.isOpen() && !mIsByHand) {
         mClosing.start();
+    } else {
+        mKeyboard.setNumeric(input != nullptr && input->isNumeric());
     }
 }
 

@@ -71,6 +71,7 @@ void TouchInput::press(const Point& point)
     InputLayer* const layer = InputLayer::at(mLayers, point.position);
     const WindowStack::Hit hit = mStack.surfaceAt(point.position);
     if (layer == nullptr && hit.surface != nullptr && hasTouch(*hit.surface)) {
+        mStack.dismissPopups(hit);
         mClients.down(point.id, hit.window, hit.surface, point.position, hit.position);
         return;
     }
@@ -81,8 +82,8 @@ void TouchInput::press(const Point& point)
     if (mFinger) {
         return;
     }
-    if (layer == nullptr ? hit.surface == nullptr : !layer->keepsPopups()) {
-        mStack.dismissPopups();
+    if (layer == nullptr || !layer->keepsPopups()) {
+        mStack.dismissPopups(layer == nullptr ? hit : WindowStack::Hit());
     }
     mFingerPosition = point.position;
     if (layer != nullptr) {
@@ -126,7 +127,11 @@ void TouchInput::release(const Point& point)
 void TouchInput::cancel()
 {
     mClients.cancel();
-    if (mFinger) {
+    if (mFinger && mPressedLayer == nullptr) {
+        mFinger.reset();
+        mPointer.cancelGrab();
+        mPointer.pointerLeft();
+    } else if (mFinger) {
         release({*mFinger, cNowhere, Qt::TouchPointReleased});
     }
 }

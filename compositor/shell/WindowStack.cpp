@@ -29,7 +29,7 @@ WindowStack::WindowStack(Output& output, ViewList& views, Scene& scene, QObject*
     , mScene(scene)
 {
     connect(&output, &Output::geometryChanged, this, [this] {
-        dismissPopups();
+        dismissPopups({});
         configureAll();
     });
     // Popups stay open: the text field that has opened the on-screen keyboard may be in one.
@@ -279,12 +279,18 @@ ClientSurface* WindowStack::keyboardSurface() const
     return grabbing != popups.crend() ? (*grabbing)->surface() : window == nullptr ? nullptr : window->surface();
 }
 
-void WindowStack::dismissPopups()
+void WindowStack::dismissPopups(const Hit& pressed)
 {
+    const QWaylandSurface* const surface = pressed.surface == nullptr ? nullptr : pressed.surface->surface();
+    const QWaylandClient* const client = surface == nullptr ? nullptr : surface->client();
+    bool isAny = false;
     for (auto popup = mPopups.crbegin(); popup != mPopups.crend(); ++popup) {
-        (*popup)->dismiss();
+        if ((*popup)->client() != client) {
+            (*popup)->dismiss();
+            isAny = true;
+        }
     }
-    if (!mPopups.isEmpty()) {
+    if (isAny) {
         rearrange();
     }
 }
@@ -319,6 +325,7 @@ void WindowStack::paint(QPainter* painter) const
         panelWindow->surface()->paint(painter, surfacePosition(panelWindow->xdgSurface()));
         painter->restore();
     }
+    painter->save();
     painter->setClipRect(mOutput.workArea(), Qt::IntersectClip);
     const QVector<ClientWindow*> windows = stackedWindows();
     for (const ClientWindow* window : windows) {
@@ -330,6 +337,8 @@ void WindowStack::paint(QPainter* painter) const
         }
         window->surface()->paint(painter, surfacePosition(window->xdgSurface()));
     }
+    painter->restore();
+    painter->setClipRegion(visibleArea(), Qt::IntersectClip);
     for (const ClientPopup* popup : visiblePopups()) {
         popup->surface()->paint(painter, surfacePosition(popup->xdgSurface()));
     }
@@ -374,7 +383,7 @@ void WindowStack::replaceReactivePopups()
 
 void WindowStack::handleCurrentChanged()
 {
-    dismissPopups();
+    dismissPopups({});
     configureAll();
     rearrange();
     Q_EMIT currentChanged();

@@ -51,7 +51,8 @@ public:
     bool isBehind() const;
     /// Returns the surface that receives input at `position`; all null where none does.
     Hit surfaceAt(const QPointF& position) const;
-    void dismissPopups();
+    /// Dismisses the popups of all clients but the one whose surface has been pressed, if any.
+    void dismissPopups(const Hit& pressed);
     /// Returns whether the view has a window, which its client can be asked to close.
     bool canClose(const QString& uuid) const;
     /// Asks the client to close the window of the view, if it has one, or ends a client that does not respond.

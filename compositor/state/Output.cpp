@@ -116,9 +116,8 @@ QRect Output::keyboardRect() const
     const QSize room = size();
     const int height =
         mIsKeyboardOpen ? qMin(qMin(room.height() * 2 / 5, room.width() / 2), cLargestKeyboardHeight) : 0;
-    const QRect panel = panelRect();
-    const int bottom = mPanelEdge == Qt::BottomEdge ? panel.top() : room.height();
-    return {0, bottom - height, room.width(), height};
+    const QRect area = withoutPanel(rect());
+    return {area.left(), area.top() + area.height() - height, area.width(), height};
 }
 
 QRect Output::workArea() const
@@ -126,7 +125,7 @@ QRect Output::workArea() const
     return withoutStrips(rect().adjusted(0, statusBarRect().height(), 0, 0));
 }
 
-QRect Output::withoutStrips(const QRect& area) const
+QRect Output::withoutPanel(const QRect& area) const
 {
     const QRect panel = panelRect();
     QRect rest = area;
@@ -144,8 +143,12 @@ QRect Output::withoutStrips(const QRect& area) const
         rest.setHeight(rest.height() - panel.height());
         break;
     }
-    rest.setHeight(rest.height() - keyboardRect().height());
     return rest;
+}
+
+QRect Output::withoutStrips(const QRect& area) const
+{
+    return withoutPanel(area).adjusted(0, 0, 0, -keyboardRect().height());
 }
 
 QRect Output::maximizedArea() const

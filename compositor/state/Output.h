@@ -100,6 +100,8 @@ Q_SIGNALS:
 
 private:
     int statusBarHeight() const;
+    /// Returns what the panel leaves of `area`.
+    QRect withoutPanel(const QRect& area) const;
     /// Returns what the panel and the keyboard leave of `area`.
     QRect withoutStrips(const QRect& area) const;
 

@@ -34,7 +34,7 @@ DataDevices::DataDevices(ServerGlobals& globals, QWaylandSeat& seat)
     , mDrag(seat)
 {
     globals.announce(&wl_data_device_manager_interface, cVersion, this, bind);
-    connect(&seat, &QWaylandSeat::keyboardFocusChanged, this, &DataDevices::offerClipboard);
+    connect(&seat, &QWaylandSeat::keyboardFocusChanged, this, &DataDevices::handleFocusChange);
 }
 
 void DataDevices::bind(wl_client* client, void* data, uint32_t version, uint32_t id)
@@ -85,9 +85,30 @@ void DataDevices::startDrag(wl_client* client, wl_resource* device, wl_resource*
     }
 }
 
-void DataDevices::setSelection(wl_client*, wl_resource* device, wl_resource* source, uint32_t)
+void DataDevices::setSelection(wl_client* client, wl_resource* device, wl_resource* source, uint32_t)
 {
-    devicesOf(device)->setClipboard(DataSource::of(source));
+    DataDevices* const self = devicesOf(device);
+    DataSource* const selected = DataSource::of(source);
+    if (self->mayTakeClipboard(client)) {
+        self->setClipboard(selected);
+    } else if (selected != nullptr && selected->claim()) {
+        selected->sendCancelled();
+    }
+}
+
+void DataDevices::handleFocusChange(const QWaylandSurface* surface)
+{
+    QWaylandClient* const client = surface == nullptr ? nullptr : surface->client();
+    if (client != mFocusedClient) {
+        mLeftClient = std::exchange(mFocusedClient, client);
+    }
+    offerClipboard(surface);
+}
+
+bool DataDevices::mayTakeClipboard(const wl_client* client) const
+{
+    return (mFocusedClient != nullptr && mFocusedClient->client() == client)
+        || (mLeftClient != nullptr && mLeftClient->client() == client);
 }
 
 void DataDevices::setClipboard(DataSource* source)

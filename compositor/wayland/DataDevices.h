@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QVector>
+#include <QWaylandClient>
 
 #include <cstdint>
 
@@ -39,12 +40,19 @@ private:
                           wl_resource* icon, uint32_t serial);
     static void setSelection(wl_client* client, wl_resource* device, wl_resource* source, uint32_t serial);
 
+    /// Notes which client has got the keyboard focus, and offers it the clipboard.
+    void handleFocusChange(const QWaylandSurface* surface);
+    /// Whether a client has the keyboard focus, or has lost it last: its user may have copied just before.
+    bool mayTakeClipboard(const wl_client* client) const;
     void setClipboard(DataSource* source);
-    /// Offers the clipboard to the client of `surface`, which has got the keyboard focus.
+    /// Offers the clipboard to the client of `surface`, which has the keyboard focus.
     void offerClipboard(const QWaylandSurface* surface);
 
     QWaylandSeat& mSeat;
     ClientDrag mDrag;
+    QPointer<QWaylandClient> mFocusedClient;
+    /// The one that had the focus before.
+    QPointer<QWaylandClient> mLeftClient;
     QPointer<DataSource> mClipboard;
     QVector<QPointer<DataOffer>> mOffers;
 };

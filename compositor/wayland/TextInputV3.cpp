@@ -73,7 +73,10 @@ void TextInputV3::commit()
     if (change != Change::None) {
         mIsEnabled = change == Change::Enable;
     }
-    setPurpose(mPendingPurpose);
+    // In version 2 of the protocol, which has no purpose of a PIN, the same number is that of a date.
+    setPurpose(mPendingPurpose == ZWP_TEXT_INPUT_V3_CONTENT_PURPOSE_PIN
+                   ? uint32_t{ZWP_TEXT_INPUT_V3_CONTENT_PURPOSE_DIGITS}
+                   : mPendingPurpose);
     Q_EMIT stateChanged();
     // The protocol has no request to show the panel: clients enable again what is enabled already.
     if (change == Change::Enable) {

@@ -126,6 +126,7 @@ private Q_SLOTS:
     void aDeviceThatComesLaterIsOfferedTheClipboard();
     void theClipboardIsEmptyWithoutItsSource();
     void aReplacedSourceIsCancelled();
+    void onlyTheClientWithTheFocusTakesTheClipboard();
     void aSourceIsUsedOnce();
     void aDropIsNegotiatedAndFinished();
     void theActionFollowsBothSides_data();
@@ -262,6 +263,25 @@ void CompositorDataDeviceTest::aReplacedSourceIsCancelled()
     owner->select(0);
     TRY_COMPARE(owner->count(second, cSourceCancelled), 1);
     QCOMPARE(owner->lastNumber(owner->device, cDeviceSelection), 0U);
+}
+
+void CompositorDataDeviceTest::onlyTheClientWithTheFocusTakesTheClipboard()
+{
+    const auto background = openClient("Background");
+    const auto left = openClient("Left");
+    const auto focused = openClient("Focused");
+    const quint32 source = focused->createSource();
+    focused->select(source);
+    TRY_VERIFY(focused->offer() != 0);
+    const quint32 stolen = background->createSource();
+    background->select(stolen);
+    TRY_COMPARE(background->count(stolen, cSourceCancelled), 1);
+    background->select(0);
+    QVERIFY2(background->wire.synchronise(), background->wire.errorText());
+    QCOMPARE(focused->count(source, cSourceCancelled), 0);
+    // What was copied before the focus moved may come late.
+    left->select(left->createSource());
+    TRY_COMPARE(focused->count(source, cSourceCancelled), 1);
 }
 
 void CompositorDataDeviceTest::aSourceIsUsedOnce()

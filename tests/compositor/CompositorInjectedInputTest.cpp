@@ -78,6 +78,7 @@ private Q_SLOTS:
     void aGestureWaitsUntilTheWindowHasItsSize();
     void placesWhereNobodyCanTapAreRefused();
     void stepsOfOtherKindsAreTaken();
+    void aWindowKeepsItsPlaceAndItsProcess();
     void stepsThatAreWrongAreRefused_data();
     void stepsThatAreWrongAreRefused();
     void withoutTheOptionNobodyIsInControl();
@@ -521,6 +522,21 @@ void CompositorInjectedInputTest::stepsOfOtherKindsAreTaken()
     QCOMPARE(CompositorBus::currentView(), QStringLiteral("u"));
     QCOMPARE(refusal(R"({"remove-view": "v"})"),
              QStringLiteral("org.freedesktop.DBus.Error.Failed: there is no view \"v\""));
+}
+
+void CompositorInjectedInputTest::aWindowKeepsItsPlaceAndItsProcess()
+{
+    const auto client = openWindow();
+    const CompositorBus::View window = CompositorBus::viewWithTitle(QStringLiteral("Window"));
+    const QByteArray uuid = '"' + window.uuid.toUtf8() + '"';
+    const QString failed = QStringLiteral("org.freedesktop.DBus.Error.Failed: the view \"%1\" is a window, ");
+    QCOMPARE(refusal("{\"remove-view\": " + uuid + '}'),
+             failed.arg(window.uuid) + QStringLiteral("which only its application removes"));
+    QCOMPARE(refusal("{\"change-view\": {\"uuid\": " + uuid + R"(, "pid": 1, "title": "Other"}})"),
+             failed.arg(window.uuid) + QStringLiteral("whose \"pid\" is that of its process"));
+    QCOMPARE(CompositorBus::viewWithTitle(QStringLiteral("Window")).pid, window.pid);
+    QCOMPARE(refusal("{\"change-view\": {\"uuid\": " + uuid + R"(, "title": "Other"}})"), QString());
+    QCOMPARE(CompositorBus::viewWithTitle(QStringLiteral("Other")).pid, window.pid);
 }
 
 void CompositorInjectedInputTest::stepsThatAreWrongAreRefused_data()

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void keysReachTheCurrentView();
     void theWheelReachesTheCurrentView();
     void aPressedButtonKeepsThePointer();
+    void aTurnOfTheScreenEndsThePress();
     void menusOpenAndClose();
     void menusStayOnTheOutput();
     void comboBoxesWork();
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void aClickOnACardDismissesIt();
     void aClickOnACardIsTheDefaultAction();
     void aCardTakesTheClickFromTheView();
+    void inputEndsTheScreenSaverAndDoesNothingElse_data();
     void inputEndsTheScreenSaverAndDoesNothingElse();
     void aKeyEndsTheScreenSaver();
     void theScreenSaverWaitsForTheEndOfInput();
@@ -155,6 +157,25 @@ void CompositorInputTest::aPressedButtonKeepsThePointer()
     mDesktop->movePointer(400, 10);
     mDesktop->release();
     QCOMPARE(client->waitFor("release 1"), QByteArray("400,-24"));
+}
+
+void CompositorInputTest::aTurnOfTheScreenEndsThePress()
+{
+    const auto client = openWindow();
+    mDesktop->movePointer(500, 400);
+    mDesktop->press();
+    client->waitFor("press 1 500,366");
+    setScreen(QStringLiteral("orientation"), QStringLiteral("180"));
+    client->takeEvents();
+    mDesktop->movePointer(400, 300);
+    mDesktop->release();
+    mDesktop->key(QStringLiteral("z"));
+    for (const QByteArray& event : client->takeEventsUntil("keypress 1 z")) {
+        QVERIFY2(!event.startsWith("release"), event.constData());
+    }
+    mDesktop->click();
+    client->waitFor("press 1 ");
+    client->waitFor("release 1 ");
 }
 
 void CompositorInputTest::menusOpenAndClose()
@@ -316,17 +337,25 @@ void CompositorInputTest::aCardTakesTheClickFromTheView()
     QCOMPARE(client->takeEventsUntil("press 1 700,26"), QList<QByteArray>({"press 1 700,26"}));
 }
 
+void CompositorInputTest::inputEndsTheScreenSaverAndDoesNothingElse_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::newRow("click") << 1;
+    QTest::newRow("wheel") << 5;
+}
+
 void CompositorInputTest::inputEndsTheScreenSaverAndDoesNothingElse()
 {
+    QFETCH(const int, button);
     const auto client = openWindow();
     mDesktop->movePointer(500, 400);
     setScreen(QStringLiteral("screenSaverTimeoutSeconds"), 1);
     mMonitor->waitFor(QStringLiteral("screenSaverActive"));
     client->takeEvents();
-    mDesktop->click();
+    mDesktop->click(button);
     QCOMPARE(mMonitor->waitFor(QStringLiteral("screenSaverActive")).values.value(QStringLiteral("screenSaverActive")),
              QVariant(false));
-    // Events are ordered, so the key arrives after the click.
+    // Events are ordered, so the key arrives after the button.
     mDesktop->key(QStringLiteral("z"));
     const QList<QByteArray> events = client->takeEventsUntil("keypress 1 z");
     QCOMPARE(events, QList<QByteArray>({"keypress 1 z"}));

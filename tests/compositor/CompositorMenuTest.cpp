@@ -21,6 +21,7 @@ private Q_SLOTS:
     void theMenuTakesTheWheel();
     void theMenuHasPagesWhereItHasNoRoom();
     void theMenuFollowsTheViews();
+    void aRowThatMovesAwayFromTheFingerIsNotChosen();
     void altTabGoesThroughTheViewsInTheOrderOfTheirUse();
     void escapeEndsAltTabWithoutASwitch();
     void keysStepThroughTheViewsOfTheApplication();
@@ -127,6 +128,10 @@ void CompositorMenuTest::theMenuTakesTheWheel()
 {
     mDesktop->key(QStringLiteral("F1"));
     mDesktop->click(5);
+    // The horizontal wheel selects nothing.
+    mDesktop->click(6);
+    mDesktop->click(7);
+    mDesktop->click(7);
     mDesktop->key(QStringLiteral("Return"));
     TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
 }
@@ -155,6 +160,22 @@ void CompositorMenuTest::theMenuFollowsTheViews()
     TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("one"));
     // The selection stays on "three", which is the second now.
     mDesktop->key(QStringLiteral("Down"));
+    mDesktop->key(QStringLiteral("Return"));
+    TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
+}
+
+void CompositorMenuTest::aRowThatMovesAwayFromTheFingerIsNotChosen()
+{
+    mDesktop->key(QStringLiteral("F1"));
+    const QImage before = workArea(screenShot());
+    mDesktop->movePointer(200, 66 + cRowHeight);
+    mDesktop->press();
+    // The row of "two" is selected.
+    TRY_VERIFY(workArea(screenShot()) != before);
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       QStringLiteral("one"));
+    // Now "three" is there. The menu stays open, with its selection.
+    mDesktop->release();
     mDesktop->key(QStringLiteral("Return"));
     TRY_COMPARE(CompositorBus::currentView(), QStringLiteral("two"));
 }

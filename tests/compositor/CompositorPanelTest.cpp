@@ -11,6 +11,7 @@ namespace {
 
 constexpr quint16 cConfigure = 0;
 constexpr quint16 cDown = 0;
+constexpr quint16 cPopupDone = 1;
 const QByteArray cBar("org.example.bar");
 
 } // namespace
@@ -29,7 +30,11 @@ private Q_SLOTS:
     void thePanelStaysWhenTheScreenTurns();
     void thePanelThatGoesLeavesItsPlace();
     void otherWindowsOfThePanelsApplicationAreViews();
-    void thePanelOpensMenusAboveTheViews();
+    void thePanelOpensMenusAboveTheViewsAndItself();
+    void aPressElsewhereDismissesThePopups_data();
+    void aPressElsewhereDismissesThePopups();
+    void theOnScreenKeyboardIsBesideThePanel_data();
+    void theOnScreenKeyboardIsBesideThePanel();
     void aPanelLargerThanTheOutputLeavesHalfOfItToTheViews();
     void whatIsNoPanelIsRefused_data();
     void whatIsNoPanelIsRefused();
@@ -41,8 +46,11 @@ protected:
 
 private:
     void startWithPanel(const QString& panel);
+    static void paint(WireClient& client, quint32 surface, quint32 buffer, const QSize& size);
     /// Opens a window of an application, with its own size.
     static WireClient::Window open(WireClient& client, const QByteArray& appId, const QSize& size);
+    /// Opens a popup around the top left corner of a window; returns the xdg_popup.
+    static quint32 openPopup(WireClient& client, const WireClient::Window& window);
     static QSize configured(WireClient& client, const WireClient::Window& window);
     bool isWhite(int x, int y)
     {
@@ -55,16 +63,32 @@ void CompositorPanelTest::startWithPanel(const QString& panel)
     startWithFingers({QStringLiteral("--panel"), panel});
 }
 
+void CompositorPanelTest::paint(WireClient& client, quint32 surface, quint32 buffer, const QSize& size)
+{
+    client.attach(surface, buffer);
+    client.damage(surface, QRect(QPoint(), size));
+    client.commit(surface);
+    client.synchronise();
+}
+
 WireClient::Window CompositorPanelTest::open(WireClient& client, const QByteArray& appId, const QSize& size)
 {
     const WireClient::Window window = client.createWindow();
     client.send(WireMessage(window.toplevel, XDG_TOPLEVEL_SET_APP_ID).text(appId));
     client.configure(window.surface, window.xdgSurface);
-    client.attach(window.surface, client.createBuffer(size));
-    client.damage(window.surface, QRect(QPoint(), size));
-    client.commit(window.surface);
-    client.synchronise();
+    paint(client, window.surface, client.createBuffer(size), size);
     return window;
+}
+
+quint32 CompositorPanelTest::openPopup(WireClient& client, const WireClient::Window& window)
+{
+    const QSize size(80, 60);
+    const quint32 surface = client.createSurface();
+    const quint32 xdgSurface = client.createXdgSurface(surface);
+    const quint32 popup = client.createPopup(xdgSurface, window.xdgSurface, client.createPositioner(size));
+    client.configure(surface, xdgSurface);
+    paint(client, surface, client.createBuffer(size), size);
+    return popup;
 }
 
 QSize CompositorPanelTest::configured(WireClient& client, const WireClient::Window& window)
@@ -195,21 +219,89 @@ void CompositorPanelTest::otherWindowsOfThePanelsApplicationAreViews()
     TRY_COMPARE(configured(*client, second), QSize(1024, 486));
 }
 
-void CompositorPanelTest::thePanelOpensMenusAboveTheViews()
+void CompositorPanelTest::thePanelOpensMenusAboveTheViewsAndItself()
 {
     startWithPanel(QStringLiteral("org.example.bar:bottom:100"));
     const auto client = wireClient();
     const WireClient::Window bar = open(*client, cBar, QSize(1024, 100));
     TRY_COMPARE(configured(*client, bar), QSize(1024, 100));
-    const quint32 surface = client->createSurface();
-    const quint32 xdgSurface = client->createXdgSurface(surface);
-    client->createPopup(xdgSurface, bar.xdgSurface, client->createPositioner(QSize(80, 60)));
-    client->configure(surface, xdgSurface);
-    client->attach(surface, client->createBuffer(QSize(80, 60)));
-    client->damage(surface, QRect(0, 0, 80, 60));
-    client->commit(surface);
-    client->synchronise();
+    const quint32 black = client->createBuffer(client->createPool(1024 * 100 * 4, 1024 * 100 * 4), 1024, 100, 1024 * 4,
+                                               WL_SHM_FORMAT_XRGB8888);
+    paint(*client, bar.surface, black, QSize(1024, 100));
+    TRY_VERIFY(!isWhite(5, 520));
+    openPopup(*client, bar);
     TRY_VERIFY(isWhite(5, 480));
+    QVERIFY(isWhite(5, 520));
+}
+
+void CompositorPanelTest::aPressElsewhereDismissesThePopups_data()
+{
+    QTest::addColumn<bool>("isOfPanel");
+    QTest::addColumn<bool>("hasTouch");
+    QTest::newRow("the panel's, by a finger") << true << true;
+    QTest::newRow("the panel's, by the pointer") << true << false;
+    QTest::newRow("the view's, by a finger") << false << true;
+    QTest::newRow("the view's, by the pointer") << false << false;
+}
+
+void CompositorPanelTest::aPressElsewhereDismissesThePopups()
+{
+    QFETCH(const bool, isOfPanel);
+    QFETCH(const bool, hasTouch);
+    startWithPanel(QStringLiteral("org.example.bar:bottom:100"));
+    const auto client = wireClient();
+    const auto other = wireClient();
+    for (WireClient* const wire : {client.get(), other.get()}) {
+        const quint32 seat = wire->bind("wl_seat", 4);
+        wire->send(WireMessage(seat, hasTouch ? WL_SEAT_GET_TOUCH : WL_SEAT_GET_POINTER).number(wire->newId()));
+    }
+    const WireClient::Window bar = open(*client, cBar, QSize(1024, 100));
+    const WireClient::Window window = open(*other, "org.example.other", QSize(1024, 466));
+    TRY_COMPARE(configured(*other, window), QSize(1024, 466));
+    WireClient& owner = isOfPanel ? *client : *other;
+    const quint32 popup = openPopup(owner, isOfPanel ? bar : window);
+    screenShot();
+    const QPointF onPanel(500, 550);
+    const QPointF onView(500, 300);
+    const auto dismissals = [&] {
+        owner.synchronise();
+        return owner.events(popup, cPopupDone).size();
+    };
+    // Its own client closes it as it likes.
+    tap(isOfPanel ? onPanel : onView);
+    tap(isOfPanel ? onView : onPanel);
+    TRY_COMPARE(dismissals(), 1);
+}
+
+void CompositorPanelTest::theOnScreenKeyboardIsBesideThePanel_data()
+{
+    QTest::addColumn<QString>("edge");
+    QTest::addColumn<QRect>("panel");
+    QTest::newRow("left") << QStringLiteral("left") << QRect(0, 34, 100, 566);
+    QTest::newRow("right") << QStringLiteral("right") << QRect(924, 34, 100, 566);
+    QTest::newRow("bottom") << QStringLiteral("bottom") << QRect(0, 500, 1024, 100);
+    QTest::newRow("top") << QStringLiteral("top") << QRect(0, 34, 1024, 100);
+}
+
+void CompositorPanelTest::theOnScreenKeyboardIsBesideThePanel()
+{
+    QFETCH(const QString, edge);
+    QFETCH(const QRect, panel);
+    startWithFingers({QStringLiteral("--remote-control"), QStringLiteral("--panel"),
+                      QStringLiteral("org.example.bar:%1:100").arg(edge)});
+    const auto client = wireClient();
+    const WireClient::Window bar = open(*client, cBar, panel.size());
+    TRY_COMPARE(configured(*client, bar), panel.size());
+    const auto other = wireClient();
+    const WireClient::Window window = open(*other, "org.example.other", QSize(200, 100));
+    const int whole = configured(*other, window).height();
+    CompositorBus::callChecked(QStringLiteral("/desk"), QStringLiteral("de.Telvaro.desk"), QStringLiteral("Take"),
+                               {QStringLiteral(R"({"key": "Ctrl+Alt+K"})")});
+    TRY_VERIFY(configured(*other, window).height() < whole);
+    const QImage picture = screenShot();
+    for (const QPoint& corner : {panel.topLeft(), panel.topRight(), panel.bottomLeft(), panel.bottomRight()}) {
+        QCOMPARE(picture.pixelColor(corner), QColor(Qt::white));
+    }
 }
 
 void CompositorPanelTest::aPanelLargerThanTheOutputLeavesHalfOfItToTheViews()

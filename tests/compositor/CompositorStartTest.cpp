@@ -114,9 +114,11 @@ void CompositorStartTest::refusesUnknownArguments_data()
     row({size, QStringLiteral("big")}, "\"big\" is not a size: WIDTHxHEIGHT is expected, each from 64 to 8192");
     row({size, QStringLiteral("0x600")}, "\"0x600\" is not a size");
     row({size, QStringLiteral("1024x99999")}, "\"1024x99999\" is not a size");
+    row({size, QStringLiteral("800x600\n")}, "\"800x600\xef\xbf\xbd\" is not a size");
     row({QStringLiteral("--size=-5x-5")}, "\"-5x-5\" is not a size");
     row({socket}, "Missing value after '--socket'.");
     row({socket, QStringLiteral("../outside")}, "\"../outside\" is not a socket name: a plain file name is expected");
+    row({socket, QStringLiteral("way\nland")}, "\"way\xef\xbf\xbdland\" is not a socket name");
     row({socket, QString()}, "\"\" is not a socket name");
     row({timeout, QStringLiteral("-1")}, "\"-1\" is not a number of seconds from 0");
     row({QStringLiteral("--turn-window"), QStringLiteral("--fullscreen-window")},

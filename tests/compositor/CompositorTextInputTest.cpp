@@ -70,8 +70,12 @@ private Q_SLOTS:
     void shiftIsForOneLetterAndTwiceForMore();
     void theKeyboardHasDigitsAndSymbols();
     void aNumericFieldStartsWithDigits();
+    void aPinIsNumeric();
+    void withoutANumericFieldTheKeyboardStartsWithLetters();
     void thePanelMayBeRequestedBeforeTheFieldIsEnabled();
     void otherKeysAreKeys();
+    void aHeldKeyIsReleasedWhenTheKeyboardChanges_data();
+    void aHeldKeyIsReleasedWhenTheKeyboardChanges();
     void twoThumbsLoseNothing();
     void theKeyboardFollowsTheLayout();
     void theKeyboardTurnsWithTheOutput();
@@ -96,6 +100,8 @@ private:
     void tapView(Field& field, const QPointF& position = {500, 100});
     void enable(Field& field);
     void disable(Field& field);
+    /// Enables a field of text-input-unstable-v3 with a content_purpose.
+    static void enable(Field& field, quint32 purpose);
     /// The height that the view was last configured to.
     static int height(Field& field);
     /// All that was typed through the text input.
@@ -153,6 +159,14 @@ void CompositorTextInputTest::disable(Field& field)
     } else {
         field.client->send(WireMessage(field.input, cDisableV2).number(field.window.surface));
     }
+    field.client->synchronise();
+}
+
+void CompositorTextInputTest::enable(Field& field, quint32 purpose)
+{
+    field.client->send(WireMessage(field.input, ZWP_TEXT_INPUT_V3_ENABLE));
+    field.client->send(WireMessage(field.input, ZWP_TEXT_INPUT_V3_SET_CONTENT_TYPE).number(0U).number(purpose));
+    field.client->send(WireMessage(field.input, ZWP_TEXT_INPUT_V3_COMMIT));
     field.client->synchronise();
 }
 
@@ -303,6 +317,39 @@ void CompositorTextInputTest::aNumericFieldStartsWithDigits()
     TRY_COMPARE(text(field), QStringLiteral("2w"));
 }
 
+void CompositorTextInputTest::aPinIsNumeric()
+{
+    Field field = openField(true);
+    tapView(field);
+    enable(field, ZWP_TEXT_INPUT_V3_CONTENT_PURPOSE_PIN);
+    tap(cW);
+    TRY_COMPARE(text(field), QStringLiteral("2"));
+}
+
+void CompositorTextInputTest::withoutANumericFieldTheKeyboardStartsWithLetters()
+{
+    Field other = openField(true);
+    const quint32 keyboard = other.client->newId();
+    other.client->send(WireMessage(other.client->bind("wl_seat", 4), WL_SEAT_GET_KEYBOARD).number(keyboard));
+    Field field = openField(true);
+    tapView(field);
+    enable(field, ZWP_TEXT_INPUT_V3_CONTENT_PURPOSE_DIGITS);
+    TRY_COMPARE(height(field), cBesideKeyboard);
+    field.client->disconnect();
+    TRY_COMPARE(height(other), cWhole);
+    // The menu, and in it the ninth command below the one view.
+    tap({300, 10});
+    tap({200, 66 + 9 * 36});
+    TRY_COMPARE(height(other), cBesideKeyboard);
+    tap(cH);
+    const auto code = [&] {
+        other.client->synchronise();
+        const auto events = other.client->events(keyboard, cKey);
+        return events.isEmpty() ? 0U : events.first().number(2);
+    };
+    TRY_COMPARE(code(), cKeyH);
+}
+
 void CompositorTextInputTest::thePanelMayBeRequestedBeforeTheFieldIsEnabled()
 {
     Field field = openField(false);
@@ -338,6 +385,43 @@ void CompositorTextInputTest::otherKeysAreKeys()
     TRY_COMPARE(height(field), cWhole);
     enable(field);
     TRY_COMPARE(height(field), cBesideKeyboard);
+}
+
+void CompositorTextInputTest::aHeldKeyIsReleasedWhenTheKeyboardChanges_data()
+{
+    QTest::addColumn<bool>("turns");
+    QTest::newRow("the screen turns") << true;
+    QTest::newRow("a numeric field gets the focus") << false;
+}
+
+void CompositorTextInputTest::aHeldKeyIsReleasedWhenTheKeyboardChanges()
+{
+    QFETCH(const bool, turns);
+    Field field = openField(true);
+    const quint32 keyboard = field.client->newId();
+    field.client->send(WireMessage(field.client->bind("wl_seat", 4), WL_SEAT_GET_KEYBOARD).number(keyboard));
+    tapView(field);
+    enable(field);
+    const auto states = [&] {
+        field.client->synchronise();
+        QVector<quint32> result;
+        for (const auto& event : field.client->events(keyboard, cKey)) {
+            result.append(event.number(3));
+        }
+        return result;
+    };
+    put({{1, cBackspace}});
+    TRY_COMPARE(states(), QVector<quint32>({WL_KEYBOARD_KEY_STATE_PRESSED}));
+    if (turns) {
+        CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
+                           QStringLiteral("180"));
+    } else {
+        enable(field, ZWP_TEXT_INPUT_V3_CONTENT_PURPOSE_DIGITS);
+    }
+    const QVector<quint32> expected{WL_KEYBOARD_KEY_STATE_PRESSED, WL_KEYBOARD_KEY_STATE_RELEASED};
+    TRY_COMPARE(states(), expected);
+    put({});
+    QCOMPARE(states(), expected);
 }
 
 void CompositorTextInputTest::twoThumbsLoseNothing()

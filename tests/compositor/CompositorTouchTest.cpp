@@ -34,6 +34,8 @@ private Q_SLOTS:
     void aFingerClosesACard();
     void aFingerReachesTheViewBelowTheOverlay();
     void aSwitchOfViewsCancelsTheFingers();
+    void aTurnOfTheScreenCancelsTheFingers();
+    void aCancelledFingerIsNoClick();
     void theScreenSaverTakesTheFinger();
     void aFingerThatEndsTheScreenSaverDoesNothingElse();
     void theMouseIsAFingerWhereItIsWanted();
@@ -204,6 +206,41 @@ void CompositorTouchTest::aSwitchOfViewsCancelsTheFingers()
     put({{2, {500, 400}}});
     TRY_COMPARE(opcodes(first), QVector<quint16>({cDown, cFrame}));
     QCOMPARE(opcodes(second), QVector<quint16>({cDown, cFrame, cCancel}));
+}
+
+void CompositorTouchTest::aTurnOfTheScreenCancelsTheFingers()
+{
+    View view = openView("Window");
+    put({{1, {500, 400}}});
+    TRY_COMPARE(opcodes(view), QVector<quint16>({cDown, cFrame}));
+    CompositorBus::set(CompositorBus::cScreenPath, CompositorBus::cScreen, QStringLiteral("orientation"),
+                       QStringLiteral("180"));
+    TRY_COMPARE(opcodes(view), QVector<quint16>({cDown, cFrame, cCancel}));
+    put({{1, {520, 400}}});
+    put({{2, {500, 400}}});
+    TRY_COMPARE(opcodes(view), QVector<quint16>({cDown, cFrame, cCancel, cDown, cFrame}));
+}
+
+void CompositorTouchTest::aCancelledFingerIsNoClick()
+{
+    constexpr quint16 cLeave = 1;
+    constexpr quint16 cButton = 3;
+    View first = openView("First");
+    const QString uuid = CompositorBus::currentView();
+    View second = openView("Second", false);
+    const auto count = [&second](quint16 opcode) {
+        second.client->synchronise();
+        return second.client->events(second.pointer, opcode).size();
+    };
+    put({{1, {500, 400}}});
+    TRY_COMPARE(count(cButton), 1);
+    CompositorBus::set(CompositorBus::cTaskSwitcherPath, CompositorBus::cTaskSwitcher, QStringLiteral("currentView"),
+                       uuid);
+    TRY_COMPARE(count(cLeave), 1);
+    put({});
+    put({{2, {500, 400}}});
+    TRY_COMPARE(opcodes(first), QVector<quint16>({cDown, cFrame}));
+    QCOMPARE(count(cButton), 1);
 }
 
 void CompositorTouchTest::theScreenSaverTakesTheFinger()
