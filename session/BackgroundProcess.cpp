@@ -2,16 +2,21 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "BackgroundProcess.h"
 
+#include "Descriptors.h"
 #include "ExitStatus.h"
 
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,7 +28,7 @@ QString lastError()
     return QString::fromLocal8Bit(::strerror(errno));
 }
 
-[[noreturn]] void waitForChild(pid_t child, int socket, const QString& logPath)
+[[noreturn]] void waitForChild(pid_t child, int socket, int log)
 {
     QFile input;
     const QByteArray text = input.open(socket, QIODevice::ReadOnly) ? input.readAll() : QByteArray();
@@ -33,29 +38,35 @@ QString lastError()
     }
     int status = 0;
     ::waitpid(child, &status, 0);
-    QFile log(logPath);
-    if (log.open(QIODevice::ReadOnly)) {
-        QTextStream(stderr) << QString::fromLocal8Bit(log.readAll());
-        log.remove();
+    QFile output;
+    if (output.open(log, QIODevice::ReadOnly) && output.seek(0)) {
+        QTextStream(stderr) << QString::fromLocal8Bit(output.readAll());
     }
-    std::exit(WIFEXITED(status) ? WEXITSTATUS(status) : Failed);
+    // Whatever ended the child, it was too early.
+    std::exit(WIFEXITED(status) ? std::max<int>(WEXITSTATUS(status), Failed) : Failed);
 }
 
 } // namespace
 
-BackgroundProcess::BackgroundProcess(int parent)
-    : mParent(parent)
+BackgroundProcess::~BackgroundProcess()
 {
+    if (!mTemporaryLog.isEmpty()) {
+        ::unlink(mTemporaryLog.constData());
+    }
 }
 
-Result<BackgroundProcess> BackgroundProcess::start(const QString& logPath)
+MaybeError BackgroundProcess::start(const QString& logPath)
 {
-    constexpr mode_t cOwnerOnly = 0600;
-    const int log =
-        ::open(QFile::encodeName(logPath).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, cOwnerOnly);
+    // Whoever reads from a pipe of the caller waits for its end.
+    closeInheritedDescriptors();
+    // The file at `logPath` may be the log of a running session.
+    QByteArray temporaryLog = QFile::encodeName(logPath + QStringLiteral(".XXXXXX"));
+    const int log = ::mkostemp(temporaryLog.data(), O_CLOEXEC);
     if (log < 0) {
         return Error{QStringLiteral("cannot write %1: %2").arg(logPath, lastError())};
     }
+    mTemporaryLog = temporaryLog;
+    mLogPath = logPath;
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return Error{QStringLiteral("cannot create a socket: %1").arg(lastError())};
@@ -66,22 +77,30 @@ Result<BackgroundProcess> BackgroundProcess::start(const QString& logPath)
     }
     if (child > 0) {
         ::close(ends[1]);
-        waitForChild(child, ends[0], logPath);
+        waitForChild(child, ends[0], log);
     }
     ::close(ends[0]);
+    // Nobody could join the session.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     ::setsid();
     ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
     ::dup2(log, STDOUT_FILENO);
     ::dup2(log, STDERR_FILENO);
     ::close(log);
-    return BackgroundProcess(ends[1]);
+    mParent = ends[1];
+    return {};
 }
 
-bool BackgroundProcess::release(const QString& text)
+MaybeError BackgroundProcess::release(const QString& text)
 {
+    if (::rename(mTemporaryLog.constData(), QFile::encodeName(mLogPath).constData()) != 0) {
+        return Error{QStringLiteral("cannot write %1: %2").arg(mLogPath, lastError())};
+    }
+    mTemporaryLog.clear();
+    ::prctl(PR_SET_PDEATHSIG, 0);
     const QByteArray data = text.toUtf8();
     const bool isSent =
         ::send(mParent, data.constData(), static_cast<size_t>(data.size()), MSG_NOSIGNAL) == data.size();
     ::close(mParent);
-    return isSent;
+    return isSent ? MaybeError() : Error{QStringLiteral("the caller has ended")};
 }

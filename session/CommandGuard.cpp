@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CommandGuard.h"
 
+#include "Descriptors.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMultiHash>
@@ -27,17 +29,6 @@ constexpr std::chrono::seconds cCommandGrace(5);
 constexpr std::chrono::seconds cDescendantGrace(1);
 // A shell's.
 constexpr int cSignalBase = 128;
-
-/// QProcess learns that the command has been executed when all copies of a pipe's end are closed.
-void closeAllButStandardDescriptors()
-{
-    const QStringList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System);
-    for (const QString& descriptor : descriptors) {
-        if (descriptor.toInt() > STDERR_FILENO) {
-            ::close(descriptor.toInt());
-        }
-    }
-}
 
 sigset_t awaitedSignals()
 {
@@ -127,7 +118,8 @@ void signalDescendants(int signal)
 
 [[noreturn]] void guard(pid_t command)
 {
-    closeAllButStandardDescriptors();
+    // QProcess learns that the command has been executed when all copies of a pipe's end are closed.
+    closeInheritedDescriptors();
     Clock::time_point deadline = cNever;
     std::optional<int> status = collectChildren(command);
     while (!status) {

@@ -5,21 +5,28 @@
 #include "Result.h"
 
 #include <QByteArray>
+#include <QLockFile>
 #include <QString>
+
+#include <optional>
 
 /// A file with the environment of a session, to be read by a shell, for as long as the session lives.
 class EnvironmentFile
 {
 public:
     EnvironmentFile() = default;
-    /// Removes the file, unless another session has replaced it.
+    /// Removes the file, unless it has been replaced.
     ~EnvironmentFile();
     Q_DISABLE_COPY(EnvironmentFile)
 
-    /// Writes the file, which appears with its whole content. Returns why that failed.
-    MaybeError write(const QString& path, const QString& content);
+    /// Keeps the path from all other sessions, by a lock file beside it. Returns why that failed.
+    MaybeError reserve(const QString& path);
+
+    /// Writes the file at the reserved path, where it appears with its whole content. Returns why that failed.
+    MaybeError write(const QString& content);
 
 private:
+    std::optional<QLockFile> mLock;
     QString mPath;
     QByteArray mContent;
 };

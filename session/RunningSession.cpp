@@ -34,10 +34,11 @@ MaybeError RunningSession::end()
     }
     // The descriptor keeps referring to this process, however its id is used later.
     const auto descriptor = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
-    if (descriptor < 0 || !isSession(process)) {
+    pollfd ended{descriptor, POLLIN, 0};
+    // A process that has ended keeps its id and name until its parent has collected it.
+    if (descriptor < 0 || !isSession(process) || ::poll(&ended, 1, 0) != 0) {
         return Error{QStringLiteral("the session has ended already")};
     }
-    pollfd ended{descriptor, POLLIN, 0};
     if (::syscall(SYS_pidfd_send_signal, descriptor, SIGTERM, nullptr, 0) != 0) {
         return Error{QStringLiteral("cannot end the session: %1").arg(QString::fromLocal8Bit(::strerror(errno)))};
     }

@@ -23,6 +23,8 @@ namespace {
 const QString cRuntimeDirectory = QStringLiteral("XDG_RUNTIME_DIR");
 const QString cWaylandDisplay = QStringLiteral("WAYLAND_DISPLAY");
 const QString cPlatform = QStringLiteral("QT_QPA_PLATFORM");
+// Not for programs in the session, where toolkits would choose the desktop's X server.
+const QString cDisplay = QStringLiteral("DISPLAY");
 
 const QString cExitStatus = QStringLiteral("EXIT_STATUS=");
 
@@ -40,15 +42,25 @@ QString compositorProgram()
 
 } // namespace
 
-Session::Session(QStringList compositorOptions, bool isHeadless, QObject* parent)
+Session::Session(QStringList compositorOptions, bool isHeadless, QStringList command, QObject* parent)
     : QObject(parent)
     , mCompositorOptions(std::move(compositorOptions))
     , mIsHeadless(isHeadless)
+    , mCommandLine(std::move(command))
     , mDirectory(QDir::temp().filePath(QStringLiteral("telvaro-session-XXXXXX")))
     , mBus(SessionProcess::Role::Background)
     , mCompositor(SessionProcess::Role::Background)
     , mCommand(SessionProcess::Role::Command)
 {
+    connect(&mBus, &SessionProcess::ready, this, [this](const QString& address) {
+        mBusAddress = address;
+        startCompositor();
+    });
+    connect(&mCompositor, &SessionProcess::ready, this, &Session::onCompositorReady);
+    connect(&mBus, &SessionProcess::ended, this, [this](const QString& reason) {
+        onProgramEnded(mBusAddress.isEmpty() ? reason + lastBusMessage() : reason);
+    });
+    connect(&mCompositor, &SessionProcess::ended, this, &Session::onProgramEnded);
 }
 
 Session::~Session()
@@ -64,27 +76,6 @@ MaybeError Session::start()
     if (!mDirectory.isValid()) {
         return Error{QStringLiteral("cannot make a directory: %1").arg(mDirectory.errorString())};
     }
-    if (const MaybeError error = startBus()) {
-        return error;
-    }
-    if (const MaybeError error = startCompositor()) {
-        return error;
-    }
-    for (SessionProcess* const program : {&mBus, &mCompositor}) {
-        connect(program, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-                &Session::onBackgroundProgramEnded);
-    }
-    return {};
-}
-
-bool Session::areOptionsRejected() const
-{
-    return mCompositor.state() == QProcess::NotRunning && mCompositor.exitStatus() == QProcess::NormalExit
-        && mCompositor.exitCode() == Usage;
-}
-
-MaybeError Session::startBus()
-{
     const QString configurationPath = mDirectory.filePath(QStringLiteral("bus.conf"));
     QFile configuration(QStringLiteral(":/bus.conf"));
     if (!configuration.copy(configurationPath)) {
@@ -92,22 +83,29 @@ MaybeError Session::startBus()
     }
     // The daemon warns of resource limits that it may not raise, which a private bus does not need.
     mBus.setProcessChannelMode(QProcess::SeparateChannels);
-    mBus.setStandardErrorFile(mDirectory.filePath(QStringLiteral("bus.log")));
-    mBus.start(QStringLiteral("dbus-daemon"),
-               {QStringLiteral("--config-file=%1").arg(configurationPath),
-                QStringLiteral("--address=unix:dir=%1")
-                    .arg(QString::fromLatin1(QUrl::toPercentEncoding(mDirectory.path(), "/", "~"))),
-                QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
-                QStringLiteral("--print-address")});
-    const Result<QString> line = mBus.readFirstLine();
-    if (const auto* const error = std::get_if<Error>(&line)) {
-        return *error;
-    }
-    mBusAddress = std::get<QString>(line);
+    mBus.setStandardErrorFile(busLog());
+    mBus.startUntilReady(QStringLiteral("dbus-daemon"),
+                         {QStringLiteral("--config-file=%1").arg(configurationPath),
+                          QStringLiteral("--address=unix:dir=%1")
+                              .arg(QString::fromLatin1(QUrl::toPercentEncoding(mDirectory.path(), "/", "~"))),
+                          QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--nosyslog"),
+                          QStringLiteral("--print-address")});
     return {};
 }
 
-MaybeError Session::startCompositor()
+QString Session::busLog() const
+{
+    return mDirectory.filePath(QStringLiteral("bus.log"));
+}
+
+QString Session::lastBusMessage() const
+{
+    QFile log(busLog());
+    const QString text = log.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(log.readAll()).trimmed() : QString();
+    return text.isEmpty() ? text : QStringLiteral(": ") + text.section(QLatin1Char('\n'), -1);
+}
+
+void Session::startCompositor()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     // The compositor may be a client of the desktop's compositor. It needs the absolute path of that socket, because
@@ -119,27 +117,26 @@ MaybeError Session::startCompositor()
     environment.insert(cRuntimeDirectory, mDirectory.path());
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), mBusAddress);
     environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), mBusAddress);
-    const bool hasDisplay = !desktopDisplay.isEmpty() || !environment.value(QStringLiteral("DISPLAY")).isEmpty();
-    const bool isDisplayUsed = !mIsHeadless && hasDisplay && !environment.contains(cPlatform);
+    const bool hasDisplay = !desktopDisplay.isEmpty() || !environment.value(cDisplay).isEmpty();
+    mIsDisplayUsed = !mIsHeadless && hasDisplay && !environment.contains(cPlatform);
     if (mIsHeadless || (!hasDisplay && !environment.contains(cPlatform))) {
         environment.insert(cPlatform, QStringLiteral("offscreen"));
     }
     mCompositor.setProcessEnvironment(environment);
-    mCompositor.start(compositorProgram(),
-                      mCompositorOptions + QStringList(QStringLiteral("--") + CompositorOptions::cRemoteControl));
+    mCompositor.startUntilReady(compositorProgram(),
+                                mCompositorOptions
+                                    + QStringList(QStringLiteral("--") + CompositorOptions::cRemoteControl));
+}
 
-    const Result<QString> line = mCompositor.readFirstLine();
-    if (const auto* const error = std::get_if<Error>(&line)) {
-        return isDisplayUsed ? Error{error->text + QStringLiteral("; without a usable display, add --headless")}
-                             : *error;
-    }
+void Session::onCompositorReady(const QString& line)
+{
     const QString expected = cWaylandDisplay + QLatin1Char('=');
-    if (!std::get<QString>(line).startsWith(expected)) {
-        return Error{QStringLiteral("the compositor printed \"%1\" instead of the name of its socket")
-                         .arg(std::get<QString>(line))};
+    if (!line.startsWith(expected)) {
+        fail(QStringLiteral("the compositor printed \"%1\" instead of the name of its socket").arg(line));
+        return;
     }
-    mWaylandDisplay = std::get<QString>(line).mid(expected.size());
-    return {};
+    mWaylandDisplay = line.mid(expected.size());
+    Q_EMIT ready();
 }
 
 QStringList Session::environment() const
@@ -165,14 +162,14 @@ QString Session::environmentScript() const
         result +=
             QStringLiteral("export %1=%2\n").arg(variable.left(separator), shellWord(variable.mid(separator + 1)));
     }
+    result += QStringLiteral("unset %1\n").arg(cDisplay);
     return result;
 }
 
 QProcessEnvironment Session::commandEnvironment() const
 {
     QProcessEnvironment result = QProcessEnvironment::systemEnvironment();
-    // Keeps toolkits from choosing the desktop's X server.
-    result.remove(QStringLiteral("DISPLAY"));
+    result.remove(cDisplay);
     const QStringList variables = environment();
     for (const QString& variable : variables) {
         const int separator = variable.indexOf(QLatin1Char('='));
@@ -181,11 +178,14 @@ QProcessEnvironment Session::commandEnvironment() const
     return result;
 }
 
-void Session::run(const QStringList& command)
+void Session::run()
 {
-    connect(&mCommand, &QProcess::errorOccurred, this, [this, command](QProcess::ProcessError error) {
+    if (mCommandLine.isEmpty()) {
+        return;
+    }
+    connect(&mCommand, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
-            QTextStream(stderr) << "telvaro-session: cannot start " << command.constFirst() << ": "
+            QTextStream(stderr) << "telvaro-session: cannot start " << mCommand.program() << ": "
                                 << mCommand.errorString() << '\n';
             Q_EMIT ended(cCannotExecute);
         }
@@ -195,30 +195,48 @@ void Session::run(const QStringList& command)
                 Q_EMIT ended(exitStatus == QProcess::NormalExit ? exitCode : cSignalBase + exitCode);
             });
     mCommand.setProcessEnvironment(commandEnvironment());
-    mCommand.start(command.constFirst(), command.mid(1));
+    mCommand.start(mCommandLine.constFirst(), mCommandLine.mid(1));
 }
 
 void Session::end(int signal)
 {
     if (mCommand.state() == QProcess::NotRunning) {
-        Q_EMIT ended(0);
+        Q_EMIT ended(mCommandLine.isEmpty() ? Done : cSignalBase + signal);
     } else if (signal != SIGINT) {
         mCommand.terminate();
     }
 }
 
-void Session::onBackgroundProgramEnded()
+void Session::onProgramEnded(const QString& reason)
 {
     // The session has ended, whatever the command's own status will be.
     mCommand.disconnect(this);
     mCommand.terminate();
+    if (mWaylandDisplay.isEmpty()) {
+        failToStart(reason);
+        return;
+    }
     // A script may end the session with a status that the compositor prints.
     const QString line = QString::fromLocal8Bit(mCompositor.readLine()).trimmed();
     if (line.startsWith(cExitStatus)) {
         Q_EMIT ended(line.midRef(cExitStatus.size()).toInt());
-        return;
+    } else {
+        fail(reason);
     }
-    const auto* const program = qobject_cast<const SessionProcess*>(sender());
-    QTextStream(stderr) << "telvaro-session: " << program->program() << " has ended with " << program->ending() << '\n';
+}
+
+void Session::failToStart(const QString& reason)
+{
+    if (mCompositor.exitStatus() == QProcess::NormalExit && mCompositor.exitCode() == Usage) {
+        // The compositor has printed what is wrong with its options.
+        Q_EMIT ended(Usage);
+    } else {
+        fail(mIsDisplayUsed ? reason + QStringLiteral("; without a usable display, add --headless") : reason);
+    }
+}
+
+void Session::fail(const QString& reason)
+{
+    QTextStream(stderr) << "telvaro-session: " << reason << '\n';
     Q_EMIT ended(Failed);
 }

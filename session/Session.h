@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
+#include "Result.h"
 #include "SessionProcess.h"
 
 #include <QObject>
@@ -15,42 +16,47 @@ class Session : public QObject
     Q_OBJECT
 
 public:
-    /// `compositorOptions` are passed on to the compositor.
-    Session(QStringList compositorOptions, bool isHeadless, QObject* parent = nullptr);
+    /// `compositorOptions` are passed on to the compositor. `command` is the program and its arguments, or empty.
+    Session(QStringList compositorOptions, bool isHeadless, QStringList command, QObject* parent = nullptr);
     /// Stops the programs that still run, the bus last.
     ~Session() override;
 
-    /// Starts the bus and then the compositor, and blocks until both are up. Returns why one is not.
+    /// Starts the bus and then the compositor; emits ready() when both are up. Returns why that cannot begin.
     MaybeError start();
 
-    /// Returns whether start() has failed because the compositor rejects its options. It has printed why.
-    bool areOptionsRejected() const;
+    /// Starts the command, if any, with this process's input and output; emits ended() when it has ended.
+    void run();
 
-    /// Starts the command with this process's input and output; emits ended() when it has ended.
-    void run(const QStringList& command);
-
-    /// Returns the environment variables of a program in the session, as a shell exports them.
+    /// Returns the commands of a shell that give it the environment of a program in the session.
     QString environmentScript() const;
 
 public Q_SLOTS:
-    /// Terminates the command, or ends the session where it has none. Ignores SIGINT while a command runs: the terminal
+    /// Terminates the command, or ends the session where none runs. Ignores SIGINT while a command runs: the terminal
     /// has sent it to the command, too, which may handle it.
     void end(int signal);
 
 Q_SIGNALS:
-    /// The status is the command's, as a shell reports it.
+    void ready();
+    /// The status is the command's, as a shell reports it. If the session has failed, it has printed why.
     void ended(int status);
 
 private:
-    MaybeError startBus();
-    MaybeError startCompositor();
+    QString busLog() const;
+    /// Returns the last line of the bus after a colon, or an empty text.
+    QString lastBusMessage() const;
+    void startCompositor();
+    void onCompositorReady(const QString& line);
+    void onProgramEnded(const QString& reason);
+    void failToStart(const QString& reason);
+    void fail(const QString& reason);
     /// Returns the variables as NAME=VALUE.
     QStringList environment() const;
     QProcessEnvironment commandEnvironment() const;
-    void onBackgroundProgramEnded();
 
     QStringList mCompositorOptions;
     bool mIsHeadless;
+    bool mIsDisplayUsed = false;
+    QStringList mCommandLine;
     QTemporaryDir mDirectory;
     QString mBusAddress;
     QString mWaylandDisplay;

@@ -4,6 +4,7 @@
 
 #include "CommandGuard.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstring>
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-constexpr int cStartDeadline = 20000;
+constexpr std::chrono::seconds cStartDeadline(20);
 // Longer than the guard of a command takes.
 constexpr int cEndDeadline = 10000;
 
@@ -29,6 +30,7 @@ SessionProcess::SessionProcess(Role role, QObject* parent)
         setProcessChannelMode(QProcess::ForwardedErrorChannel);
         setStandardInputFile(QProcess::nullDevice());
     }
+    mStartDeadline.setSingleShot(true);
 }
 
 SessionProcess::~SessionProcess()
@@ -36,17 +38,20 @@ SessionProcess::~SessionProcess()
     stop();
 }
 
-Result<QString> SessionProcess::readFirstLine()
+void SessionProcess::startUntilReady(const QString& program, const QStringList& arguments)
 {
-    while (!canReadLine()) {
-        if (!waitForReadyRead(cStartDeadline)) {
-            const QString reason = state() == QProcess::NotRunning && error() != QProcess::FailedToStart
-                ? QStringLiteral("it ended with %1").arg(ending())
-                : errorString();
-            return Error{QStringLiteral("%1 did not start: %2").arg(program(), reason)};
+    connect(this, &QProcess::readyReadStandardOutput, this, &SessionProcess::onReadyRead);
+    connect(this, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, &SessionProcess::onFinished);
+    connect(this, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            fail(errorString());
         }
-    }
-    return QString::fromLocal8Bit(readLine()).trimmed();
+    });
+    connect(&mStartDeadline, &QTimer::timeout, this, [this] {
+        fail(QStringLiteral("it printed no line within %1 seconds").arg(cStartDeadline.count()));
+    });
+    mStartDeadline.start(cStartDeadline);
+    start(program, arguments);
 }
 
 void SessionProcess::stop()
@@ -61,11 +66,30 @@ void SessionProcess::stop()
     }
 }
 
-QString SessionProcess::ending() const
+void SessionProcess::onReadyRead()
 {
-    return exitStatus() == QProcess::NormalExit
+    if (mStartDeadline.isActive() && canReadLine()) {
+        mStartDeadline.stop();
+        Q_EMIT ready(QString::fromLocal8Bit(readLine()).trimmed());
+    }
+}
+
+void SessionProcess::onFinished()
+{
+    const QString ending = exitStatus() == QProcess::NormalExit
         ? QStringLiteral("exit status %1").arg(exitCode())
         : QStringLiteral("signal %1 (%2)").arg(exitCode()).arg(QString::fromLocal8Bit(::strsignal(exitCode())));
+    if (mStartDeadline.isActive()) {
+        fail(QStringLiteral("it ended with %1").arg(ending));
+    } else {
+        Q_EMIT ended(QStringLiteral("%1 has ended with %2").arg(program(), ending));
+    }
+}
+
+void SessionProcess::fail(const QString& reason)
+{
+    mStartDeadline.stop();
+    Q_EMIT ended(QStringLiteral("%1 did not start: %2").arg(program(), reason));
 }
 
 void SessionProcess::setupChildProcess()

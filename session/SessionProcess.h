@@ -2,9 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #pragma once
 
-#include "Result.h"
-
 #include <QProcess>
+#include <QTimer>
 
 /// A child process that the kernel terminates when the session dies, however the session dies.
 class SessionProcess : public QProcess
@@ -23,18 +22,28 @@ public:
     explicit SessionProcess(Role role, QObject* parent = nullptr);
     ~SessionProcess() override;
 
-    /// Blocks until the program has printed a line. Returns it, or why the program did not print one.
-    Result<QString> readFirstLine();
+    /// Starts a program that prints a line when it is up. Emits ready(), or ended() if there is no line in time.
+    void startUntilReady(const QString& program, const QStringList& arguments);
 
     /// Sends SIGTERM and waits; sends SIGKILL to a program that does not end.
     void stop();
 
-    /// Returns how the program ended: "exit status 1", "signal 9 (Killed)".
-    QString ending() const;
+Q_SIGNALS:
+    /// Emitted once, with the first line that the program has printed.
+    void ready(const QString& line);
+    /// Emitted for a program of startUntilReady(), with a text for the user: "telvaro-compositor did not start: it
+    /// ended with exit status 1", "telvaro-compositor has ended with signal 9 (Killed)".
+    void ended(const QString& reason);
 
 protected:
     void setupChildProcess() override;
 
 private:
+    void onReadyRead();
+    void onFinished();
+    void fail(const QString& reason);
+
     Role mRole;
+    /// Runs until the first line.
+    QTimer mStartDeadline;
 };

@@ -42,11 +42,12 @@ QList<QCommandLineOption> options()
             {cHeadless, QStringLiteral("Draws into memory even where there is a display.")},
             {cEnvironmentFile,
              QStringLiteral("Writes the environment to FILE, to be sourced by a shell, as soon "
-                            "as the session is ready. Removes FILE when the session ends."),
+                            "as the session is ready. Replaces FILE, and removes it when the session ends."),
              QStringLiteral("FILE")},
             {cBackground,
-             QStringLiteral("Returns as soon as the session is ready, and keeps it running; "
-                            "its messages go to FILE.log. Needs --env-file.")},
+             QStringLiteral(
+                 "Returns as soon as the session is ready, and keeps it running until COMMAND or --end ends it; "
+                 "its messages go to FILE.log. Needs --env-file.")},
             {cEnd, QStringLiteral("Ends the session that it is called in, and waits for its end.")},
         };
 }
@@ -72,38 +73,53 @@ ExitStatus fail(const Error& error)
     return Failed;
 }
 
-/// Runs the session until it ends. Lets `background`, if any, return to the caller when it is ready.
-int run(QCoreApplication& application, const QCommandLineParser& parser, BackgroundProcess* background)
+/// Writes the environment of a session that is ready to where the options want it. Lets a caller of a session in the
+/// background return.
+MaybeError announce(const Session& session, const QCommandLineParser& parser, EnvironmentFile& environmentFile,
+                    BackgroundProcess& background)
 {
-    const UnixSignals unixSignals;
-    Session session(compositorArguments(parser), parser.isSet(cHeadless));
-    EnvironmentFile environmentFile;
-    QObject::connect(&session, &Session::ended, &application, &QCoreApplication::exit, Qt::QueuedConnection);
-    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &session, &Session::end);
-    if (const MaybeError error = session.start()) {
-        return session.areOptionsRejected() ? Usage : fail(*error);
-    }
     if (!Manifest::isOfCompositorDevice()) {
         QTextStream(stderr) << "telvaro-session: the library does nothing on this machine: " << Manifest::advice()
                             << '\n';
     }
-    const QString environmentPath = parser.value(cEnvironmentFile);
-    if (!environmentPath.isEmpty()) {
-        if (const MaybeError error = environmentFile.write(environmentPath, session.environmentScript())) {
+    if (parser.isSet(cEnvironmentFile)) {
+        if (MaybeError error = environmentFile.write(session.environmentScript())) {
+            return error;
+        }
+    }
+    if (parser.isSet(cBackground)) {
+        return background.release(QStringLiteral("Join the session:  . %1\n"
+                                                 "End it from there: telvaro-session --end\n")
+                                      .arg(shellWord(QFileInfo(parser.value(cEnvironmentFile)).absoluteFilePath())));
+    }
+    if (parser.positionalArguments().isEmpty()) {
+        QTextStream(stdout) << session.environmentScript();
+    }
+    return {};
+}
+
+/// Runs the session until it ends.
+int run(QCoreApplication& application, const QCommandLineParser& parser, BackgroundProcess& background)
+{
+    const UnixSignals unixSignals;
+    Session session(compositorArguments(parser), parser.isSet(cHeadless), parser.positionalArguments());
+    EnvironmentFile environmentFile;
+    if (parser.isSet(cEnvironmentFile)) {
+        if (const MaybeError error = environmentFile.reserve(parser.value(cEnvironmentFile))) {
             return fail(*error);
         }
     }
-    if (background != nullptr
-        && !background->release(QStringLiteral("Join the session:  . %1\n"
-                                               "End it from there: telvaro-session --end\n")
-                                    .arg(shellWord(QFileInfo(environmentPath).absoluteFilePath())))) {
-        return Failed;
-    }
-    const QStringList command = parser.positionalArguments();
-    if (!command.isEmpty()) {
-        session.run(command);
-    } else if (background == nullptr) {
-        QTextStream(stdout) << session.environmentScript();
+    QObject::connect(&session, &Session::ended, &application, &QCoreApplication::exit, Qt::QueuedConnection);
+    QObject::connect(&unixSignals, &UnixSignals::terminationRequested, &session, &Session::end);
+    QObject::connect(&session, &Session::ready, &application, [&] {
+        if (const MaybeError error = announce(session, parser, environmentFile, background)) {
+            QCoreApplication::exit(fail(*error));
+        } else {
+            session.run();
+        }
+    });
+    if (const MaybeError error = session.start()) {
+        return fail(*error);
     }
     return QCoreApplication::exec();
 }
@@ -128,19 +144,19 @@ int main(int argc, char* argv[])
         return error ? fail(*error) : Done;
     }
 
-    std::optional<BackgroundProcess> background;
+    if (parser.isSet(cEnvironmentFile) && parser.value(cEnvironmentFile).isEmpty()) {
+        return CommandLine::refuse(text().command, QStringLiteral("--env-file needs the name of a file"));
+    }
+    BackgroundProcess background;
     if (parser.isSet(cBackground)) {
         if (!parser.isSet(cEnvironmentFile)) {
             return CommandLine::refuse(text().command, QStringLiteral("--background needs --env-file"));
         }
-        Result<BackgroundProcess> result =
-            BackgroundProcess::start(parser.value(cEnvironmentFile) + QStringLiteral(".log"));
-        if (const auto* const error = std::get_if<Error>(&result)) {
+        if (const MaybeError error = background.start(parser.value(cEnvironmentFile) + QStringLiteral(".log"))) {
             return fail(*error);
         }
-        background = std::get<BackgroundProcess>(result);
     }
     UnixSignals::block();
     QCoreApplication application(argc, argv);
-    return run(application, parser, background ? &*background : nullptr);
+    return run(application, parser, background);
 }

@@ -79,9 +79,58 @@ Result sessionOnDisplay(const QString& display)
     return finish(process);
 }
 
+void write(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        throw std::runtime_error("cannot write " + path.toStdString());
+    }
+}
+
+QByteArray read(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw std::runtime_error("cannot read " + path.toStdString());
+    }
+    return file.readAll();
+}
+
 bool isRunning(const QString& processId)
 {
     return ::kill(static_cast<pid_t>(processId.toInt()), 0) == 0;
+}
+
+/// Runs a session whose parent does not collect it when it has ended.
+void startWithNegligentParent(ChildProcess& parent, const QString& environmentFile)
+{
+    parent.run(QStringLiteral("sh"),
+               {QStringLiteral("-c"),
+                QStringLiteral(TELVARO_PROGRAMS "/telvaro-session --headless --env-file %1 & exec sleep 1000")
+                    .arg(environmentFile)});
+    const auto exists = [&environmentFile] {
+        return QFile::exists(environmentFile);
+    };
+    if (!QTest::qWaitFor(exists, ChildProcess::cDeadline)) {
+        throw std::runtime_error("the session does not start");
+    }
+}
+
+/// A compositor that prints nothing.
+const char* const cNeverReady =
+    "cd \"${0%/*}\"; echo $$ $XDG_RUNTIME_DIR > started.new; mv started.new started; exec sleep 1000";
+
+/// Waits until `program` has started the compositor cNeverReady. Returns its process and its runtime directory.
+QStringList startedBeside(const QString& program)
+{
+    const QString file = QFileInfo(program).dir().filePath(QStringLiteral("started"));
+    const auto exists = [&file] {
+        return QFile::exists(file);
+    };
+    if (!QTest::qWaitFor(exists, ChildProcess::cDeadline)) {
+        throw std::runtime_error(program.toStdString() + " starts no compositor");
+    }
+    return QString::fromUtf8(read(file)).simplified().split(QLatin1Char(' '));
 }
 
 /// The bus of a running session, used from outside.
@@ -134,6 +183,10 @@ private Q_SLOTS:
     void wrongUsageIsSaid();
     void whatTheCompositorRefusesIsWrongUsage();
     void aCompositorThatDoesNotStartIsAFailure();
+    void aCompositorThatNeverEndsItsLineIsAFailure();
+    void theReasonOfABusThatDoesNotStartIsSaid();
+    void aSignalEndsASessionThatStarts_data();
+    void aSignalEndsASessionThatStarts();
     void theScriptIsPlayedWhenTheCommandBegins();
     void aScriptThatIsWrongIsWrongUsage();
     void aStepThatCannotBeTakenEndsTheSession();
@@ -150,11 +203,20 @@ private Q_SLOTS:
     void aSessionWithoutACommandTellsItsEnvironmentAndRunsUntilInterrupted();
     void aSessionInTheBackgroundIsReadyWhenItsCallerReturns();
     void aSessionInTheBackgroundRunsItsCommand();
+    void aSessionInTheBackgroundEndsWithItsCommand();
+    void aSessionInTheBackgroundKeepsNoDescriptorOfItsCaller();
     void aSessionThatCannotStartInTheBackgroundIsSaidAtOnce();
+    void aSessionThatCannotStartInTheBackgroundLeavesTheFilesThere();
+    void aSessionInTheBackgroundThatStartsEndsWithItsCaller();
     void aSessionInTheBackgroundNeedsAFileForItsEnvironment();
+    void anEmptyNameOfTheEnvironmentFileIsWrongUsage();
     void theEnvironmentFileExistsOnlyDuringTheSession();
+    void theEnvironmentFileOfARunningSessionIsRefused();
+    void theEnvironmentFileOfAKilledSessionIsReplaced();
+    void theEnvironmentFileHidesTheDesktopsDisplay();
     void valuesAreQuotedForTheShell();
     void onlyASessionCanBeEnded();
+    void aSessionIsEndedOnce();
     void anEmptyDisplayIsNone();
     void aDisplayThatCannotBeOpenedIsAnsweredWithAdvice();
     void aMachineWithoutTheManifestIsSaid();
@@ -164,22 +226,37 @@ private Q_SLOTS:
 private:
     QString script(const QByteArray& steps) const;
     QString path(const char* name) const;
+    QString programWithCompositor(const QByteArray& compositor) const;
 
     QTemporaryDir mDirectory;
 };
 
 QString SessionTest::script(const QByteArray& steps) const
 {
-    QFile file(mDirectory.filePath(QStringLiteral("script.json")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(steps) != steps.size()) {
-        throw std::runtime_error("cannot write " + file.fileName().toStdString());
-    }
-    return file.fileName();
+    QString file = path("script.json");
+    write(file, steps);
+    return file;
 }
 
 QString SessionTest::path(const char* name) const
 {
     return mDirectory.filePath(QString::fromUtf8(name));
+}
+
+/// Returns a copy of the program in a folder of its own, where this shell script is the compositor.
+QString SessionTest::programWithCompositor(const QByteArray& compositor) const
+{
+    const QDir directory(path(QTest::currentTestFunction()) + QLatin1Char('/')
+                         + QString::fromUtf8(QTest::currentDataTag()));
+    QString copy = directory.filePath(QStringLiteral("telvaro-session"));
+    const QString script = directory.filePath(QStringLiteral("telvaro-compositor"));
+    if (!directory.mkpath(QStringLiteral("."))
+        || !QFile::copy(QStringLiteral(TELVARO_PROGRAMS "/telvaro-session"), copy)) {
+        throw std::runtime_error("cannot write " + copy.toStdString());
+    }
+    write(script, "#!/bin/sh\n" + compositor);
+    QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner);
+    return copy;
 }
 
 void SessionTest::theCommandIsPartOfTheSession()
@@ -302,6 +379,63 @@ void SessionTest::aCompositorThatDoesNotStartIsAFailure()
     QCOMPARE(result.output, QString());
     QVERIFY2(result.errors.contains(QLatin1String("telvaro-compositor did not start: it ended with exit status 1\n")),
              qPrintable(result.errors));
+}
+
+void SessionTest::aCompositorThatNeverEndsItsLineIsAFailure()
+{
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.run(programWithCompositor("while printf .; do sleep 1; done"), {QStringLiteral("--headless")});
+    process.waitForFinished(2 * ChildProcess::cDeadline);
+    const Result result = finish(process);
+    QVERIFY2(result.errors.endsWith(
+                 QLatin1String("telvaro-compositor did not start: it printed no line within 20 seconds\n")),
+             qPrintable(result.errors));
+    QCOMPARE(result.status, 1);
+}
+
+void SessionTest::theReasonOfABusThatDoesNotStartIsSaid()
+{
+    // Longer than the path of a socket may be.
+    const QString directory = path("long").leftJustified(200, QLatin1Char('g'));
+    QVERIFY(QDir().mkpath(directory));
+    const Result result =
+        inShell(QStringLiteral("TMPDIR=%1 " TELVARO_PROGRAMS "/telvaro-session --headless true").arg(directory));
+    QCOMPARE(result.status, 1);
+    const QRegularExpression expected(QStringLiteral(
+        "\\Atelvaro-session: dbus-daemon did not start: it ended with exit status 1: [^\n]*too long[^\n]*\n\\z"));
+    QVERIFY2(expected.match(result.errors).hasMatch(), qPrintable(result.errors));
+}
+
+void SessionTest::aSignalEndsASessionThatStarts_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("status");
+    const QStringList command{QStringLiteral("echo"), QStringLiteral("started")};
+    QTest::newRow("terminated") << command << SIGTERM << 128 + SIGTERM;
+    QTest::newRow("interrupted") << command << SIGINT << 128 + SIGINT;
+    QTest::newRow("without a command") << QStringList() << SIGTERM << 0;
+}
+
+void SessionTest::aSignalEndsASessionThatStarts()
+{
+    QFETCH(const QStringList, command);
+    QFETCH(const int, signal);
+    QFETCH(const int, status);
+    ChildProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    const QString program = programWithCompositor(cNeverReady);
+    process.run(program, QStringList{QStringLiteral("--headless")} + command);
+    const QStringList started = startedBeside(program);
+
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    const Result result = finish(process);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.status, status);
+    QVERIFY(!isRunning(started.at(0)));
+    QVERIFY(!QDir(started.at(1)).exists());
 }
 
 void SessionTest::theScriptIsPlayedWhenTheCommandBegins()
@@ -526,9 +660,7 @@ void SessionTest::aSessionInTheBackgroundIsReadyWhenItsCallerReturns()
     QCOMPARE(ended.status, 0);
     QVERIFY(!directory.exists());
     QVERIFY(!QFile::exists(file));
-    QFile log(file + QStringLiteral(".log"));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QCOMPARE(log.readAll(), QByteArray());
+    QCOMPARE(read(file + QStringLiteral(".log")), QByteArray());
 }
 
 void SessionTest::aSessionInTheBackgroundRunsItsCommand()
@@ -539,11 +671,31 @@ void SessionTest::aSessionInTheBackgroundRunsItsCommand()
                      + shell("echo runs; exec sleep 1000"))
                  .status,
              0);
-    QFile log(file + QStringLiteral(".log"));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QTRY_VERIFY_WITH_TIMEOUT(log.bytesAvailable() > 0, ChildProcess::cDeadline);
-    QCOMPARE(log.readAll(), QByteArray("runs\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(read(file + QStringLiteral(".log")), QByteArray("runs\n"), ChildProcess::cDeadline);
     QCOMPARE(inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file)).status, 0);
+}
+
+void SessionTest::aSessionInTheBackgroundEndsWithItsCommand()
+{
+    const QString file = path("ends");
+    QCOMPARE(session({QStringLiteral("--headless"), QStringLiteral("--background"), QStringLiteral("--env-file"), file,
+                      QStringLiteral("false")})
+                 .status,
+             0);
+    QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(file), ChildProcess::cDeadline);
+}
+
+void SessionTest::aSessionInTheBackgroundKeepsNoDescriptorOfItsCaller()
+{
+    const QString file = path("no-descriptor");
+    const Result piped =
+        inShell(QStringLiteral("(" TELVARO_PROGRAMS
+                               "/telvaro-session --headless --background --env-file %1 3>&1 >/dev/null) | cat")
+                    .arg(file));
+    const Result ended = inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file));
+    QCOMPARE(piped.errors, QString());
+    QCOMPARE(piped.status, 0);
+    QCOMPARE(ended.status, 0);
 }
 
 void SessionTest::aSessionThatCannotStartInTheBackgroundIsSaidAtOnce()
@@ -564,12 +716,59 @@ void SessionTest::aSessionThatCannotStartInTheBackgroundIsSaidAtOnce()
              QStringLiteral("telvaro-session: cannot write /no/such/file.log: No such file or directory\n"));
 }
 
+void SessionTest::aSessionThatCannotStartInTheBackgroundLeavesTheFilesThere()
+{
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("session.env"));
+    const QString log = file + QStringLiteral(".log");
+    write(file, "a variable");
+    write(log, "a message");
+    const Result result =
+        session({QStringLiteral("--headless"), QStringLiteral("--background"), QStringLiteral("--env-file"), file,
+                 QStringLiteral("--size"), QStringLiteral("huge")});
+    QCOMPARE(result.status, 2);
+    QCOMPARE(read(file), QByteArray("a variable"));
+    QCOMPARE(read(log), QByteArray("a message"));
+    QCOMPARE(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden),
+             (QStringList{QStringLiteral("session.env"), QStringLiteral("session.env.log")}));
+}
+
+void SessionTest::aSessionInTheBackgroundThatStartsEndsWithItsCaller()
+{
+    ChildProcess caller;
+    const QString program = programWithCompositor(cNeverReady);
+    const QTemporaryDir directory;
+    caller.run(program,
+               {QStringLiteral("--headless"), QStringLiteral("--background"), QStringLiteral("--env-file"),
+                directory.filePath(QStringLiteral("session.env"))});
+    const QStringList started = startedBeside(program);
+    caller.end();
+    // Before the compositor's own deadline.
+    QTRY_VERIFY_WITH_TIMEOUT(!QDir(started.at(1)).exists(), ChildProcess::cDeadline / 2);
+    QVERIFY(!isRunning(started.at(0)));
+    QTRY_COMPARE_WITH_TIMEOUT(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden), QStringList(),
+                              ChildProcess::cDeadline);
+}
+
 void SessionTest::aSessionInTheBackgroundNeedsAFileForItsEnvironment()
 {
     const Result result = session({QStringLiteral("--background")});
     QCOMPARE(result.status, 2);
     QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-session: --background needs --env-file\n")),
              qPrintable(result.errors));
+}
+
+void SessionTest::anEmptyNameOfTheEnvironmentFileIsWrongUsage()
+{
+    for (const char* const way : {"", "--background"}) {
+        const Result result =
+            inShell(QStringLiteral("cd %1 && " TELVARO_PROGRAMS "/telvaro-session --headless %2 --env-file '' true")
+                        .arg(mDirectory.path(), QLatin1String(way)));
+        QCOMPARE(result.status, 2);
+        QVERIFY2(result.errors.startsWith(QLatin1String("telvaro-session: --env-file needs the name of a file\n")),
+                 qPrintable(result.errors));
+        QVERIFY(!QFile::exists(path(".log")));
+    }
 }
 
 void SessionTest::theEnvironmentFileExistsOnlyDuringTheSession()
@@ -591,6 +790,55 @@ void SessionTest::theEnvironmentFileExistsOnlyDuringTheSession()
                  .status,
              0);
     QVERIFY(QFile::remove(file));
+}
+
+void SessionTest::theEnvironmentFileOfARunningSessionIsRefused()
+{
+    const QString file = path("in-use");
+    const QString log = file + QStringLiteral(".log");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--env-file"), file};
+    const QStringList background = options + QStringList{QStringLiteral("--background")};
+    QCOMPARE(session(background + shell("echo first >&2; exec sleep 1000")).status, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(read(log), QByteArray("first\n"), ChildProcess::cDeadline);
+    const QByteArray environment = read(file);
+
+    for (const QStringList& arguments : {options, background}) {
+        const Result second = session(arguments + QStringList{QStringLiteral("true")});
+        QCOMPARE(second.errors,
+                 QStringLiteral("telvaro-session: %1 is in use by another session, as %1.lock says\n").arg(file));
+        QCOMPARE(second.status, 1);
+        QCOMPARE(read(file), environment);
+        QCOMPARE(read(log), QByteArray("first\n"));
+    }
+    QCOMPARE(inShell(QStringLiteral(". %1 && " TELVARO_PROGRAMS "/telvaro-session --end").arg(file)).status, 0);
+    QVERIFY(!QFile::exists(file + QStringLiteral(".lock")));
+    QCOMPARE(session(options + QStringList{QStringLiteral("true")}).status, 0);
+}
+
+void SessionTest::theEnvironmentFileOfAKilledSessionIsReplaced()
+{
+    const QString file = path("killed");
+    const QStringList options{QStringLiteral("--headless"), QStringLiteral("--env-file"), file};
+    ChildProcess parent;
+    startWithNegligentParent(parent, file);
+    const Result killed =
+        inShell(QStringLiteral(". %1; kill -KILL $TELVARO_SESSION_PID; echo $XDG_RUNTIME_DIR").arg(file));
+    QVERIFY(QDir(killed.output.trimmed()).removeRecursively());
+
+    const Result next = session(options + QStringList{QStringLiteral("true")});
+    QCOMPARE(next.errors, QString());
+    QCOMPARE(next.status, 0);
+    QVERIFY(!QFile::exists(file));
+}
+
+void SessionTest::theEnvironmentFileHidesTheDesktopsDisplay()
+{
+    const Result result = session(
+        QStringList{QStringLiteral("--headless"), QStringLiteral("--env-file"), path("desktop")}
+        + shell("environment=$(env | sort); export DISPLAY=:0; . \"$0\"; test \"$(env | sort)\" = \"$environment\"")
+        + QStringList{path("desktop")});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.status, 0);
 }
 
 void SessionTest::valuesAreQuotedForTheShell()
@@ -623,6 +871,18 @@ void SessionTest::onlyASessionCanBeEnded()
         inShell(QStringLiteral("export TELVARO_SESSION_PID=$$; ") + end + QStringLiteral("; echo $?"));
     QCOMPARE(another.output, QStringLiteral("1\n"));
     QCOMPARE(another.errors, QStringLiteral("telvaro-session: the session has ended already\n"));
+}
+
+void SessionTest::aSessionIsEndedOnce()
+{
+    const QString file = path("once");
+    ChildProcess parent;
+    startWithNegligentParent(parent, file);
+    const Result result = inShell(
+        QStringLiteral(". %1; " TELVARO_PROGRAMS "/telvaro-session --end && " TELVARO_PROGRAMS "/telvaro-session --end")
+            .arg(file));
+    QCOMPARE(result.errors, QStringLiteral("telvaro-session: the session has ended already\n"));
+    QCOMPARE(result.status, 1);
 }
 
 void SessionTest::anEmptyDisplayIsNone()
