@@ -100,10 +100,10 @@ MaybeError Compositor::start()
     }
     // The name is requested before the socket is opened: a second compositor stops here and leaves no trace. Calls wait
     // for the event loop, which runs when everything is up.
-    if (const MaybeError error = publishObjects()) {
+    if (MaybeError error = publishObjects()) {
         return error;
     }
-    if (const MaybeError error = mBusService.takeName()) {
+    if (MaybeError error = mBusService.takeName()) {
         return error;
     }
     mBusService.takeNotificationName();
@@ -170,7 +170,7 @@ MaybeError Compositor::publishObjects()
         objects.append({QStringLiteral(TELVARO_DESK_PATH), &mDeskObject});
     }
     for (const auto& [path, object] : qAsConst(objects)) {
-        if (const MaybeError error = mBusService.publish(path, object)) {
+        if (MaybeError error = mBusService.publish(path, object)) {
             return error;
         }
     }

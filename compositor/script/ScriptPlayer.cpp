@@ -214,7 +214,7 @@ MaybeError ScriptPlayer::execute(const Script::AddView& action)
 
 MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
 {
-    if (const MaybeError error = expectView(action.uuid)) {
+    if (MaybeError error = expectView(action.uuid)) {
         return error;
     }
     if (!mOwnViews.remove(action.uuid)) {
@@ -227,7 +227,7 @@ MaybeError ScriptPlayer::execute(const Script::RemoveView& action)
 
 MaybeError ScriptPlayer::execute(const Script::ChangeView& action)
 {
-    if (const MaybeError error = expectView(action.uuid)) {
+    if (MaybeError error = expectView(action.uuid)) {
         return error;
     }
     // A window that hangs is stopped or closed by its process.
@@ -242,7 +242,7 @@ MaybeError ScriptPlayer::execute(const Script::ChangeView& action)
 MaybeError ScriptPlayer::execute(const Script::OrderViews& action)
 {
     for (const QString& uuid : action.uuids) {
-        if (const MaybeError error = expectView(uuid)) {
+        if (MaybeError error = expectView(uuid)) {
             return error;
         }
     }
@@ -300,7 +300,7 @@ MaybeError ScriptPlayer::execute(const Script::SetService& action)
         mStage.busService.giveNamesBack();
         return {};
     }
-    if (const MaybeError error = mStage.busService.takeName()) {
+    if (MaybeError error = mStage.busService.takeName()) {
         return error;
     }
     mStage.busService.takeNotificationName();

@@ -9,7 +9,6 @@
 #include <algorithm>
 
 using KeyboardPage::Key;
-using KeyboardPage::Page;
 
 namespace {
 

@@ -156,7 +156,7 @@ void Menu::pressKey(int key)
         moveSelection(1);
         break;
     case Qt::Key_Up:
-    case Qt::SHIFT | Qt::Key_Tab:
+    case int{Qt::SHIFT} | Qt::Key_Tab:
         moveSelection(-1);
         break;
     case Qt::Key_Return:
