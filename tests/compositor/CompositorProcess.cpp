@@ -99,8 +99,8 @@ qint64 CompositorProcess::processorTime() const
 
 qint64 CompositorProcess::residentMemory() const
 {
-#ifdef __SANITIZE_THREAD__
-    // The sanitizer's records of accesses are many times the program's memory.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    // A sanitizer keeps freed memory, and records of accesses.
     return 0;
 #else
     QFile file(QStringLiteral("/proc/%1/statm").arg(processId()));

@@ -55,7 +55,7 @@ public:
     }
     /// The processor time used so far, in milliseconds.
     qint64 processorTime() const;
-    /// The resident memory in bytes.
+    /// The resident memory in bytes; 0 under a sanitizer, whose own it would be.
     qint64 residentMemory() const;
     /// The part of it that is not of a file, in bytes.
     qint64 anonymousMemory() const;
