@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcessEnvironment>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <cstdlib>
@@ -315,7 +316,11 @@ void TelvaroctlViewsTest::processesAreNotFoundWithoutPidofAndNotByItsOptions()
 {
     ChildProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("PATH"), QStringLiteral("/nonexistent"));
+    const QTemporaryDir programs;
+    // What starts telvaroctl where the processor is emulated.
+    const QString emulator = QStringLiteral("qemu-arm-static");
+    QFile::link(QStandardPaths::findExecutable(emulator), programs.filePath(emulator));
+    environment.insert(QStringLiteral("PATH"), programs.path());
     process.setProcessEnvironment(environment);
     start(process, words("pid bash"));
     const Result none = finish(process);
