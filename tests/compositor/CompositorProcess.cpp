@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "CompositorProcess.h"
 
+#include "Sanitized.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -99,7 +101,7 @@ qint64 CompositorProcess::processorTime() const
 
 qint64 CompositorProcess::residentMemory() const
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef TELVARO_SANITIZED
     // A sanitizer keeps freed memory, and records of accesses.
     return 0;
 #else

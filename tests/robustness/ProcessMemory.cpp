@@ -2,18 +2,14 @@
 // SPDX-FileCopyrightText: The Telvaro authors
 #include "ProcessMemory.h"
 
+#include "Sanitized.h"
+
 #include <QByteArray>
 #include <QFile>
 
 #include <malloc.h>
 
 #include <stdexcept>
-
-// Qt defines __has_feature for compilers that do not.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || __has_feature(address_sanitizer)                  \
-    || __has_feature(thread_sanitizer)
-#define TELVARO_SANITIZED
-#endif
 
 namespace {
 
